@@ -1,0 +1,51 @@
+#include "Log.h"
+
+#include "LogActor.h"
+
+#include <algorithm>
+
+namespace {
+
+QString lastPathPiece(const QString& path) {
+    const QStringList pieces = path.split('/', Qt::SkipEmptyParts);
+    return pieces.isEmpty() ? QString() : pieces.last();
+}
+
+}  // namespace
+
+void Log::sendFrom(LogLevel level, const QVariant& message, const std::source_location& site,
+                   const QString& function) {
+    send(level, message, QString::fromUtf8(site.file_name()),
+         function.isEmpty() ? QString::fromUtf8(site.function_name()) : function, int(site.line()));
+}
+
+void Log::send(LogLevel level, const QVariant& message, const QString& file, const QString& function, int line) {
+    SendableMessage prepared(message);
+    LogActor::shared().enqueue([level, prepared, file, function, line] {
+        LogActor& actor = LogActor::shared();
+        if (level != LogLevel::error && actor.level < rawValue(level)) return;
+        const QString shortFile = lastPathPiece(file);
+        for (const auto& provider : actor.providers) provider->logPrepared(level, prepared, shortFile, function, line);
+    });
+}
+
+void Log::configure(const LogDateFormatter& formatter, ExtraInfo extraInfo) {
+    addProvider(std::make_shared<ConsoleLogProvider>(formatter, extraInfo));
+}
+
+void Log::addProvider(std::shared_ptr<LogProvider> provider) {
+    LogActor::shared().enqueue([provider = std::move(provider)] { LogActor::shared().providers.push_back(provider); });
+}
+
+void Log::removeProvider(std::shared_ptr<LogProvider> provider) {
+    LogActor::shared().enqueue([provider = std::move(provider)] {
+        auto& providers = LogActor::shared().providers;
+        providers.erase(std::remove(providers.begin(), providers.end(), provider), providers.end());
+    });
+}
+
+void Log::setLevel(int level) {
+    LogActor::shared().enqueue([level] { LogActor::shared().level = level; });
+}
+
+void Log::flush() { LogActor::shared().drain(); }

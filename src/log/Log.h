@@ -1,0 +1,71 @@
+#pragma once
+// The one way the system writes diagnostics. A call never blocks and never fails: the message
+// becomes text on the caller's thread, everything else happens later on LogActor.
+//
+//     Log::debug("📷 loaded");                        // function name from the call site
+//     Log::error(message, "metadata(from:)");          // function name given
+#include "ConsoleLogProvider.h"
+#include "LogLevel.h"
+#include "LogProvider.h"
+
+#include <QString>
+#include <QVariant>
+#include <memory>
+#include <source_location>
+
+class Log {
+public:
+    static void error(const QVariant& message, std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::error, message, site);
+    }
+    static void warning(const QVariant& message, std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::warning, message, site);
+    }
+    static void info(const QVariant& message, std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::info, message, site);
+    }
+    static void debug(const QVariant& message, std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::debug, message, site);
+    }
+    static void verbose(const QVariant& message, std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::verbose, message, site);
+    }
+
+    // The same, naming the function in the line instead of the compiler's signature text.
+    static void error(const QVariant& message, const QString& function,
+                      std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::error, message, site, function);
+    }
+    static void warning(const QVariant& message, const QString& function,
+                        std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::warning, message, site, function);
+    }
+    static void info(const QVariant& message, const QString& function,
+                     std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::info, message, site, function);
+    }
+    static void debug(const QVariant& message, const QString& function,
+                      std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::debug, message, site, function);
+    }
+    static void verbose(const QVariant& message, const QString& function,
+                        std::source_location site = std::source_location::current()) {
+        sendFrom(LogLevel::verbose, message, site, function);
+    }
+
+    // The call form all the above reduce to; `file` may be a whole path.
+    static void send(LogLevel level, const QVariant& message, const QString& file, const QString& function, int line);
+
+    // Appends a console provider; start-up calls it once.
+    static void configure(const LogDateFormatter& formatter, ExtraInfo extraInfo);
+    static void addProvider(std::shared_ptr<LogProvider> provider);
+    static void removeProvider(std::shared_ptr<LogProvider> provider);
+    // Errors always pass; another level passes when its raw value is at most the threshold.
+    static void setLevel(int level);
+    // Waits until everything logged so far has reached the providers.
+    static void flush();
+
+private:
+    static void sendFrom(LogLevel level, const QVariant& message, const std::source_location& site,
+                     const QString& function = {});
+};
