@@ -1,9 +1,330 @@
+#include "Containers.h"
+#include "Exiv2Convert.h"
 #include "ImageProperties.h"
+#include "PropertyKeys.h"
+
+#include <exiv2/exiv2.hpp>
+#include <exiv2/bmffimage.hpp>
+#include <exiv2/cr2image.hpp>
+#include <exiv2/jpgimage.hpp>
+#include <exiv2/orfimage.hpp>
+#include <exiv2/pngimage.hpp>
+#include <exiv2/rw2image.hpp>
+#include <exiv2/tiffimage.hpp>
+#include <exiv2/webpimage.hpp>
+#include <libheif/heif.h>
+
+#include <QHash>
+#include <memory>
+#include <mutex>
+
+// exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace imageio {
+namespace {
 
-Format detectFormat(const QByteArray&) { return Format::Unknown; }
-QString formatName(Format) { return {}; }
-std::optional<PropertyDict> readProperties(const QByteArray&, QString*) { return std::nullopt; }
+void initExiv2() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        Exiv2::enableBMFF(true);
+        Exiv2::XmpParser::initialize();  // not thread-safe on first use, so done once up front
+    });
+}
+
+bool startsWith(const QByteArray& b, qsizetype at, const char* text, qsizetype n) {
+    return b.size() >= at + n && std::memcmp(b.constData() + at, text, size_t(n)) == 0;
+}
+
+// The brands of an ISO base media file: major first, then the compatible ones.
+QList<QByteArray> brands(const QByteArray& b) {
+    QList<QByteArray> out;
+    if (b.size() < 16) return out;
+    auto be32 = [&](qsizetype at) {
+        return uint32_t(uint8_t(b[at])) << 24 | uint32_t(uint8_t(b[at + 1])) << 16 |
+               uint32_t(uint8_t(b[at + 2])) << 8 | uint8_t(b[at + 3]);
+    };
+    qsizetype boxSize = be32(0);
+    if (boxSize < 16 || boxSize > b.size()) boxSize = qMin<qsizetype>(b.size(), 64);
+    out << b.mid(8, 4);
+    for (qsizetype at = 16; at + 4 <= boxSize; at += 4) out << b.mid(at, 4);
+    return out;
+}
+
+// TIFF-based raw files that exiv2 reads with a parser of their own.
+enum class TiffKind { Plain, Cr2, Orf, Rw2 };
+
+TiffKind tiffKind(const QByteArray& b) {
+    if (startsWith(b, 0, "IIRO", 4) || startsWith(b, 0, "IIRS", 4) || startsWith(b, 0, "MMOR", 4)) return TiffKind::Orf;
+    if (startsWith(b, 0, "IIU\0", 4)) return TiffKind::Rw2;
+    if (startsWith(b, 8, "CR", 2)) return TiffKind::Cr2;
+    return TiffKind::Plain;
+}
+
+struct ImageDirectory {
+    qint64 width = 0, height = 0, bits = 0, photometric = -1, subfileType = 0;
+    bool extraSamples = false;
+};
+
+// The primary image of a TIFF-family file is the largest full-resolution directory: raw files
+// keep small previews in the first directory and the sensor image in a later or sub directory.
+void addTiffFacts(const Exiv2::ExifData& exif, ImageFacts& facts) {
+    QHash<QString, ImageDirectory> dirs;
+    for (const auto& d : exif) {
+        const std::string g = d.groupName();
+        if (g.rfind("Image", 0) != 0 && g.rfind("SubImage", 0) != 0) continue;
+        if (d.count() == 0) continue;
+        ImageDirectory& dir = dirs[QString::fromStdString(g)];
+        try {
+            switch (d.tag()) {
+            case 0x00fe: dir.subfileType = d.toLong(0); break;
+            case 0x0100: dir.width = d.toLong(0); break;
+            case 0x0101: dir.height = d.toLong(0); break;
+            case 0x0102: dir.bits = d.toLong(0); break;
+            case 0x0106: dir.photometric = d.toLong(0); break;
+            case 0x0152: dir.extraSamples = true; break;
+            }
+        } catch (const std::exception&) {
+        }
+    }
+    const ImageDirectory* best = nullptr;
+    for (const auto& dir : dirs) {
+        if (dir.width <= 0 || dir.height <= 0) continue;
+        bool full = dir.subfileType == 0;
+        bool bestFull = best && best->subfileType == 0;
+        if (!best || (full && !bestFull) || (full == bestFull && dir.width * dir.height > best->width * best->height))
+            best = &dir;
+    }
+    if (!best) return;
+    facts.width = int(best->width);
+    facts.height = int(best->height);
+    if (best->bits > 0) facts.depth = int(best->bits);
+    facts.hasAlpha = best->extraSamples;
+    switch (best->photometric) {
+    case 0: case 1: facts.colorModel = kCGImagePropertyColorModelGray; break;
+    case 5: facts.colorModel = kCGImagePropertyColorModelCMYK; break;
+    case 8: case 9: case 10: facts.colorModel = kCGImagePropertyColorModelLab; break;
+    default: facts.colorModel = kCGImagePropertyColorModelRGB; break;
+    }
+}
+
+void setFacts(const ImageFacts& f, PropertyDict& top) {
+    if (f.width) top.insert(kCGImagePropertyPixelWidth, *f.width);
+    if (f.height) top.insert(kCGImagePropertyPixelHeight, *f.height);
+    if (f.depth) top.insert(kCGImagePropertyDepth, *f.depth);
+    if (!f.colorModel.isEmpty()) top.insert(kCGImagePropertyColorModel, f.colorModel);
+    if (f.hasAlpha) top.insert(kCGImagePropertyHasAlpha, *f.hasAlpha);
+    if (f.dpiX) top.insert(kCGImagePropertyDPIWidth, *f.dpiX);
+    if (f.dpiY) top.insert(kCGImagePropertyDPIHeight, *f.dpiY);
+    if (!f.jfif.isEmpty()) top.insert(kCGImagePropertyJFIFDictionary, f.jfif);
+    if (!f.png.isEmpty()) top.insert(kCGImagePropertyPNGDictionary, f.png);
+}
+
+// Resolution from the TIFF fields, where the container had none of its own.
+void addTiffResolution(PropertyDict& top) {
+    if (top.contains(kCGImagePropertyDPIWidth)) return;
+    PropertyDict tiff = top.value(kCGImagePropertyTIFFDictionary).toMap();
+    if (!tiff.contains(kCGImagePropertyTIFFXResolution)) return;
+    int unit = tiff.value(kCGImagePropertyTIFFResolutionUnit, 2).toInt();
+    if (unit != 2 && unit != 3) return;
+    double scale = unit == 3 ? 2.54 : 1.0;
+    top.insert(kCGImagePropertyDPIWidth, tiff.value(kCGImagePropertyTIFFXResolution).toDouble() * scale);
+    top.insert(kCGImagePropertyDPIHeight,
+               tiff.value(kCGImagePropertyTIFFYResolution, tiff.value(kCGImagePropertyTIFFXResolution)).toDouble() * scale);
+}
+
+void addProfile(const QByteArray& icc, PropertyDict& top) {
+    if (icc.isEmpty()) return;
+    QString name = iccDescription(icc);
+    if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
+}
+
+std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format, QString* error) {
+    const auto* data = reinterpret_cast<const Exiv2::byte*>(bytes.constData());
+    Exiv2::BasicIo::AutoPtr io(new Exiv2::MemIo(data, long(bytes.size())));
+    Exiv2::Image::AutoPtr image;
+    ImageFacts facts;
+    switch (format) {
+    case Format::Jpeg: image = Exiv2::newJpegInstance(io, false); facts = probeJpeg(bytes); break;
+    case Format::Png: image = Exiv2::newPngInstance(io, false); facts = probePng(bytes); break;
+    case Format::WebP: image = Exiv2::newWebPInstance(io, false); facts = probeWebP(bytes); break;
+    case Format::Cr3: image = Exiv2::newBmffInstance(io, false); break;
+    case Format::Tiff:
+        switch (tiffKind(bytes)) {
+        case TiffKind::Cr2: image = Exiv2::newCr2Instance(io, false); break;
+        case TiffKind::Orf: image = Exiv2::newOrfInstance(io, false); break;
+        case TiffKind::Rw2: image = Exiv2::newRw2Instance(io, false); break;
+        case TiffKind::Plain: image = Exiv2::newTiffInstance(io, false); break;
+        }
+        break;
+    default: break;
+    }
+    if (!image.get()) {
+        if (error) *error = QStringLiteral("not a valid %1 file").arg(formatName(format));
+        return std::nullopt;
+    }
+    QString failure;
+    try {
+        image->readMetadata();
+    } catch (const std::exception& e) {
+        failure = QString::fromLocal8Bit(e.what());
+    }
+
+    PropertyDict top;
+    try {
+        if (format == Format::Tiff || format == Format::Cr3) addTiffFacts(image->exifData(), facts);
+        setFacts(facts, top);
+        addExif(image->exifData(), top);
+        addIptc(image->iptcData(), top);
+        addXmp(image->xmpData(), top);
+        addTiffResolution(top);
+        QByteArray icc = facts.icc;
+        if (icc.isEmpty() && image->iccProfileDefined())
+            icc = QByteArray(reinterpret_cast<const char*>(image->iccProfile()->pData_), image->iccProfile()->size_);
+        addProfile(icc, top);
+    } catch (const std::exception& e) {
+        if (failure.isEmpty()) failure = QString::fromLocal8Bit(e.what());
+    }
+    // A file whose metadata broke half-way still gives what was read before the break;
+    // with nothing at all it is no image we can read.
+    if (top.isEmpty()) {
+        if (error) *error = failure.isEmpty() ? QStringLiteral("no image metadata found") : failure;
+        return std::nullopt;
+    }
+    top.insert(kCGImagePropertyFileSize, qint64(bytes.size()));
+    return top;
+}
+
+std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
+    std::unique_ptr<heif_context, decltype(&heif_context_free)> ctx(heif_context_alloc(), heif_context_free);
+    heif_error err = heif_context_read_from_memory_without_copy(ctx.get(), bytes.constData(), size_t(bytes.size()), nullptr);
+    if (err.code != heif_error_Ok) {
+        if (error) *error = QString::fromUtf8(err.message);
+        return std::nullopt;
+    }
+    heif_image_handle* raw = nullptr;
+    err = heif_context_get_primary_image_handle(ctx.get(), &raw);
+    if (err.code != heif_error_Ok || !raw) {
+        if (error) *error = QString::fromUtf8(err.message);
+        return std::nullopt;
+    }
+    std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)> handle(raw, heif_image_handle_release);
+
+    PropertyDict top;
+    ImageFacts facts;
+    int w = heif_image_handle_get_ispe_width(handle.get()), h = heif_image_handle_get_ispe_height(handle.get());
+    if (w > 0 && h > 0) {
+        facts.width = w;
+        facts.height = h;
+    }
+    int bits = heif_image_handle_get_luma_bits_per_pixel(handle.get());
+    if (bits > 0) facts.depth = bits;
+    facts.hasAlpha = heif_image_handle_has_alpha_channel(handle.get()) != 0;
+    facts.colorModel = kCGImagePropertyColorModelRGB;
+    setFacts(facts, top);
+
+    auto profileType = heif_image_handle_get_color_profile_type(handle.get());
+    if (profileType == heif_color_profile_type_prof || profileType == heif_color_profile_type_rICC) {
+        QByteArray icc(qsizetype(heif_image_handle_get_raw_color_profile_size(handle.get())), Qt::Uninitialized);
+        if (!icc.isEmpty() && heif_image_handle_get_raw_color_profile(handle.get(), icc.data()).code == heif_error_Ok)
+            addProfile(icc, top);
+    }
+
+    Exiv2::ExifData exif;
+    Exiv2::XmpData xmp;
+    int count = heif_image_handle_get_number_of_metadata_blocks(handle.get(), nullptr);
+    std::vector<heif_item_id> ids(size_t(qMax(count, 0)));
+    if (count > 0) heif_image_handle_get_list_of_metadata_block_IDs(handle.get(), nullptr, ids.data(), count);
+    for (heif_item_id id : ids) {
+        QByteArray block(qsizetype(heif_image_handle_get_metadata_size(handle.get(), id)), Qt::Uninitialized);
+        if (block.isEmpty() || heif_image_handle_get_metadata(handle.get(), id, block.data()).code != heif_error_Ok)
+            continue;
+        QByteArray type = heif_image_handle_get_metadata_type(handle.get(), id);
+        QByteArray contentType = heif_image_handle_get_metadata_content_type(handle.get(), id);
+        try {
+            if (type == "Exif" && block.size() > 4) {
+                // The block opens with the offset of the TIFF header after these four bytes.
+                uint32_t skip = uint32_t(uint8_t(block[0])) << 24 | uint32_t(uint8_t(block[1])) << 16 |
+                                uint32_t(uint8_t(block[2])) << 8 | uint8_t(block[3]);
+                if (skip < uint32_t(block.size() - 4)) {
+                    QByteArray tiff = block.mid(4 + skip);
+                    Exiv2::ExifParser::decode(exif, reinterpret_cast<const Exiv2::byte*>(tiff.constData()),
+                                              uint32_t(tiff.size()));
+                }
+            } else if (type == "mime" && contentType == "application/rdf+xml") {
+                Exiv2::XmpParser::decode(xmp, block.toStdString());
+            }
+        } catch (const std::exception&) {
+            // A broken block is skipped; the image and the other blocks still count.
+        }
+    }
+    addExif(exif, top);
+    addXmp(xmp, top);
+    addTiffResolution(top);
+    top.insert(kCGImagePropertyFileSize, qint64(bytes.size()));
+    return top;
+}
+
+}  // namespace
+
+Format detectFormat(const QByteArray& b) {
+    if (startsWith(b, 0, "\xFF\xD8\xFF", 3)) return Format::Jpeg;
+    if (startsWith(b, 0, "II*\0", 4) || startsWith(b, 0, "MM\0*", 4) || startsWith(b, 0, "IIRO", 4) ||
+        startsWith(b, 0, "IIRS", 4) || startsWith(b, 0, "MMOR", 4) || startsWith(b, 0, "IIU\0", 4))
+        return Format::Tiff;
+    if (startsWith(b, 0, "\x89PNG\r\n\x1a\n", 8)) return Format::Png;
+    if (startsWith(b, 0, "RIFF", 4) && startsWith(b, 8, "WEBP", 4)) return Format::WebP;
+    if (startsWith(b, 4, "ftyp", 4)) {
+        const QList<QByteArray> all = brands(b);
+        static const QList<QByteArray> heif{"heic", "heix", "heim", "heis", "hevc", "hevx", "mif1", "msf1", "mif2"};
+        if (!all.isEmpty() && all.first() == "crx ") return Format::Cr3;
+        if (all.contains("avif") || all.contains("avis")) return Format::Avif;
+        for (const auto& brand : all)
+            if (heif.contains(brand)) return Format::Heif;
+        return Format::Movie;
+    }
+    for (const char* atom : {"moov", "mdat", "wide", "free", "skip", "pnot"})
+        if (startsWith(b, 4, atom, 4)) return Format::Movie;
+    return Format::Unknown;
+}
+
+QString formatName(Format format) {
+    switch (format) {
+    case Format::Jpeg: return QStringLiteral("JPEG");
+    case Format::Tiff: return QStringLiteral("TIFF");
+    case Format::Png: return QStringLiteral("PNG");
+    case Format::WebP: return QStringLiteral("WebP");
+    case Format::Heif: return QStringLiteral("HEIF");
+    case Format::Avif: return QStringLiteral("AVIF");
+    case Format::Cr3: return QStringLiteral("CR3");
+    case Format::Movie: return QStringLiteral("movie");
+    case Format::Unknown: break;
+    }
+    return QStringLiteral("unknown");
+}
+
+std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* error) {
+    if (bytes.isEmpty()) {
+        if (error) *error = QStringLiteral("no data");
+        return std::nullopt;
+    }
+    const Format format = detectFormat(bytes);
+    switch (format) {
+    case Format::Unknown:
+        if (error) *error = QStringLiteral("not an image format that can be read");
+        return std::nullopt;
+    case Format::Movie:
+        // Movies go to the movie reader; exiv2's QuickTime parser is not safe on hostile files.
+        if (error) *error = QStringLiteral("a movie, not a still image");
+        return std::nullopt;
+    case Format::Heif:
+    case Format::Avif:
+        return readHeif(bytes, error);
+    default:
+        initExiv2();
+        return readWithExiv2(bytes, format, error);
+    }
+}
 
 }  // namespace imageio

@@ -1,0 +1,619 @@
+#include "Exiv2Convert.h"
+
+#include "PropertyKeys.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QRegularExpression>
+#include <QStringDecoder>
+
+#include <cmath>
+
+namespace imageio {
+namespace {
+
+// clang-format off
+const QHash<uint16_t, const char*>& exifTagKeys() {
+    static const QHash<uint16_t, const char*> t{
+        {0x829a, kCGImagePropertyExifExposureTime}, {0x829d, kCGImagePropertyExifFNumber},
+        {0x8822, kCGImagePropertyExifExposureProgram}, {0x8824, kCGImagePropertyExifSpectralSensitivity},
+        {0x8827, kCGImagePropertyExifISOSpeedRatings}, {0x8828, kCGImagePropertyExifOECF},
+        {0x8830, kCGImagePropertyExifSensitivityType}, {0x8831, kCGImagePropertyExifStandardOutputSensitivity},
+        {0x8832, kCGImagePropertyExifRecommendedExposureIndex}, {0x8833, kCGImagePropertyExifISOSpeed},
+        {0x8834, kCGImagePropertyExifISOSpeedLatitudeyyy}, {0x8835, kCGImagePropertyExifISOSpeedLatitudezzz},
+        {0x9000, kCGImagePropertyExifVersion}, {0x9003, kCGImagePropertyExifDateTimeOriginal},
+        {0x9004, kCGImagePropertyExifDateTimeDigitized}, {0x9010, kCGImagePropertyExifOffsetTime},
+        {0x9011, kCGImagePropertyExifOffsetTimeOriginal}, {0x9012, kCGImagePropertyExifOffsetTimeDigitized},
+        {0x9101, kCGImagePropertyExifComponentsConfiguration}, {0x9102, kCGImagePropertyExifCompressedBitsPerPixel},
+        {0x9201, kCGImagePropertyExifShutterSpeedValue}, {0x9202, kCGImagePropertyExifApertureValue},
+        {0x9203, kCGImagePropertyExifBrightnessValue}, {0x9204, kCGImagePropertyExifExposureBiasValue},
+        {0x9205, kCGImagePropertyExifMaxApertureValue}, {0x9206, kCGImagePropertyExifSubjectDistance},
+        {0x9207, kCGImagePropertyExifMeteringMode}, {0x9208, kCGImagePropertyExifLightSource},
+        {0x9209, kCGImagePropertyExifFlash}, {0x920a, kCGImagePropertyExifFocalLength},
+        {0x9214, kCGImagePropertyExifSubjectArea}, {0x9286, kCGImagePropertyExifUserComment},
+        {0x9290, kCGImagePropertyExifSubsecTime}, {0x9291, kCGImagePropertyExifSubsecTimeOriginal},
+        {0x9292, kCGImagePropertyExifSubsecTimeDigitized}, {0xa000, kCGImagePropertyExifFlashPixVersion},
+        {0xa001, kCGImagePropertyExifColorSpace}, {0xa002, kCGImagePropertyExifPixelXDimension},
+        {0xa003, kCGImagePropertyExifPixelYDimension}, {0xa004, kCGImagePropertyExifRelatedSoundFile},
+        {0xa20b, kCGImagePropertyExifFlashEnergy}, {0xa20c, kCGImagePropertyExifSpatialFrequencyResponse},
+        {0xa20e, kCGImagePropertyExifFocalPlaneXResolution}, {0xa20f, kCGImagePropertyExifFocalPlaneYResolution},
+        {0xa210, kCGImagePropertyExifFocalPlaneResolutionUnit}, {0xa214, kCGImagePropertyExifSubjectLocation},
+        {0xa215, kCGImagePropertyExifExposureIndex}, {0xa217, kCGImagePropertyExifSensingMethod},
+        {0xa300, kCGImagePropertyExifFileSource}, {0xa301, kCGImagePropertyExifSceneType},
+        {0xa302, kCGImagePropertyExifCFAPattern}, {0xa401, kCGImagePropertyExifCustomRendered},
+        {0xa402, kCGImagePropertyExifExposureMode}, {0xa403, kCGImagePropertyExifWhiteBalance},
+        {0xa404, kCGImagePropertyExifDigitalZoomRatio}, {0xa405, kCGImagePropertyExifFocalLenIn35mmFilm},
+        {0xa406, kCGImagePropertyExifSceneCaptureType}, {0xa407, kCGImagePropertyExifGainControl},
+        {0xa408, kCGImagePropertyExifContrast}, {0xa409, kCGImagePropertyExifSaturation},
+        {0xa40a, kCGImagePropertyExifSharpness}, {0xa40b, kCGImagePropertyExifDeviceSettingDescription},
+        {0xa40c, kCGImagePropertyExifSubjectDistRange}, {0xa420, kCGImagePropertyExifImageUniqueID},
+        {0xa430, kCGImagePropertyExifCameraOwnerName}, {0xa431, kCGImagePropertyExifBodySerialNumber},
+        {0xa432, kCGImagePropertyExifLensSpecification}, {0xa433, kCGImagePropertyExifLensMake},
+        {0xa434, kCGImagePropertyExifLensModel}, {0xa435, kCGImagePropertyExifLensSerialNumber},
+        {0xa460, kCGImagePropertyExifCompositeImage}, {0xa461, kCGImagePropertyExifSourceImageNumberOfCompositeImage},
+        {0xa462, kCGImagePropertyExifSourceExposureTimesOfCompositeImage}, {0xa500, kCGImagePropertyExifGamma},
+    };
+    return t;
+}
+
+const QHash<uint16_t, const char*>& tiffTagKeys() {
+    static const QHash<uint16_t, const char*> t{
+        {0x0103, kCGImagePropertyTIFFCompression}, {0x0106, kCGImagePropertyTIFFPhotometricInterpretation},
+        {0x010d, kCGImagePropertyTIFFDocumentName}, {0x010e, kCGImagePropertyTIFFImageDescription},
+        {0x010f, kCGImagePropertyTIFFMake}, {0x0110, kCGImagePropertyTIFFModel},
+        {0x0112, kCGImagePropertyTIFFOrientation}, {0x011a, kCGImagePropertyTIFFXResolution},
+        {0x011b, kCGImagePropertyTIFFYResolution}, {0x0128, kCGImagePropertyTIFFResolutionUnit},
+        {0x0131, kCGImagePropertyTIFFSoftware}, {0x012d, kCGImagePropertyTIFFTransferFunction},
+        {0x0132, kCGImagePropertyTIFFDateTime}, {0x013b, kCGImagePropertyTIFFArtist},
+        {0x013c, kCGImagePropertyTIFFHostComputer}, {0x8298, kCGImagePropertyTIFFCopyright},
+        {0x013e, kCGImagePropertyTIFFWhitePoint}, {0x013f, kCGImagePropertyTIFFPrimaryChromaticities},
+        {0x0142, kCGImagePropertyTIFFTileWidth}, {0x0143, kCGImagePropertyTIFFTileLength},
+    };
+    return t;
+}
+
+const QHash<uint16_t, const char*>& gpsTagKeys() {
+    static const QHash<uint16_t, const char*> t{
+        {0x00, kCGImagePropertyGPSVersion}, {0x01, kCGImagePropertyGPSLatitudeRef},
+        {0x02, kCGImagePropertyGPSLatitude}, {0x03, kCGImagePropertyGPSLongitudeRef},
+        {0x04, kCGImagePropertyGPSLongitude}, {0x05, kCGImagePropertyGPSAltitudeRef},
+        {0x06, kCGImagePropertyGPSAltitude}, {0x07, kCGImagePropertyGPSTimeStamp},
+        {0x08, kCGImagePropertyGPSSatellites}, {0x09, kCGImagePropertyGPSStatus},
+        {0x0a, kCGImagePropertyGPSMeasureMode}, {0x0b, kCGImagePropertyGPSDOP},
+        {0x0c, kCGImagePropertyGPSSpeedRef}, {0x0d, kCGImagePropertyGPSSpeed},
+        {0x0e, kCGImagePropertyGPSTrackRef}, {0x0f, kCGImagePropertyGPSTrack},
+        {0x10, kCGImagePropertyGPSImgDirectionRef}, {0x11, kCGImagePropertyGPSImgDirection},
+        {0x12, kCGImagePropertyGPSMapDatum}, {0x13, kCGImagePropertyGPSDestLatitudeRef},
+        {0x14, kCGImagePropertyGPSDestLatitude}, {0x15, kCGImagePropertyGPSDestLongitudeRef},
+        {0x16, kCGImagePropertyGPSDestLongitude}, {0x17, kCGImagePropertyGPSDestBearingRef},
+        {0x18, kCGImagePropertyGPSDestBearing}, {0x19, kCGImagePropertyGPSDestDistanceRef},
+        {0x1a, kCGImagePropertyGPSDestDistance}, {0x1b, kCGImagePropertyGPSProcessingMethod},
+        {0x1c, kCGImagePropertyGPSAreaInformation}, {0x1d, kCGImagePropertyGPSDateStamp},
+        {0x1e, kCGImagePropertyGPSDifferental}, {0x1f, kCGImagePropertyGPSHPositioningError},
+    };
+    return t;
+}
+
+// IIM record 2 dataset numbers.
+const QHash<uint16_t, const char*>& iptcDatasetKeys() {
+    static const QHash<uint16_t, const char*> t{
+        {3, kCGImagePropertyIPTCObjectTypeReference}, {4, kCGImagePropertyIPTCObjectAttributeReference},
+        {5, kCGImagePropertyIPTCObjectName}, {7, kCGImagePropertyIPTCEditStatus},
+        {8, kCGImagePropertyIPTCEditorialUpdate}, {10, kCGImagePropertyIPTCUrgency},
+        {12, kCGImagePropertyIPTCSubjectReference}, {15, kCGImagePropertyIPTCCategory},
+        {20, kCGImagePropertyIPTCSupplementalCategory}, {22, kCGImagePropertyIPTCFixtureIdentifier},
+        {25, kCGImagePropertyIPTCKeywords}, {26, kCGImagePropertyIPTCContentLocationCode},
+        {27, kCGImagePropertyIPTCContentLocationName}, {30, kCGImagePropertyIPTCReleaseDate},
+        {35, kCGImagePropertyIPTCReleaseTime}, {37, kCGImagePropertyIPTCExpirationDate},
+        {38, kCGImagePropertyIPTCExpirationTime}, {40, kCGImagePropertyIPTCSpecialInstructions},
+        {42, kCGImagePropertyIPTCActionAdvised}, {45, kCGImagePropertyIPTCReferenceService},
+        {47, kCGImagePropertyIPTCReferenceDate}, {50, kCGImagePropertyIPTCReferenceNumber},
+        {55, kCGImagePropertyIPTCDateCreated}, {60, kCGImagePropertyIPTCTimeCreated},
+        {62, kCGImagePropertyIPTCDigitalCreationDate}, {63, kCGImagePropertyIPTCDigitalCreationTime},
+        {65, kCGImagePropertyIPTCOriginatingProgram}, {70, kCGImagePropertyIPTCProgramVersion},
+        {75, kCGImagePropertyIPTCObjectCycle}, {80, kCGImagePropertyIPTCByline},
+        {85, kCGImagePropertyIPTCBylineTitle}, {90, kCGImagePropertyIPTCCity},
+        {92, kCGImagePropertyIPTCSubLocation}, {95, kCGImagePropertyIPTCProvinceState},
+        {100, kCGImagePropertyIPTCCountryPrimaryLocationCode}, {101, kCGImagePropertyIPTCCountryPrimaryLocationName},
+        {103, kCGImagePropertyIPTCOriginalTransmissionReference}, {105, kCGImagePropertyIPTCHeadline},
+        {110, kCGImagePropertyIPTCCredit}, {115, kCGImagePropertyIPTCSource},
+        {116, kCGImagePropertyIPTCCopyrightNotice}, {118, kCGImagePropertyIPTCContact},
+        {120, kCGImagePropertyIPTCCaptionAbstract}, {122, kCGImagePropertyIPTCWriterEditor},
+        {130, kCGImagePropertyIPTCImageType}, {131, kCGImagePropertyIPTCImageOrientation},
+        {135, kCGImagePropertyIPTCLanguageIdentifier},
+    };
+    return t;
+}
+
+// Maker-note fields that the platform gathers in {ExifAux}.
+const QHash<QString, const char*>& auxFromMaker() {
+    static const QHash<QString, const char*> t{
+        {"Exif.Canon.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
+        {"Exif.Canon.OwnerName", kCGImagePropertyExifAuxOwnerName},
+        {"Exif.Canon.FirmwareVersion", kCGImagePropertyExifAuxFirmware},
+        {"Exif.Canon.ImageNumber", kCGImagePropertyExifAuxImageNumber},
+        {"Exif.Canon.LensModel", kCGImagePropertyExifAuxLensModel},
+        {"Exif.CanonCs.LensType", kCGImagePropertyExifAuxLensID},
+        {"Exif.Nikon3.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
+        {"Exif.Nikon3.Lens", kCGImagePropertyExifAuxLensInfo},
+        {"Exif.Nikon3.FlashExposureComp", kCGImagePropertyExifAuxFlashCompensation},
+        {"Exif.Fujifilm.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
+        {"Exif.Olympus.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
+        {"Exif.Pentax.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
+    };
+    return t;
+}
+// clang-format on
+
+bool isRepeatableIptc(const QString& key) {
+    return key == kCGImagePropertyIPTCKeywords || key == kCGImagePropertyIPTCByline ||
+           key == kCGImagePropertyIPTCWriterEditor || key == kCGImagePropertyIPTCSupplementalCategory ||
+           key == kCGImagePropertyIPTCContact || key == kCGImagePropertyIPTCSubjectReference ||
+           key == kCGImagePropertyIPTCBylineTitle;
+}
+
+QString makerDictionary(const std::string& group) {
+    struct Prefix { const char* group; const char* dict; };
+    static const Prefix prefixes[] = {
+        {"Canon", kCGImagePropertyMakerCanonDictionary},   {"Nikon", kCGImagePropertyMakerNikonDictionary},
+        {"Fujifilm", kCGImagePropertyMakerFujiDictionary}, {"Olympus", kCGImagePropertyMakerOlympusDictionary},
+        {"Pentax", kCGImagePropertyMakerPentaxDictionary}, {"SonyMinolta", kCGImagePropertyMakerMinoltaDictionary},
+        {"Minolta", kCGImagePropertyMakerMinoltaDictionary}, {"Sony", "{MakerSony}"},
+        {"Panasonic", "{MakerPanasonic}"},                 {"Samsung", "{MakerSamsung}"},
+        {"Sigma", "{MakerSigma}"},                         {"Casio", "{MakerCasio}"},
+    };
+    for (const auto& p : prefixes)
+        if (group.rfind(p.group, 0) == 0) return QString::fromLatin1(p.dict);
+    return QStringLiteral("{Maker%1}").arg(QString::fromStdString(group));
+}
+
+double rationalToDouble(const Exiv2::Rational& r) { return r.second == 0 ? 0.0 : double(r.first) / r.second; }
+
+bool isRational(Exiv2::TypeId t) { return t == Exiv2::unsignedRational || t == Exiv2::signedRational; }
+bool isInteger(Exiv2::TypeId t) {
+    switch (t) {
+    case Exiv2::unsignedByte: case Exiv2::unsignedShort: case Exiv2::unsignedLong:
+    case Exiv2::signedByte: case Exiv2::signedShort: case Exiv2::signedLong:
+    case Exiv2::tiffIfd: case Exiv2::unsignedLongLong: case Exiv2::signedLongLong:
+        return true;
+    default:
+        return false;
+    }
+}
+
+QByteArray rawBytes(const Exiv2::Exifdatum& d) {
+    QByteArray out(qsizetype(d.size()), Qt::Uninitialized);
+    if (!out.isEmpty()) d.copy(reinterpret_cast<Exiv2::byte*>(out.data()), Exiv2::bigEndian);
+    return out;
+}
+
+// One value of a datum, or an array of all of them; single counts stay scalar unless asked.
+QVariant numbers(const Exiv2::Exifdatum& d, bool alwaysArray = false) {
+    long n = d.count();
+    Exiv2::TypeId t = d.typeId();
+    auto one = [&](long i) -> QVariant {
+        if (isRational(t)) return rationalToDouble(d.toRational(i));
+        if (t == Exiv2::tiffFloat || t == Exiv2::tiffDouble) return double(d.toFloat(i));
+        return qint64(d.toLong(i));
+    };
+    if (n == 1 && !alwaysArray) return one(0);
+    QVariantList list;
+    for (long i = 0; i < n && i < 4096; ++i) list << one(i);
+    return list;
+}
+
+QString asciiText(const Exiv2::Exifdatum& d) {
+    std::string s = d.toString();
+    auto nul = s.find('\0');
+    if (nul != std::string::npos) s.resize(nul);
+    return decodeText(s).trimmed();
+}
+
+// "0232" → [2, 3, 2]; "0230" → [2, 3]; "0100" → [1, 0].
+QVariantList versionArray(const QByteArray& digits) {
+    if (digits.size() < 4) return {};
+    for (char c : digits.left(4))
+        if (c < '0' || c > '9') return {};
+    QVariantList v{digits.left(2).toInt(), digits.at(2) - '0'};
+    if (digits.at(3) != '0') v << (digits.at(3) - '0');
+    return v;
+}
+
+// The text of an undefined-type comment: the 8-byte character-code prefix is dropped.
+QString commentText(const Exiv2::Exifdatum& d) {
+    if (auto* cv = dynamic_cast<const Exiv2::CommentValue*>(&d.value())) {
+        std::string s = cv->comment();
+        auto nul = s.find('\0');
+        if (nul != std::string::npos) s.resize(nul);
+        return decodeText(s).trimmed();
+    }
+    QByteArray raw = rawBytes(d);
+    if (raw.size() >= 8) raw = raw.mid(8);
+    int nul = raw.indexOf('\0');
+    if (nul >= 0) raw.truncate(nul);
+    return decodeText(raw.toStdString()).trimmed();
+}
+
+QVariant degrees(const Exiv2::Exifdatum& d) {
+    if (!isRational(d.typeId()) || d.count() < 1) return numbers(d);
+    double v = 0, scale = 1;
+    for (long i = 0; i < d.count() && i < 3; ++i, scale *= 60) v += rationalToDouble(d.toRational(i)) / scale;
+    return v;
+}
+
+QVariant gpsTime(const Exiv2::Exifdatum& d) {
+    if (!isRational(d.typeId()) || d.count() < 3) return asciiText(d);
+    double h = rationalToDouble(d.toRational(0)), m = rationalToDouble(d.toRational(1)),
+           s = rationalToDouble(d.toRational(2));
+    QString sec = std::floor(s) == s ? QStringLiteral("%1").arg(int(s), 2, 10, QChar('0'))
+                                      : QStringLiteral("%1").arg(s, 5, 'f', 2, QChar('0'));
+    return QStringLiteral("%1:%2:%3").arg(int(h), 2, 10, QChar('0')).arg(int(m), 2, 10, QChar('0')).arg(sec);
+}
+
+// The generic conversion by type, used for every tag without a rule of its own.
+QVariant convert(const Exiv2::Exifdatum& d) {
+    Exiv2::TypeId t = d.typeId();
+    if (t == Exiv2::asciiString) return asciiText(d);
+    if (t == Exiv2::comment) return commentText(d);
+    if (isInteger(t) || isRational(t) || t == Exiv2::tiffFloat || t == Exiv2::tiffDouble) {
+        if (d.count() == 0) return {};
+        return numbers(d);
+    }
+    return rawBytes(d);
+}
+
+QVariant convertExifTag(const Exiv2::Exifdatum& d, const QString& key) {
+    if (key == kCGImagePropertyExifISOSpeedRatings || key == kCGImagePropertyExifSubjectArea ||
+        key == kCGImagePropertyExifLensSpecification || key == kCGImagePropertyExifSubjectLocation)
+        return numbers(d, true);
+    if (key == kCGImagePropertyExifVersion || key == kCGImagePropertyExifFlashPixVersion) {
+        QVariantList v = versionArray(rawBytes(d));
+        return v.isEmpty() ? convert(d) : QVariant(v);
+    }
+    if (key == kCGImagePropertyExifUserComment) return commentText(d);
+    if (key == kCGImagePropertyExifComponentsConfiguration) {
+        QVariantList v;
+        for (char c : rawBytes(d)) v << int(uint8_t(c));
+        return v;
+    }
+    if ((key == kCGImagePropertyExifFileSource || key == kCGImagePropertyExifSceneType) && d.size() >= 1)
+        return int(uint8_t(rawBytes(d).at(0)));
+    return convert(d);
+}
+
+QVariant convertGpsTag(const Exiv2::Exifdatum& d, const QString& key) {
+    if (key == kCGImagePropertyGPSLatitude || key == kCGImagePropertyGPSLongitude ||
+        key == kCGImagePropertyGPSDestLatitude || key == kCGImagePropertyGPSDestLongitude)
+        return degrees(d);
+    if (key == kCGImagePropertyGPSTimeStamp) return gpsTime(d);
+    if (key == kCGImagePropertyGPSVersion) return numbers(d, true);
+    if (key == kCGImagePropertyGPSProcessingMethod || key == kCGImagePropertyGPSAreaInformation)
+        return d.typeId() == Exiv2::asciiString ? asciiText(d) : commentText(d);
+    return convert(d);
+}
+
+void insertIfValid(PropertyDict& dict, const QString& key, const QVariant& value) {
+    if (!value.isValid()) return;
+    if (value.typeId() == QMetaType::QString && value.toString().isEmpty()) {
+        dict.insert(key, value);  // an empty text is still the file's value
+        return;
+    }
+    dict.insert(key, value);
+}
+
+// A datum's value as text, for the maker dictionaries (exiv2 names unknown tags "0x....").
+QVariant convertMaker(const Exiv2::Exifdatum& d) {
+    if (d.typeId() == Exiv2::undefined && d.size() > 256) return rawBytes(d);
+    if (d.typeId() == Exiv2::undefined) return QString::fromStdString(d.toString());
+    return convert(d);
+}
+
+// iPhone maker notes: "Apple iOS" header, then a big-endian IFD whose offsets count from the
+// start of the note. exiv2 0.27 has no decoder for them, so we give the same bytes a TIFF header
+// and let exiv2 walk the IFD. The platform keys this group by tag number.
+void addAppleMakerNote(const QByteArray& note, PropertyDict& top) {
+    if (note.size() < 16 || !note.startsWith("Apple iOS") || note.mid(12, 2) != "MM") return;
+    QByteArray tiff = note;
+    const char header[8] = {'M', 'M', 0, 0x2a, 0, 0, 0, 14};
+    tiff.replace(0, 8, QByteArray(header, 8));
+    Exiv2::ExifData data;
+    try {
+        Exiv2::ExifParser::decode(data, reinterpret_cast<const Exiv2::byte*>(tiff.constData()), uint32_t(tiff.size()));
+    } catch (const std::exception&) {
+        return;
+    }
+    PropertyDict apple;
+    for (const auto& d : data) {
+        if (d.groupName() != "Image") continue;
+        insertIfValid(apple, QString::number(d.tag()), d.typeId() == Exiv2::undefined ? QVariant(rawBytes(d)) : convert(d));
+    }
+    if (!apple.isEmpty()) top.insert(kCGImagePropertyMakerAppleDictionary, apple);
+}
+
+QString isoDateToExif(const QString& iso) {
+    // XMP dates are ISO 8601 ("2019-05-02T10:00:00+02:00"); the dictionaries keep EXIF's form.
+    static const QRegularExpression re(R"(^(\d{4})-(\d{2})-(\d{2})(?:T(\d{2}):(\d{2})(?::(\d{2}))?)?)");
+    auto m = re.match(iso);
+    if (!m.hasMatch()) return iso;
+    return QStringLiteral("%1:%2:%3 %4:%5:%6")
+        .arg(m.captured(1), m.captured(2), m.captured(3),
+             m.captured(4).isEmpty() ? "00" : m.captured(4), m.captured(5).isEmpty() ? "00" : m.captured(5),
+             m.captured(6).isEmpty() ? "00" : m.captured(6));
+}
+
+QVariant xmpNumber(const QString& text) {
+    int slash = text.indexOf('/');
+    if (slash > 0) {
+        double num = text.left(slash).toDouble(), den = text.mid(slash + 1).toDouble();
+        return den == 0 ? 0.0 : num / den;
+    }
+    bool ok = false;
+    qint64 i = text.toLongLong(&ok);
+    if (ok) return i;
+    double v = text.toDouble(&ok);
+    return ok ? QVariant(v) : QVariant(text);
+}
+
+// All items of an XMP value: the entries of an array, the default text of a language alternative.
+QStringList xmpItems(const Exiv2::Xmpdatum& d) {
+    QStringList out;
+    const Exiv2::Value& v = d.value();
+    if (v.typeId() == Exiv2::langAlt) {
+        auto* la = dynamic_cast<const Exiv2::LangAltValue*>(&v);
+        if (la && !la->value_.empty()) {
+            auto it = la->value_.find("x-default");
+            out << QString::fromStdString(it != la->value_.end() ? it->second : la->value_.begin()->second);
+        }
+        return out;
+    }
+    for (long i = 0; i < v.count(); ++i) out << QString::fromStdString(v.toString(i));
+    if (out.isEmpty()) out << QString::fromStdString(v.toString());
+    return out;
+}
+
+}  // namespace
+
+QString decodeText(const std::string& bytes) {
+    QByteArray b = QByteArray::fromStdString(bytes);
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString s = utf8(b);
+    if (!utf8.hasError()) return s;
+    return QString::fromLatin1(b);
+}
+
+void addExif(const Exiv2::ExifData& exif, PropertyDict& top) {
+    PropertyDict exifDict = top.value(kCGImagePropertyExifDictionary).toMap();
+    PropertyDict tiffDict = top.value(kCGImagePropertyTIFFDictionary).toMap();
+    PropertyDict gpsDict = top.value(kCGImagePropertyGPSDictionary).toMap();
+    PropertyDict auxDict = top.value(kCGImagePropertyExifAuxDictionary).toMap();
+    QHash<QString, PropertyDict> makers;
+    QByteArray makerNote;
+
+    for (const auto& d : exif) {
+        try {
+            const std::string group = d.groupName();
+            const uint16_t tag = d.tag();
+            if (group == "Photo") {
+                if (tag == 0x927c) {
+                    makerNote = rawBytes(d);
+                    continue;
+                }
+                auto it = exifTagKeys().find(tag);
+                if (it != exifTagKeys().end()) insertIfValid(exifDict, it.value(), convertExifTag(d, it.value()));
+            } else if (group == "Image") {
+                auto it = tiffTagKeys().find(tag);
+                if (it != tiffTagKeys().end()) {
+                    insertIfValid(tiffDict, it.value(), convert(d));
+                    continue;
+                }
+                // Some TIFF writers put EXIF fields straight into the first directory.
+                auto ex = exifTagKeys().find(tag);
+                if (ex != exifTagKeys().end() && !exifDict.contains(ex.value()))
+                    insertIfValid(exifDict, ex.value(), convertExifTag(d, ex.value()));
+            } else if (group == "GPSInfo") {
+                auto it = gpsTagKeys().find(tag);
+                if (it != gpsTagKeys().end()) insertIfValid(gpsDict, it.value(), convertGpsTag(d, it.value()));
+            } else if (Exiv2::ExifTags::isMakerGroup(group)) {
+                QString name = QString::fromStdString(d.tagName());
+                makers[makerDictionary(group)].insert(name, convertMaker(d));
+                auto aux = auxFromMaker().find(QString::fromStdString(d.key()));
+                if (aux != auxFromMaker().end() && !auxDict.contains(aux.value()))
+                    insertIfValid(auxDict, aux.value(), convert(d));
+            }
+        } catch (const std::exception&) {
+            // A value exiv2 could not convert is left out; the rest of the file still counts.
+        }
+    }
+
+    if (!exifDict.isEmpty()) top.insert(kCGImagePropertyExifDictionary, exifDict);
+    if (!tiffDict.isEmpty()) top.insert(kCGImagePropertyTIFFDictionary, tiffDict);
+    if (!gpsDict.isEmpty()) top.insert(kCGImagePropertyGPSDictionary, gpsDict);
+    if (!auxDict.isEmpty()) top.insert(kCGImagePropertyExifAuxDictionary, auxDict);
+    for (auto it = makers.begin(); it != makers.end(); ++it) {
+        PropertyDict merged = top.value(it.key()).toMap();
+        for (auto v = it.value().begin(); v != it.value().end(); ++v) merged.insert(v.key(), v.value());
+        top.insert(it.key(), merged);
+    }
+    if (!makerNote.isEmpty() && makers.isEmpty()) addAppleMakerNote(makerNote, top);
+    if (tiffDict.contains(kCGImagePropertyTIFFOrientation))
+        top.insert(kCGImagePropertyOrientation, tiffDict.value(kCGImagePropertyTIFFOrientation));
+}
+
+void addIptc(const Exiv2::IptcData& iptc, PropertyDict& top) {
+    PropertyDict dict = top.value(kCGImagePropertyIPTCDictionary).toMap();
+    for (const auto& d : iptc) {
+        try {
+            if (d.record() != 2) continue;
+            auto it = iptcDatasetKeys().find(d.tag());
+            if (it == iptcDatasetKeys().end()) continue;
+            const QString key = it.value();
+            // The stored text: dates as "CCYYMMDD", times as "HHMMSS±HHMM", as IIM keeps them.
+            std::string raw(size_t(d.size()), '\0');
+            if (!raw.empty()) d.copy(reinterpret_cast<Exiv2::byte*>(raw.data()), Exiv2::bigEndian);
+            QVariant value;
+            if (d.typeId() == Exiv2::unsignedShort) value = qint64(d.toLong(0));
+            else value = decodeText(raw).trimmed();
+            if (isRepeatableIptc(key)) {
+                QVariantList list = dict.value(key).toList();
+                list << value;
+                dict.insert(key, list);
+            } else if (!dict.contains(key)) {
+                dict.insert(key, value);
+            }
+        } catch (const std::exception&) {
+        }
+    }
+    if (!dict.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, dict);
+}
+
+void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
+    // clang-format off
+    struct Field { const char* xmpKey; const char* key; bool array; };
+    static const Field iptcFields[] = {
+        {"Xmp.dc.subject", kCGImagePropertyIPTCKeywords, true},
+        {"Xmp.dc.creator", kCGImagePropertyIPTCByline, true},
+        {"Xmp.photoshop.AuthorsPosition", kCGImagePropertyIPTCBylineTitle, true},
+        {"Xmp.dc.title", kCGImagePropertyIPTCObjectName, false},
+        {"Xmp.photoshop.Headline", kCGImagePropertyIPTCHeadline, false},
+        {"Xmp.dc.description", kCGImagePropertyIPTCCaptionAbstract, false},
+        {"Xmp.photoshop.CaptionWriter", kCGImagePropertyIPTCWriterEditor, true},
+        {"Xmp.photoshop.Credit", kCGImagePropertyIPTCCredit, false},
+        {"Xmp.photoshop.Source", kCGImagePropertyIPTCSource, false},
+        {"Xmp.dc.rights", kCGImagePropertyIPTCCopyrightNotice, false},
+        {"Xmp.xmpRights.UsageTerms", kCGImagePropertyIPTCRightsUsageTerms, false},
+        {"Xmp.photoshop.City", kCGImagePropertyIPTCCity, false},
+        {"Xmp.iptc.Location", kCGImagePropertyIPTCSubLocation, false},
+        {"Xmp.photoshop.State", kCGImagePropertyIPTCProvinceState, false},
+        {"Xmp.photoshop.Country", kCGImagePropertyIPTCCountryPrimaryLocationName, false},
+        {"Xmp.iptc.CountryCode", kCGImagePropertyIPTCCountryPrimaryLocationCode, false},
+        {"Xmp.photoshop.Instructions", kCGImagePropertyIPTCSpecialInstructions, false},
+        {"Xmp.photoshop.TransmissionReference", kCGImagePropertyIPTCOriginalTransmissionReference, false},
+        {"Xmp.photoshop.Urgency", kCGImagePropertyIPTCUrgency, false},
+        {"Xmp.photoshop.Category", kCGImagePropertyIPTCCategory, false},
+        {"Xmp.photoshop.SupplementalCategories", kCGImagePropertyIPTCSupplementalCategory, true},
+        {"Xmp.iptc.SubjectCode", kCGImagePropertyIPTCSubjectReference, true},
+        {"Xmp.iptc.Scene", kCGImagePropertyIPTCScene, true},
+        {"Xmp.iptc.IntellectualGenre", kCGImagePropertyIPTCExtGenre, false},
+        {"Xmp.iptcExt.Event", kCGImagePropertyIPTCExtEvent, false},
+        {"Xmp.iptcExt.DigitalSourceType", kCGImagePropertyIPTCExtDigitalSourceType, false},
+        {"Xmp.xmp.Rating", kCGImagePropertyIPTCStarRating, false},
+    };
+    static const Field contactFields[] = {
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrExtadr", kCGImagePropertyIPTCContactInfoAddress, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity", kCGImagePropertyIPTCContactInfoCity, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrRegion", kCGImagePropertyIPTCContactInfoStateProvince, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrPcode", kCGImagePropertyIPTCContactInfoPostalCode, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCtry", kCGImagePropertyIPTCContactInfoCountry, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiEmailWork", kCGImagePropertyIPTCContactInfoEmails, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiTelWork", kCGImagePropertyIPTCContactInfoPhones, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiUrlWork", kCGImagePropertyIPTCContactInfoWebURLs, false},
+    };
+    enum Kind { Text, Number, Date, Numbers };
+    struct Fill { const char* xmpKey; const char* dict; const char* key; Kind kind; };
+    static const Fill fills[] = {
+        {"Xmp.tiff.Make", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFMake, Text},
+        {"Xmp.tiff.Model", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFModel, Text},
+        {"Xmp.tiff.Software", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
+        {"Xmp.xmp.CreatorTool", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
+        {"Xmp.tiff.Artist", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFArtist, Text},
+        {"Xmp.tiff.Copyright", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFCopyright, Text},
+        {"Xmp.tiff.ImageDescription", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, Text},
+        {"Xmp.tiff.DateTime", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
+        {"Xmp.xmp.ModifyDate", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
+        {"Xmp.tiff.Orientation", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFOrientation, Number},
+        {"Xmp.exif.DateTimeOriginal", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
+        {"Xmp.photoshop.DateCreated", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
+        {"Xmp.exif.DateTimeDigitized", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
+        {"Xmp.xmp.CreateDate", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
+        {"Xmp.exif.ExposureTime", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureTime, Number},
+        {"Xmp.exif.FNumber", kCGImagePropertyExifDictionary, kCGImagePropertyExifFNumber, Number},
+        {"Xmp.exif.ISOSpeedRatings", kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeedRatings, Numbers},
+        {"Xmp.exif.FocalLength", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLength, Number},
+        {"Xmp.exif.FocalLengthIn35mmFilm", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLenIn35mmFilm, Number},
+        {"Xmp.exif.ExposureBiasValue", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureBiasValue, Number},
+        {"Xmp.exif.MeteringMode", kCGImagePropertyExifDictionary, kCGImagePropertyExifMeteringMode, Number},
+        {"Xmp.exif.WhiteBalance", kCGImagePropertyExifDictionary, kCGImagePropertyExifWhiteBalance, Number},
+        {"Xmp.exif.PixelXDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelXDimension, Number},
+        {"Xmp.exif.PixelYDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelYDimension, Number},
+        {"Xmp.exif.UserComment", kCGImagePropertyExifDictionary, kCGImagePropertyExifUserComment, Text},
+        {"Xmp.exifEX.LensModel", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensModel, Text},
+        {"Xmp.exifEX.LensMake", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensMake, Text},
+        {"Xmp.aux.Lens", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensModel, Text},
+        {"Xmp.aux.LensInfo", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensInfo, Text},
+        {"Xmp.aux.LensID", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensID, Number},
+        {"Xmp.aux.SerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxSerialNumber, Text},
+        {"Xmp.aux.LensSerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensSerialNumber, Text},
+        {"Xmp.aux.ImageNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxImageNumber, Number},
+        {"Xmp.aux.FlashCompensation", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFlashCompensation, Number},
+        {"Xmp.aux.OwnerName", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxOwnerName, Text},
+        {"Xmp.aux.Firmware", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFirmware, Text},
+    };
+    // clang-format on
+
+    auto find = [&](const char* key) -> const Exiv2::Xmpdatum* {
+        auto it = xmp.findKey(Exiv2::XmpKey(key));
+        return it == xmp.end() ? nullptr : &*it;
+    };
+
+    PropertyDict iptc = top.value(kCGImagePropertyIPTCDictionary).toMap();
+    for (const auto& f : iptcFields) {
+        if (iptc.contains(f.key)) continue;
+        try {
+            const Exiv2::Xmpdatum* d = find(f.xmpKey);
+            if (!d) continue;
+            QStringList items = xmpItems(*d);
+            if (items.isEmpty()) continue;
+            if (f.array) iptc.insert(f.key, QVariant(items).toList());
+            else iptc.insert(f.key, items.join(", "));
+        } catch (const std::exception&) {
+        }
+    }
+    // Genre of the extension schema is a structure; its name is what people read.
+    if (!iptc.contains(kCGImagePropertyIPTCExtGenre)) {
+        for (const auto& d : xmp) {
+            const std::string& k = d.key();
+            if (k.rfind("Xmp.iptcExt.Genre", 0) == 0 && k.size() > 4 && k.compare(k.size() - 4, 4, "Name") == 0) {
+                iptc.insert(kCGImagePropertyIPTCExtGenre, QString::fromStdString(d.toString()));
+                break;
+            }
+        }
+    }
+    PropertyDict contact = iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap();
+    for (const auto& f : contactFields) {
+        if (contact.contains(f.key)) continue;
+        if (const Exiv2::Xmpdatum* d = find(f.xmpKey)) contact.insert(f.key, QString::fromStdString(d->toString()));
+    }
+    if (!contact.isEmpty()) iptc.insert(kCGImagePropertyIPTCCreatorContactInfo, contact);
+    if (!iptc.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, iptc);
+
+    for (const auto& f : fills) {
+        PropertyDict dict = top.value(f.dict).toMap();
+        if (dict.contains(f.key)) continue;
+        try {
+            const Exiv2::Xmpdatum* d = find(f.xmpKey);
+            if (!d) continue;
+            QStringList items = xmpItems(*d);
+            if (items.isEmpty()) continue;
+            QVariant value;
+            switch (f.kind) {
+            case Text: value = items.join(", "); break;
+            case Number: value = xmpNumber(items.first()); break;
+            case Date: value = isoDateToExif(items.first()); break;
+            case Numbers: {
+                QVariantList list;
+                for (const QString& s : items) list << xmpNumber(s);
+                value = list;
+                break;
+            }
+            }
+            dict.insert(f.key, value);
+            top.insert(f.dict, dict);
+        } catch (const std::exception&) {
+        }
+    }
+    PropertyDict tiff = top.value(kCGImagePropertyTIFFDictionary).toMap();
+    if (!top.contains(kCGImagePropertyOrientation) && tiff.contains(kCGImagePropertyTIFFOrientation))
+        top.insert(kCGImagePropertyOrientation, tiff.value(kCGImagePropertyTIFFOrientation));
+}
+
+}  // namespace imageio
