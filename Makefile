@@ -35,7 +35,7 @@ run: build
 fuzz: deps
 	CC=clang-14 CXX=clang++-14 cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 		-DTESSORIN_FUZZ=ON -DTESSORIN_TESTS=OFF $(CMAKE_FLAGS)
-	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $(FUZZ_TARGET)
 	@bash scripts/run-fuzz.sh $(FUZZ_BUILD) $(FUZZ_TARGET) $(FUZZ_SECONDS)
 
 bench: build

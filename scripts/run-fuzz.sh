@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Runs one libFuzzer target for a given time on a work corpus seeded with the sample images.
+# usage: run-fuzz.sh BUILD_DIR TARGET SECONDS
+# The work corpus and every crash, hang or out-of-memory input stay in BUILD_DIR/fuzz-TARGET/.
+# Exits non-zero when this run found any.
+set -euo pipefail
+
+if [ $# -ne 3 ]; then
+  echo "usage: $0 BUILD_DIR TARGET SECONDS" >&2
+  exit 2
+fi
+build=$(cd "$1" && pwd)
+target=$2
+seconds=$3
+samples="$(cd "$(dirname "$0")/.." && pwd)/../shared/corpus"
+if [ ! -d "$samples" ]; then
+  echo "sample media not found at $samples" >&2
+  exit 2
+fi
+
+work="$build/fuzz-$target"
+corpus="$work/corpus"
+artifacts="$work/artifacts"
+mkdir -p "$corpus" "$artifacts"
+
+# Seeds: every still image of the samples, malformed ones included; movies are refused at the
+# first bytes, so they teach the fuzzer nothing. Named by content, so reruns add no duplicates.
+find "$samples" -type f ! -path '*/video/*' ! -name '*.md' -print0 |
+  while IFS= read -r -d '' f; do
+    cp "$f" "$corpus/$(sha1sum "$f" | cut -c1-40)"
+  done
+
+stamp="$work/.started"
+touch "$stamp"
+# A forked worker per input batch lets the run go on after a finding, so one run collects all
+# of them; the parent stops after SECONDS.
+UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
+  "$build/bin/$target" "$corpus" \
+    -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
+    -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -print_funcs=0 \
+    -artifact_prefix="$artifacts/" 2>&1 | tee "$work/last-run.log" || true
+
+found=$(find "$artifacts" -type f -newer "$stamp" | sort)
+if [ -n "$found" ]; then
+  echo "fuzzing found inputs that crash, hang or exhaust memory:" >&2
+  echo "$found" >&2
+  exit 1
+fi
+echo "no crashes in $seconds s of fuzzing"
