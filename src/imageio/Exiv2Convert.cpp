@@ -366,7 +366,9 @@ QStringList xmpItems(const Exiv2::Xmpdatum& d) {
         }
         return out;
     }
-    for (long i = 0; i < v.count(); ++i) out << QString::fromStdString(v.toString(i));
+    // Only arrays count items: a simple text's count is its length in bytes.
+    if (v.typeId() == Exiv2::xmpBag || v.typeId() == Exiv2::xmpSeq || v.typeId() == Exiv2::xmpAlt)
+        for (long i = 0; i < v.count(); ++i) out << QString::fromStdString(v.toString(i));
     if (out.isEmpty()) out << QString::fromStdString(v.toString());
     return out;
 }
