@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-const QString SendableMessage::arrow = QStringLiteral("\n\t\u21AA\uFE0F");
+QString SendableMessage::arrow() { return QStringLiteral("\n\t\u21AA\uFE0F"); }
 
 namespace {
 
@@ -45,7 +45,7 @@ template <typename Map>
 QString mapLines(const Map& map) {
     QString text;
     for (auto it = map.cbegin(); it != map.cend(); ++it)
-        text += SendableMessage::arrow + it.key() + QStringLiteral(" \u2192 ") + printed(it.value(), false);
+        text += SendableMessage::arrow() + it.key() + QStringLiteral(" \u2192 ") + printed(it.value(), false);
     return text;
 }
 
@@ -57,8 +57,8 @@ SendableMessage::SendableMessage(const QVariant& message) {
     } else if (message.typeId() == QMetaType::QVariantHash) {
         text_ = mapLines(message.toHash());
     } else if (isList(message)) {
-        for (const QVariant& element : message.toList()) text_ += arrow + printed(element, false);
+        for (const QVariant& element : message.toList()) text_ += arrow() + printed(element, false);
     } else {
-        text_ = arrow + printed(message, false);
+        text_ = arrow() + printed(message, false);
     }
 }

@@ -13,7 +13,7 @@ public:
     const QString& text() const { return text_; }
 
     // Line feed, tab and the hooked arrow that open every line of a message.
-    static const QString arrow;
+    static QString arrow();
 
 private:
     QString text_;

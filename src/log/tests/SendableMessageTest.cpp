@@ -15,7 +15,7 @@ TEST(SendableMessage, PlainMessagesTakeOneArrowLine) {
     EXPECT_EQ(SendableMessage(true).text(), arrow + "true");
     EXPECT_EQ(SendableMessage(QVariant()).text(), arrow + "nil");
     EXPECT_EQ(SendableMessage(QByteArray(3, 'x')).text(), arrow + "3 bytes");
-    EXPECT_EQ(SendableMessage::arrow, arrow);
+    EXPECT_EQ(SendableMessage::arrow(), arrow);
 }
 
 TEST(SendableMessage, DictionaryGivesOneLinePerEntryInItsOrder) {
