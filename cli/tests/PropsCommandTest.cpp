@@ -8,6 +8,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 
 #include <cmath>
 #include <optional>
@@ -31,7 +32,7 @@ const Readings& readings() {
         Readings r;
         for (const QString& f : corpusFiles()) (isMovie(f) ? r.movies : r.images) << f;
         if (r.images.isEmpty()) return r;
-        r.ours = run(binDir() + "/tessorin-cli", QStringList{"props"} + r.images + r.movies);
+        r.ours = run(QStringLiteral(TESSORIN_CLI), QStringList{"props"} + r.images + r.movies);
         for (const QJsonValue& v : QJsonDocument::fromJson(r.ours.out).array())
             r.props.insert(v["file"].toString(), v.toObject());
         ProcessResult et = run("exiftool", QStringList{"-j", "-n", "-G1"} + r.images);
@@ -213,6 +214,19 @@ TEST(PropsCommand, ReportsMoviesAsErrorsAndGoesOn) {
         EXPECT_FALSE(entry["error"].toString().isEmpty()) << file.toStdString();
         EXPECT_TRUE(r.ours.err.contains(QFileInfo(file).fileName().toUtf8())) << "no error line for " << file.toStdString();
     }
+}
+
+// A file is what its bytes say: a JPEG named .png is still read as a JPEG.
+TEST(PropsCommand, TrustsBytesNotNames) {
+    QTemporaryDir dir;
+    const QString misnamed = dir.filePath("photo.png");
+    ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", misnamed));
+    ProcessResult r = run(QStringLiteral(TESSORIN_CLI), {"props", misnamed});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    const QJsonObject props = QJsonDocument::fromJson(r.out).array().at(0)["properties"].toObject();
+    EXPECT_TRUE(props.contains("{JFIF}"));
+    EXPECT_EQ(props["{TIFF}"]["Make"].toString(), "Canon");
+    EXPECT_FALSE(props.contains("{PNG}"));
 }
 
 }  // namespace
