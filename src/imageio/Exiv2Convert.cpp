@@ -8,6 +8,7 @@
 #include <QStringDecoder>
 
 #include <cmath>
+#include <unordered_map>
 
 namespace imageio {
 namespace {
@@ -552,9 +553,13 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
     };
     // clang-format on
 
+    // One pass to index the packet: findKey walks the whole list, rebuilding every key text,
+    // for each of the fields above.
+    std::unordered_map<std::string, const Exiv2::Xmpdatum*> byKey;
+    for (const auto& d : xmp) byKey.emplace(d.key(), &d);
     auto find = [&](const char* key) -> const Exiv2::Xmpdatum* {
-        auto it = xmp.findKey(Exiv2::XmpKey(key));
-        return it == xmp.end() ? nullptr : &*it;
+        auto it = byKey.find(key);
+        return it == byKey.end() ? nullptr : it->second;
     };
 
     PropertyDict iptc = top.value(kCGImagePropertyIPTCDictionary).toMap();
