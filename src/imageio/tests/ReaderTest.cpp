@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QtEndian>
 
+#include <vector>
+
 using namespace imageio;
 using namespace testsupport;
 
@@ -13,8 +15,10 @@ namespace {
 
 // The reader either answers or says why not; "nothing" without a reason is a fault.
 void expectAnswerOrReason(const QByteArray& bytes, const std::string& what) {
+    // An exact-size copy: QByteArray keeps a terminating zero that would hide a read one past the end.
+    const std::vector<char> exact(bytes.begin(), bytes.end());
     QString error;
-    auto props = readProperties(bytes, &error);
+    auto props = readProperties(QByteArray::fromRawData(exact.data(), qsizetype(exact.size())), &error);
     if (!props) {
         EXPECT_FALSE(error.isEmpty()) << what << ": nothing read and no reason given";
     }
