@@ -1,12 +1,11 @@
 #include "Commands.h"
 
+#include "FileBytes.h"
 #include "ImageProperties.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTextStream>
 
 #include <cmath>
 #include <cstdio>
@@ -42,55 +41,25 @@ QJsonValue toJson(const QVariant& v) {
     }
 }
 
-// Maps the file rather than copying it: reading metadata touches only a few pages.
-bool readFile(const QString& path, QFile& file, QByteArray& bytes, QString& error) {
-    file.setFileName(path);
-    if (!file.exists()) {
-        error = "no such file";
-        return false;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = file.errorString();
-        return false;
-    }
-    if (file.size() == 0) {
-        bytes.clear();
-        return true;
-    }
-    uchar* mapped = file.map(0, file.size());
-    if (mapped) {
-        bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(mapped), file.size());
-    } else {
-        bytes = file.readAll();
-        if (file.error() != QFileDevice::NoError) {
-            error = file.errorString();
-            return false;
-        }
-    }
-    return true;
-}
-
 }  // namespace
 
 int propsCommand(const QStringList& args) {
     if (args.isEmpty()) {
-        QTextStream(stderr) << "usage: tessorin-cli props FILE...\n";
+        printError("usage: tessorin-cli props FILE...\n");
         return 2;
     }
     QJsonArray out;
     int status = 0;
-    QTextStream err(stderr);
     for (const QString& path : args) {
         QJsonObject entry{{"file", path}};
-        QFile file;
-        QByteArray bytes;
+        imageio::FileBytes file;
         QString error;
-        if (readFile(path, file, bytes, error)) {
-            if (auto props = imageio::readProperties(bytes, &error)) entry.insert("properties", toJson(*props));
+        if (file.open(path, &error)) {
+            if (auto props = imageio::readProperties(file.bytes(), &error)) entry.insert("properties", toJson(*props));
         }
         if (!entry.contains("properties")) {
             entry.insert("error", error);
-            err << path << ": " << error << "\n";
+            printError(path + ": " + error + "\n");
             status = 1;
         }
         out.append(entry);

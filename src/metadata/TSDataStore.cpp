@@ -154,8 +154,7 @@ void TSDataStore::fillTiff(const TSMetaData& md) {
     const auto x = text(kCGImagePropertyTIFFXResolution), y = text(kCGImagePropertyTIFFYResolution);
     const auto unit = text(kCGImagePropertyTIFFResolutionUnit);
     const bool unitMissing = !tiff->contains(kCGImagePropertyTIFFResolutionUnit);
-    // The unit is a number of 2 (or 2.0 once a writer made it a rational); inches show as dpi.
-    const bool inches = unitMissing || (unit && (*unit == "2" || *unit == "2.0"));
+    const bool inches = unitMissing || unit == QStringLiteral("2");
     if (x && y) set(TSKey::RESOLUTION, *x + " x " + *y + (inches ? " dpi" : ""));
 }
 

@@ -36,7 +36,7 @@ QString describe(const QVariant& v) {
     if (isText(v)) return v.toString();
     if (v.typeId() == QMetaType::Bool) return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
     if (isInteger(v)) return QString::number(v.toLongLong());
-    if (isNumber(v)) return describeDouble(v.toDouble());
+    if (isNumber(v)) return QString::number(v.toDouble(), 'g', QLocale::FloatingPointShortest);
     if (isArray(v)) {
         QStringList parts;
         for (const QVariant& e : v.toList()) parts << describe(e);

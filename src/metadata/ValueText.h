@@ -1,6 +1,7 @@
 #pragma once
-// The plain rendering of a property value, as text. Doubles always show a fractional part
-// ("2.0"), integers never; arrays and dictionaries render their elements that way.
+// The plain rendering of a property value, as text: numbers in their shortest decimal form
+// (a double 300.0 reads "300", as the platform prints a number from a dictionary); arrays and
+// dictionaries render their elements that way.
 #include <QString>
 #include <QVariant>
 
@@ -13,6 +14,7 @@ bool isArray(const QVariant& v);
 bool isDictionary(const QVariant& v);
 bool isData(const QVariant& v);
 
+// A computed double, which always shows a fractional part: "2.0", "1.8".
 QString describeDouble(double d);
 // The default description: decimal numbers, the text itself, "[a, b]" for arrays, "[k: v]" for
 // dictionaries, "N bytes" for data.

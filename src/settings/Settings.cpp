@@ -1,5 +1,8 @@
 #include "Settings.h"
 
+#include <QHash>
+#include <QMutex>
+
 #include <QSettings>
 
 #include <array>
@@ -48,7 +51,25 @@ QList<SettingsFlag> Settings::allFlags() {
     return flags;
 }
 
+namespace {
+QMutex overridesMutex;
+QHash<QString, QVariant>& overrides() {
+    static QHash<QString, QVariant> map;
+    return map;
+}
+}  // namespace
+
+void Settings::setProcessOverride(const QString& key, const QVariant& value) {
+    QMutexLocker lock(&overridesMutex);
+    overrides().insert(key, value);
+}
+
 QVariant Settings::value(const QString& key) {
+    {
+        QMutexLocker lock(&overridesMutex);
+        auto it = overrides().constFind(key);
+        if (it != overrides().constEnd()) return it.value();
+    }
     QSettings store(organisation, application);
     if (store.contains(key)) return store.value(key);
     for (const Registered& r : kRegistered)

@@ -38,6 +38,9 @@ public:
     // written); otherwise an invalid QVariant.
     static QVariant value(const QString& key);
     static void setValue(const QString& key, const QVariant& value);
+    // A value for this process only, read before the stored one and never written (the
+    // command line's --no-human runs with "human" off without touching the user's choice).
+    static void setProcessOverride(const QString& key, const QVariant& value);
 
     static bool flag(SettingsFlag flag);
     static void setFlag(SettingsFlag flag, bool on);

@@ -63,9 +63,9 @@ TEST_F(DataStore, ResolutionUnit) {
                            {kCGImagePropertyTIFFResolutionUnit, 3}}))
                   .value(TSKey::RESOLUTION).first,
               "72 x 72");
-    EXPECT_EQ(filled(tiff({{kCGImagePropertyTIFFXResolution, 72.0}, {kCGImagePropertyTIFFYResolution, 300.0}}))
+    EXPECT_EQ(filled(tiff({{kCGImagePropertyTIFFXResolution, 72.0}, {kCGImagePropertyTIFFYResolution, 300.5}}))
                   .value(TSKey::RESOLUTION).first,
-              "72.0 x 300.0 dpi");
+              "72 x 300.5 dpi");
     EXPECT_EQ(filled(tiff({{kCGImagePropertyTIFFXResolution, 72}})).value(TSKey::RESOLUTION).first, "--");
 }
 

@@ -1,0 +1,82 @@
+// Commands that show an item as the app does: its details, its sentence, all its tags.
+#include "Commands.h"
+
+#include "HRLocation.h"
+#include "Settings.h"
+#include "TSAsset.h"
+#include "TSMetaDictionay.h"
+
+#include <functional>
+
+namespace {
+
+// Runs `show` on each file's asset; a file that can't be read is reported and skipped.
+int forEachFile(const QStringList& files, const std::function<QString(TSAsset&)>& show, bool headers) {
+    int status = 0;
+    for (const QString& path : files) {
+        TSAsset asset(path);
+        if (asset.readError()) {
+            printError(path + ": " + *asset.readError() + "\n");
+            status = 1;
+            continue;
+        }
+        if (headers) printOut("==> " + path + " <==\n");
+        QString text = show(asset);
+        if (!text.endsWith(u'\n')) text += u'\n';
+        printOut(text);
+    }
+    return status;
+}
+
+int needFiles(const QStringList& args, const char* usage) {
+    if (!args.isEmpty()) return 0;
+    printError(QStringLiteral("usage: tessorin-cli %1\n").arg(usage));
+    return 2;
+}
+
+}  // namespace
+
+int infoCommand(const QStringList& args) {
+    if (int rc = needFiles(args, "info FILE...")) return rc;
+    return forEachFile(args, [](TSAsset& a) { return a.ddStore().detailsText(); }, true);
+}
+
+int summaryCommand(const QStringList& args) {
+    if (int rc = needFiles(args, "summary FILE...")) return rc;
+    return forEachFile(args, [](TSAsset& a) { return a.ddStore().summaryText(); }, true);
+}
+
+int tagsCommand(const QStringList& args) {
+    QStringList files = args;
+    const bool raw = files.removeAll("--raw") > 0;
+    const bool json = files.removeAll("--json") > 0;
+    if (raw && json) {
+        printError("tessorin-cli tags: --raw and --json exclude each other\n");
+        return 2;
+    }
+    if (int rc = needFiles(files, "tags FILE... [--raw|--json]")) return rc;
+    return forEachFile(
+        files,
+        [&](TSAsset& a) {
+            const TSMetaDictionay dict(a.metaData());
+            return json ? dict.jsonText() : raw ? dict.rawText() : dict.allText();
+        },
+        files.size() > 1);
+}
+
+int locationCommand(const QStringList& args) {
+    if (int rc = needFiles(args, "location TEXT...")) return rc;
+    QString text = args.join(' ').trimmed();
+    // Leading and trailing commas are the caller's to trim, as the search field does.
+    while (text.startsWith(u',')) text = text.mid(1).trimmed();
+    while (text.endsWith(u',')) text = text.chopped(1).trimmed();
+    auto loc = hrl::degreesLocation(text);
+    if (!loc) loc = hrl::decimalLocation(text);
+    if (!loc) {
+        printOut("\"" + text + "\" is no coordinate\n");
+        return 1;
+    }
+    const bool human = Settings::flag(SettingsFlag::human);
+    printOut(hrl::coordinatesText(*loc, true).value_or("--") + "\n" + hrl::decimalCoordinatesText(*loc, human, true) + "\n");
+    return 0;
+}

@@ -1,0 +1,33 @@
+#pragma once
+// The one item on view: here a picked file, with its bytes, its metadata record and its rows.
+#include "FileBytes.h"
+#include "TSDataStore.h"
+#include "TSMetaData.h"
+
+#include <QString>
+#include <memory>
+#include <optional>
+
+class TSAsset {
+public:
+    // Reads the file at once; a file that can't be read gives an item with no data, FILE_SIZE
+    // "0" and no rows beyond NAME, SUBTYPE and FILETYPE.
+    explicit TSAsset(const QString& path, std::weak_ptr<Displayer> delegate = {});
+
+    const QString& path() const { return path_; }
+    const TSMetaData& metaData() const { return metaData_; }
+    TSDataStore& ddStore() { return ddStore_; }
+    const TSDataStore& ddStore() const { return ddStore_; }
+    // The file's whole content; empty when it could not be read.
+    const QByteArray& imageData() const { return file_.bytes(); }
+    bool isVideo() const { return ddStore_.mediaType == MediaType::video; }
+    // Why the file could not be read, when it could not.
+    const std::optional<QString>& readError() const { return readError_; }
+
+private:
+    QString path_;
+    imageio::FileBytes file_;
+    TSMetaData metaData_;
+    TSDataStore ddStore_;
+    std::optional<QString> readError_;
+};
