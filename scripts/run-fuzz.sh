@@ -23,9 +23,13 @@ corpus="$work/corpus"
 artifacts="$work/artifacts"
 mkdir -p "$corpus" "$artifacts"
 
-# Seeds: every still image of the samples, malformed ones included; movies are refused at the
-# first bytes, so they teach the fuzzer nothing. Named by content, so reruns add no duplicates.
-find "$samples" -type f ! -path '*/video/*' ! -name '*.md' -print0 |
+# Seeds: the target's own seed folder when it has one (fuzz/seeds/TARGET), otherwise every still
+# image of the samples, malformed ones included; movies are refused at the first bytes, so they
+# teach the image reader nothing. Named by content, so reruns add no duplicates.
+seeds="$(cd "$(dirname "$0")/.." && pwd)/fuzz/seeds/$target"
+if [ -d "$seeds" ]; then seed_find=(find "$seeds" -type f -print0)
+else seed_find=(find "$samples" -type f ! -path '*/video/*' ! -name '*.md' -print0); fi
+"${seed_find[@]}" |
   while IFS= read -r -d '' f; do
     cp "$f" "$corpus/$(sha1sum "$f" | cut -c1-40)"
   done

@@ -54,14 +54,17 @@ void TSDataStore::set(TSKey key, const std::optional<QString>& text) {
 std::optional<QString> TSDataStore::text(TSKey key) const { return datas.value(key, std::nullopt); }
 
 void TSDataStore::fill(const TSMetaData& md) {
+    // One reading of the setting serves the whole fill: it can't change half-way through a
+    // table, and reading it per row was a third of the cost of showing an item.
+    const bool h = human();
     fillDates(md);
     fillLocation(md);
     fillSizes(md);
-    fillTiff(md);
-    fillExif(md);
-    fillIptc(md);
+    fillTiff(md, h);
+    fillExif(md, h);
+    fillIptc(md, h);
     const QVariant profile = md.generalData().value(kCGImagePropertyProfileName);
-    const std::optional<QString> color = TSMeanings::valueText(profile, human());
+    const std::optional<QString> color = TSMeanings::valueText(profile, h);
     set(TSKey::COLOR, color && !color->isEmpty() ? color : std::nullopt);
     hasExifMetadata = md.exifDic().has_value();
     if (mediaType != MediaType::video) {
@@ -142,10 +145,10 @@ void TSDataStore::setSizes(std::optional<qint64> width, std::optional<qint64> he
                                     : QStringLiteral("%1 : %2").arg(std::max(w, h) / g).arg(std::min(w, h) / g));
 }
 
-void TSDataStore::fillTiff(const TSMetaData& md) {
+void TSDataStore::fillTiff(const TSMetaData& md, bool h) {
     const auto& tiff = md.tiffDic();
     if (!tiff) return;
-    for (TSKey key : TSKeys::tiffKeys()) set(key, format(tiff, key));
+    for (TSKey key : TSKeys::tiffKeys()) set(key, format(tiff, key, h));
     auto text = [&](const char* key) -> std::optional<QString> {
         const QVariant v = tiff->value(key);
         if (valuetext::isText(v) || valuetext::isNumber(v)) return valuetext::describe(v);
@@ -158,23 +161,22 @@ void TSDataStore::fillTiff(const TSMetaData& md) {
     if (x && y) set(TSKey::RESOLUTION, *x + " x " + *y + (inches ? " dpi" : ""));
 }
 
-void TSDataStore::fillExif(const TSMetaData& md) {
+void TSDataStore::fillExif(const TSMetaData& md, bool h) {
     const auto& exif = md.exifDic();
     if (!exif) return;
     for (TSKey key : TSKeys::exifKeys()) {
-        std::optional<QString> t = format(exif, key);
+        std::optional<QString> t = format(exif, key, h);
         if (!t) {
             if (auto fb = fallbackCoord(key); fb && exif->contains(fb->key))
-                t = TSMeanings::elementText(exif->value(fb->key), human());
+                t = TSMeanings::elementText(exif->value(fb->key), h);
         }
         set(key, t);
     }
 }
 
-void TSDataStore::fillIptc(const TSMetaData& md) {
+void TSDataStore::fillIptc(const TSMetaData& md, bool h) {
     const auto& iptc = md.iptcDic();
     if (!iptc) return;
-    const bool h = human();
     for (TSKey key : TSKeys::iptcKeys()) {
         auto c = coord(key);
         const QVariant v = c ? iptc->value(c->key) : QVariant();
@@ -183,6 +185,10 @@ void TSDataStore::fillIptc(const TSMetaData& md) {
 }
 
 std::optional<QString> TSDataStore::format(const std::optional<QVariantMap>& dictionary, TSKey tag) {
+    return format(dictionary, tag, human());
+}
+
+std::optional<QString> TSDataStore::format(const std::optional<QVariantMap>& dictionary, TSKey tag, bool h) {
     auto c = coord(tag);
     if (!c || !dictionary) return std::nullopt;
     const QVariant value = dictionary->value(c->key);
@@ -195,7 +201,6 @@ std::optional<QString> TSDataStore::format(const std::optional<QVariantMap>& dic
             return answer;
         }
     }
-    const bool h = human();
     if (tag == TSKey::APERTURE) {
         auto t = TSMeanings::valueText(value, h);
         if (!t) return std::nullopt;

@@ -62,8 +62,9 @@ public:
     void set(TSKey key, const std::optional<QString>& text);
     // The row's text and its alpha: 0.5 dims a value in doubt or not the file's own.
     std::pair<QString, double> value(TSKey key) const;
-    // A tag's text from one dictionary, with the current "human" setting.
+    // A tag's text from one dictionary, with the current "human" setting, or the given one.
     static std::optional<QString> format(const std::optional<QVariantMap>& dictionary, TSKey tag);
+    static std::optional<QString> format(const std::optional<QVariantMap>& dictionary, TSKey tag, bool human);
 
     void setDate(const QDateTime& date, const QString& source);
     void setPlacemark(const Placemark& placemark);
@@ -98,9 +99,9 @@ private:
     void fillDates(const TSMetaData& md);
     void fillLocation(const TSMetaData& md);
     void fillSizes(const TSMetaData& md);
-    void fillTiff(const TSMetaData& md);
-    void fillExif(const TSMetaData& md);
-    void fillIptc(const TSMetaData& md);
+    void fillTiff(const TSMetaData& md, bool human);
+    void fillExif(const TSMetaData& md, bool human);
+    void fillIptc(const TSMetaData& md, bool human);
 };
 
 // "JPEG" for "public.jpeg", "RAW" for "com.adobe.raw-image".
