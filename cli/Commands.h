@@ -4,11 +4,17 @@
 // 2 bad usage. Errors go to standard error, one line per file, naming the file and the cause.
 #include <QStringList>
 
+#include <functional>
+
 int propsCommand(const QStringList& args);
 int infoCommand(const QStringList& args);
 int summaryCommand(const QStringList& args);
 int tagsCommand(const QStringList& args);
 int locationCommand(const QStringList& args);
+// Photos are edited here; movie files go, with the same wishes and target, to the movie editor
+// that registers itself with setMovieEditor (its arguments: the options, then the movie files).
+int editCommand(const QStringList& args);
+void setMovieEditor(std::function<int(const QStringList&)> editor);
 
 // Writes text to standard output as UTF-8.
 void printOut(const QString& text);

@@ -18,6 +18,8 @@ int usage() {
                "  summary FILE...            the short sentence about each file\n"
                "  tags FILE... [--raw|--json]  all tags, in words, raw, or as JSON\n"
                "  location TEXT...           the coordinate that a typed text means\n"
+               "  edit [WISHES] FILE... (-o DIR | --in-place | --render -o DIR)\n"
+               "                             rewrites the files with the wishes applied (edit --help)\n"
                "--no-human shows raw values instead of words.\n");
     return 2;
 }
@@ -45,6 +47,7 @@ int main(int argc, char** argv) {
     static const std::map<QString, std::function<int(const QStringList&)>> commands{
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand},
+        {"edit", editCommand},
     };
     auto it = commands.find(args.first());
     if (it == commands.end()) {

@@ -11,6 +11,8 @@ packages=(
   qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
   qml6-module-qtquick-window qml6-module-qtqml-workerscript qml6-module-qtquick-templates
   qml6-module-qtquick-dialogs qml6-module-qtmultimedia
+  # TIFF and WebP pixels for QImage (redrawing photos, and the tests' pixel checks)
+  qt6-image-formats-plugins
   # metadata and media libraries
   libexiv2-dev libheif-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libsqlite3-dev libsystemd-dev

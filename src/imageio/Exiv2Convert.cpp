@@ -11,7 +11,6 @@
 #include <unordered_map>
 
 namespace imageio {
-namespace {
 
 // clang-format off
 const QHash<uint16_t, const char*>& exifTagKeys() {
@@ -127,7 +126,7 @@ const QHash<uint16_t, const char*>& iptcDatasetKeys() {
 }
 
 // Maker-note fields that the platform gathers in {ExifAux}.
-const QHash<QString, const char*>& auxFromMaker() {
+static const QHash<QString, const char*>& auxFromMaker() {
     static const QHash<QString, const char*> t{
         {"Exif.Canon.SerialNumber", kCGImagePropertyExifAuxSerialNumber},
         {"Exif.Canon.OwnerName", kCGImagePropertyExifAuxOwnerName},
@@ -152,6 +151,100 @@ bool isRepeatableIptc(const QString& key) {
            key == kCGImagePropertyIPTCContact || key == kCGImagePropertyIPTCSubjectReference ||
            key == kCGImagePropertyIPTCBylineTitle;
 }
+
+// clang-format off
+const std::vector<XmpField>& xmpIptcFields() {
+    static const std::vector<XmpField> iptcFields{
+        {"Xmp.dc.subject", kCGImagePropertyIPTCKeywords, true},
+        {"Xmp.dc.creator", kCGImagePropertyIPTCByline, true},
+        {"Xmp.photoshop.AuthorsPosition", kCGImagePropertyIPTCBylineTitle, true},
+        {"Xmp.dc.title", kCGImagePropertyIPTCObjectName, false},
+        {"Xmp.photoshop.Headline", kCGImagePropertyIPTCHeadline, false},
+        {"Xmp.dc.description", kCGImagePropertyIPTCCaptionAbstract, false},
+        {"Xmp.photoshop.CaptionWriter", kCGImagePropertyIPTCWriterEditor, true},
+        {"Xmp.photoshop.Credit", kCGImagePropertyIPTCCredit, false},
+        {"Xmp.photoshop.Source", kCGImagePropertyIPTCSource, false},
+        {"Xmp.dc.rights", kCGImagePropertyIPTCCopyrightNotice, false},
+        {"Xmp.xmpRights.UsageTerms", kCGImagePropertyIPTCRightsUsageTerms, false},
+        {"Xmp.photoshop.City", kCGImagePropertyIPTCCity, false},
+        {"Xmp.iptc.Location", kCGImagePropertyIPTCSubLocation, false},
+        {"Xmp.photoshop.State", kCGImagePropertyIPTCProvinceState, false},
+        {"Xmp.photoshop.Country", kCGImagePropertyIPTCCountryPrimaryLocationName, false},
+        {"Xmp.iptc.CountryCode", kCGImagePropertyIPTCCountryPrimaryLocationCode, false},
+        {"Xmp.photoshop.Instructions", kCGImagePropertyIPTCSpecialInstructions, false},
+        {"Xmp.photoshop.TransmissionReference", kCGImagePropertyIPTCOriginalTransmissionReference, false},
+        {"Xmp.photoshop.Urgency", kCGImagePropertyIPTCUrgency, false},
+        {"Xmp.photoshop.Category", kCGImagePropertyIPTCCategory, false},
+        {"Xmp.photoshop.SupplementalCategories", kCGImagePropertyIPTCSupplementalCategory, true},
+        {"Xmp.iptc.SubjectCode", kCGImagePropertyIPTCSubjectReference, true},
+        {"Xmp.iptc.Scene", kCGImagePropertyIPTCScene, true},
+        {"Xmp.iptc.IntellectualGenre", kCGImagePropertyIPTCExtGenre, false},
+        {"Xmp.iptcExt.Event", kCGImagePropertyIPTCExtEvent, false},
+        {"Xmp.iptcExt.DigitalSourceType", kCGImagePropertyIPTCExtDigitalSourceType, false},
+        {"Xmp.xmp.Rating", kCGImagePropertyIPTCStarRating, false},
+    };
+    return iptcFields;
+}
+
+const std::vector<XmpField>& xmpContactFields() {
+    static const std::vector<XmpField> contactFields{
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrExtadr", kCGImagePropertyIPTCContactInfoAddress, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity", kCGImagePropertyIPTCContactInfoCity, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrRegion", kCGImagePropertyIPTCContactInfoStateProvince, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrPcode", kCGImagePropertyIPTCContactInfoPostalCode, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCtry", kCGImagePropertyIPTCContactInfoCountry, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiEmailWork", kCGImagePropertyIPTCContactInfoEmails, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiTelWork", kCGImagePropertyIPTCContactInfoPhones, false},
+        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiUrlWork", kCGImagePropertyIPTCContactInfoWebURLs, false},
+    };
+    return contactFields;
+}
+
+const std::vector<XmpFill>& xmpFills() {
+    using enum XmpFill::Kind;
+    static const std::vector<XmpFill> fills{
+        {"Xmp.tiff.Make", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFMake, Text},
+        {"Xmp.tiff.Model", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFModel, Text},
+        {"Xmp.tiff.Software", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
+        {"Xmp.xmp.CreatorTool", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
+        {"Xmp.tiff.Artist", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFArtist, Text},
+        {"Xmp.tiff.Copyright", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFCopyright, Text},
+        {"Xmp.tiff.ImageDescription", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, Text},
+        {"Xmp.tiff.DateTime", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
+        {"Xmp.xmp.ModifyDate", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
+        {"Xmp.tiff.Orientation", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFOrientation, Number},
+        {"Xmp.exif.DateTimeOriginal", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
+        {"Xmp.photoshop.DateCreated", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
+        {"Xmp.exif.DateTimeDigitized", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
+        {"Xmp.xmp.CreateDate", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
+        {"Xmp.exif.ExposureTime", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureTime, Number},
+        {"Xmp.exif.FNumber", kCGImagePropertyExifDictionary, kCGImagePropertyExifFNumber, Number},
+        {"Xmp.exif.ISOSpeedRatings", kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeedRatings, Numbers},
+        {"Xmp.exif.FocalLength", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLength, Number},
+        {"Xmp.exif.FocalLengthIn35mmFilm", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLenIn35mmFilm, Number},
+        {"Xmp.exif.ExposureBiasValue", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureBiasValue, Number},
+        {"Xmp.exif.MeteringMode", kCGImagePropertyExifDictionary, kCGImagePropertyExifMeteringMode, Number},
+        {"Xmp.exif.WhiteBalance", kCGImagePropertyExifDictionary, kCGImagePropertyExifWhiteBalance, Number},
+        {"Xmp.exif.PixelXDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelXDimension, Number},
+        {"Xmp.exif.PixelYDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelYDimension, Number},
+        {"Xmp.exif.UserComment", kCGImagePropertyExifDictionary, kCGImagePropertyExifUserComment, Text},
+        {"Xmp.exifEX.LensModel", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensModel, Text},
+        {"Xmp.exifEX.LensMake", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensMake, Text},
+        {"Xmp.aux.Lens", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensModel, Text},
+        {"Xmp.aux.LensInfo", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensInfo, Text},
+        {"Xmp.aux.LensID", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensID, Number},
+        {"Xmp.aux.SerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxSerialNumber, Text},
+        {"Xmp.aux.LensSerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensSerialNumber, Text},
+        {"Xmp.aux.ImageNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxImageNumber, Number},
+        {"Xmp.aux.FlashCompensation", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFlashCompensation, Number},
+        {"Xmp.aux.OwnerName", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxOwnerName, Text},
+        {"Xmp.aux.Firmware", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFirmware, Text},
+    };
+    return fills;
+}
+// clang-format on
+
+namespace {
 
 QString makerDictionary(const std::string& group) {
     struct Prefix { const char* group; const char* dict; };
@@ -470,88 +563,6 @@ void addIptc(const Exiv2::IptcData& iptc, PropertyDict& top) {
 }
 
 void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
-    // clang-format off
-    struct Field { const char* xmpKey; const char* key; bool array; };
-    static const Field iptcFields[] = {
-        {"Xmp.dc.subject", kCGImagePropertyIPTCKeywords, true},
-        {"Xmp.dc.creator", kCGImagePropertyIPTCByline, true},
-        {"Xmp.photoshop.AuthorsPosition", kCGImagePropertyIPTCBylineTitle, true},
-        {"Xmp.dc.title", kCGImagePropertyIPTCObjectName, false},
-        {"Xmp.photoshop.Headline", kCGImagePropertyIPTCHeadline, false},
-        {"Xmp.dc.description", kCGImagePropertyIPTCCaptionAbstract, false},
-        {"Xmp.photoshop.CaptionWriter", kCGImagePropertyIPTCWriterEditor, true},
-        {"Xmp.photoshop.Credit", kCGImagePropertyIPTCCredit, false},
-        {"Xmp.photoshop.Source", kCGImagePropertyIPTCSource, false},
-        {"Xmp.dc.rights", kCGImagePropertyIPTCCopyrightNotice, false},
-        {"Xmp.xmpRights.UsageTerms", kCGImagePropertyIPTCRightsUsageTerms, false},
-        {"Xmp.photoshop.City", kCGImagePropertyIPTCCity, false},
-        {"Xmp.iptc.Location", kCGImagePropertyIPTCSubLocation, false},
-        {"Xmp.photoshop.State", kCGImagePropertyIPTCProvinceState, false},
-        {"Xmp.photoshop.Country", kCGImagePropertyIPTCCountryPrimaryLocationName, false},
-        {"Xmp.iptc.CountryCode", kCGImagePropertyIPTCCountryPrimaryLocationCode, false},
-        {"Xmp.photoshop.Instructions", kCGImagePropertyIPTCSpecialInstructions, false},
-        {"Xmp.photoshop.TransmissionReference", kCGImagePropertyIPTCOriginalTransmissionReference, false},
-        {"Xmp.photoshop.Urgency", kCGImagePropertyIPTCUrgency, false},
-        {"Xmp.photoshop.Category", kCGImagePropertyIPTCCategory, false},
-        {"Xmp.photoshop.SupplementalCategories", kCGImagePropertyIPTCSupplementalCategory, true},
-        {"Xmp.iptc.SubjectCode", kCGImagePropertyIPTCSubjectReference, true},
-        {"Xmp.iptc.Scene", kCGImagePropertyIPTCScene, true},
-        {"Xmp.iptc.IntellectualGenre", kCGImagePropertyIPTCExtGenre, false},
-        {"Xmp.iptcExt.Event", kCGImagePropertyIPTCExtEvent, false},
-        {"Xmp.iptcExt.DigitalSourceType", kCGImagePropertyIPTCExtDigitalSourceType, false},
-        {"Xmp.xmp.Rating", kCGImagePropertyIPTCStarRating, false},
-    };
-    static const Field contactFields[] = {
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrExtadr", kCGImagePropertyIPTCContactInfoAddress, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity", kCGImagePropertyIPTCContactInfoCity, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrRegion", kCGImagePropertyIPTCContactInfoStateProvince, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrPcode", kCGImagePropertyIPTCContactInfoPostalCode, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCtry", kCGImagePropertyIPTCContactInfoCountry, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiEmailWork", kCGImagePropertyIPTCContactInfoEmails, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiTelWork", kCGImagePropertyIPTCContactInfoPhones, false},
-        {"Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiUrlWork", kCGImagePropertyIPTCContactInfoWebURLs, false},
-    };
-    enum Kind { Text, Number, Date, Numbers };
-    struct Fill { const char* xmpKey; const char* dict; const char* key; Kind kind; };
-    static const Fill fills[] = {
-        {"Xmp.tiff.Make", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFMake, Text},
-        {"Xmp.tiff.Model", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFModel, Text},
-        {"Xmp.tiff.Software", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
-        {"Xmp.xmp.CreatorTool", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFSoftware, Text},
-        {"Xmp.tiff.Artist", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFArtist, Text},
-        {"Xmp.tiff.Copyright", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFCopyright, Text},
-        {"Xmp.tiff.ImageDescription", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, Text},
-        {"Xmp.tiff.DateTime", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
-        {"Xmp.xmp.ModifyDate", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFDateTime, Date},
-        {"Xmp.tiff.Orientation", kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFOrientation, Number},
-        {"Xmp.exif.DateTimeOriginal", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
-        {"Xmp.photoshop.DateCreated", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeOriginal, Date},
-        {"Xmp.exif.DateTimeDigitized", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
-        {"Xmp.xmp.CreateDate", kCGImagePropertyExifDictionary, kCGImagePropertyExifDateTimeDigitized, Date},
-        {"Xmp.exif.ExposureTime", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureTime, Number},
-        {"Xmp.exif.FNumber", kCGImagePropertyExifDictionary, kCGImagePropertyExifFNumber, Number},
-        {"Xmp.exif.ISOSpeedRatings", kCGImagePropertyExifDictionary, kCGImagePropertyExifISOSpeedRatings, Numbers},
-        {"Xmp.exif.FocalLength", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLength, Number},
-        {"Xmp.exif.FocalLengthIn35mmFilm", kCGImagePropertyExifDictionary, kCGImagePropertyExifFocalLenIn35mmFilm, Number},
-        {"Xmp.exif.ExposureBiasValue", kCGImagePropertyExifDictionary, kCGImagePropertyExifExposureBiasValue, Number},
-        {"Xmp.exif.MeteringMode", kCGImagePropertyExifDictionary, kCGImagePropertyExifMeteringMode, Number},
-        {"Xmp.exif.WhiteBalance", kCGImagePropertyExifDictionary, kCGImagePropertyExifWhiteBalance, Number},
-        {"Xmp.exif.PixelXDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelXDimension, Number},
-        {"Xmp.exif.PixelYDimension", kCGImagePropertyExifDictionary, kCGImagePropertyExifPixelYDimension, Number},
-        {"Xmp.exif.UserComment", kCGImagePropertyExifDictionary, kCGImagePropertyExifUserComment, Text},
-        {"Xmp.exifEX.LensModel", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensModel, Text},
-        {"Xmp.exifEX.LensMake", kCGImagePropertyExifDictionary, kCGImagePropertyExifLensMake, Text},
-        {"Xmp.aux.Lens", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensModel, Text},
-        {"Xmp.aux.LensInfo", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensInfo, Text},
-        {"Xmp.aux.LensID", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensID, Number},
-        {"Xmp.aux.SerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxSerialNumber, Text},
-        {"Xmp.aux.LensSerialNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxLensSerialNumber, Text},
-        {"Xmp.aux.ImageNumber", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxImageNumber, Number},
-        {"Xmp.aux.FlashCompensation", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFlashCompensation, Number},
-        {"Xmp.aux.OwnerName", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxOwnerName, Text},
-        {"Xmp.aux.Firmware", kCGImagePropertyExifAuxDictionary, kCGImagePropertyExifAuxFirmware, Text},
-    };
-    // clang-format on
 
     // One pass to index the packet: findKey walks the whole list, rebuilding every key text,
     // for each of the fields above.
@@ -563,7 +574,7 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
     };
 
     PropertyDict iptc = top.value(kCGImagePropertyIPTCDictionary).toMap();
-    for (const auto& f : iptcFields) {
+    for (const auto& f : xmpIptcFields()) {
         if (iptc.contains(f.key)) continue;
         try {
             const Exiv2::Xmpdatum* d = find(f.xmpKey);
@@ -586,14 +597,14 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
         }
     }
     PropertyDict contact = iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap();
-    for (const auto& f : contactFields) {
+    for (const auto& f : xmpContactFields()) {
         if (contact.contains(f.key)) continue;
         if (const Exiv2::Xmpdatum* d = find(f.xmpKey)) contact.insert(f.key, QString::fromStdString(d->toString()));
     }
     if (!contact.isEmpty()) iptc.insert(kCGImagePropertyIPTCCreatorContactInfo, contact);
     if (!iptc.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, iptc);
 
-    for (const auto& f : fills) {
+    for (const auto& f : xmpFills()) {
         PropertyDict dict = top.value(f.dict).toMap();
         if (dict.contains(f.key)) continue;
         try {
@@ -603,10 +614,10 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
             if (items.isEmpty()) continue;
             QVariant value;
             switch (f.kind) {
-            case Text: value = items.join(", "); break;
-            case Number: value = xmpNumber(items.first()); break;
-            case Date: value = isoDateToExif(items.first()); break;
-            case Numbers: {
+            case XmpFill::Text: value = items.join(", "); break;
+            case XmpFill::Number: value = xmpNumber(items.first()); break;
+            case XmpFill::Date: value = isoDateToExif(items.first()); break;
+            case XmpFill::Numbers: {
                 QVariantList list;
                 for (const QString& s : items) list << xmpNumber(s);
                 value = list;

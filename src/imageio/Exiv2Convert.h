@@ -8,7 +8,36 @@
 #include <exiv2/iptc.hpp>
 #include <exiv2/xmp_exiv2.hpp>
 
+#include <QHash>
+#include <vector>
+
 namespace imageio {
+
+// Quiets exiv2's log and readies its XMP parser; call before any exiv2 work.
+void initExiv2();
+
+// The tables between tag numbers and property keys, read one way by the reader and the other
+// way by the writer.
+const QHash<uint16_t, const char*>& exifTagKeys();     // {Exif}, IFD "Photo"
+const QHash<uint16_t, const char*>& tiffTagKeys();     // {TIFF}, IFD "Image"
+const QHash<uint16_t, const char*>& gpsTagKeys();      // {GPS}
+const QHash<uint16_t, const char*>& iptcDatasetKeys(); // {IPTC}, IIM record 2 dataset numbers
+// IPTC fields that hold a list (repeated IIM datasets, XMP bags and sequences).
+bool isRepeatableIptc(const QString& key);
+
+// XMP homes of {IPTC} fields and of the creator contact fields.
+struct XmpField { const char* xmpKey; const char* key; bool array; };
+const std::vector<XmpField>& xmpIptcFields();
+const std::vector<XmpField>& xmpContactFields();
+// XMP fields that stand in for EXIF, TIFF and aux tags the binary blocks lack.
+struct XmpFill {
+    enum Kind { Text, Number, Date, Numbers };
+    const char* xmpKey;
+    const char* dict;
+    const char* key;
+    Kind kind;
+};
+const std::vector<XmpFill>& xmpFills();
 
 // Adds {Exif}, {TIFF}, {GPS}, {ExifAux}, the maker groups and the top-level Orientation.
 void addExif(const Exiv2::ExifData& exif, PropertyDict& top);

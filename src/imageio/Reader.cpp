@@ -22,7 +22,6 @@
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace imageio {
-namespace {
 
 void initExiv2() {
     static std::once_flag once;
@@ -32,6 +31,8 @@ void initExiv2() {
         Exiv2::XmpParser::initialize();  // not thread-safe on first use, so done once up front
     });
 }
+
+namespace {
 
 bool startsWith(const QByteArray& b, qsizetype at, const char* text, qsizetype n) {
     return b.size() >= at + n && std::memcmp(b.constData() + at, text, size_t(n)) == 0;

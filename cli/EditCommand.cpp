@@ -1,0 +1,231 @@
+// tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
+#include "Commands.h"
+
+#include "ExifModifier.h"
+#include "Formatter.h"
+#include "HRLocation.h"
+#include "ImageWriter.h"
+#include "TSAsset.h"
+#include "TSError.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QUrl>
+
+#include <csignal>
+
+namespace {
+
+std::function<int(const QStringList&)>& movieEditor() {
+    static std::function<int(const QStringList&)> editor;
+    return editor;
+}
+
+int usage(const QString& problem) {
+    printError("tessorin-cli edit: " + problem + "\n"
+               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n"
+               "wishes:\n"
+               "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
+               "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
+               "  --location TEXT                        a place, in degrees or decimal\n"
+               "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
+               "  --orientation N                        1 to 8\n"
+               "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
+               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n");
+    return 2;
+}
+
+struct Target {
+    QString outputDir;
+    bool inPlace = false;
+    bool keepOriginal = false;
+    bool render = false;
+};
+
+struct Wishes {
+    std::optional<QDateTime> date, digitizedDate;
+    std::optional<GeoLocation> location;
+    bool noLocation = false, noDate = false, noTags = false;
+    std::optional<int> orientation;
+    QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
+};
+
+void applyWishes(const Wishes& w, UserSettings& settings) {
+    if (w.date) settings.setDate(*w.date, TSKey::EXIF_DATE);
+    if (w.digitizedDate) settings.setDate(*w.digitizedDate, TSKey::EXIF_DIGITIZED_DATE);
+    // Removing the dates means removing the tags themselves, as clearing the date rows does.
+    if (w.noDate)
+        for (TSKey k : {TSKey::EXIF_DATE, TSKey::EXIF_DIGITIZED_DATE}) settings.properties.set(kRemovalMark, coord(k)->key);
+    if (w.location) settings.setLocation(HRLocation{std::nullopt, std::nullopt, w.location, {}});
+    settings.switchers.set(Sections::location, w.noLocation);
+    settings.switchers.set(Sections::noTags, w.noTags);
+    if (w.orientation) settings.setOrientation(*w.orientation);
+    for (const auto& [key, text] : w.tags) {
+        if (key == TSKey::IPTC_CREATOR_CONTACT_INFO) continue;
+        settings.properties.set(text, coord(key)->key);
+    }
+}
+
+QString backupPath(const QString& path) {
+    const QFileInfo info(path);
+    return info.dir().filePath(info.completeBaseName() + QStringLiteral("_original.") + info.suffix());
+}
+
+// One photo from its wishes to its file. Returns false after reporting a failure.
+bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const Target& target, bool& wrote) {
+    const QString path = asset->path();
+    UserSettings settings = base;
+    ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
+    ExifModifier modifier({photo});
+    modifier.modify(settings, false);
+    if (!modifier.anyChanged()) {
+        printOut(path + ": Nothing changed\n");
+        return true;
+    }
+    modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
+    const QString backup = backupPath(path);
+    try {
+        const auto rewritten = modifier.rewrite(target.render ? SaveMode::modify : SaveMode::files);
+        if (target.inPlace && target.keepOriginal) {
+            if (QFileInfo::exists(backup) || !QFile::copy(path, backup)) {
+                printError(path + ": can't keep the original as " + backup + "\n");
+                return false;
+            }
+        }
+        QStringList urls;
+        if (auto failure = modifier.dataToTempFile(rewritten, urls)) {
+            if (target.inPlace && target.keepOriginal) QFile::remove(backup);
+            printError(path + ": " + *failure + "\n");
+            return false;
+        }
+        const QStringList changes = photo.tags->changedTags();
+        printOut(path + " -> " + QUrl(urls.value(0)).toLocalFile() + ": " + changes.join(", ") + "\n");
+        wrote = true;
+        return true;
+    } catch (const TSError& e) {
+        printError(path + ": " + e.message() + "\n");
+        return false;
+    }
+}
+
+}  // namespace
+
+void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor() = std::move(editor); }
+
+int editCommand(const QStringList& args) {
+    Wishes wishes;
+    Target target;
+    QStringList files, passOn;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
+        QString value;
+        if (withValue.contains(a)) {
+            if (i + 1 >= args.size()) return usage(a + " needs a value");
+            value = args[++i];
+            passOn << a << value;
+        } else if (a.startsWith('-')) {
+            passOn << a;
+        }
+        if (a == "--date" || a == "--digitized-date") {
+            auto date = Formatter::exifDate(value);
+            if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
+            (a == "--date" ? wishes.date : wishes.digitizedDate) = date;
+        } else if (a == "--location") {
+            auto loc = hrl::degreesLocation(value);
+            if (!loc) loc = hrl::decimalLocation(value);
+            if (!loc) return usage("'" + value + "' is no location");
+            wishes.location = loc;
+        } else if (a == "--orientation") {
+            bool ok = false;
+            const int n = value.toInt(&ok);
+            if (!ok || n < 1 || n > 8) return usage("the orientation is a number from 1 to 8");
+            wishes.orientation = n;
+        } else if (a == "--set" || a == "--remove") {
+            const qsizetype eq = value.indexOf('=');
+            if (a == "--set" && eq <= 0) return usage("--set takes KEY=VALUE");
+            const QString name = a == "--set" ? value.left(eq) : value;
+            const auto key = EditKeys::editableKey(name);
+            if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
+            wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
+        } else if (a == "-o") {
+            target.outputDir = value;
+        } else if (a == "--no-location") {
+            wishes.noLocation = true;
+        } else if (a == "--no-date") {
+            wishes.noDate = true;
+        } else if (a == "--no-tags") {
+            wishes.noTags = true;
+        } else if (a == "--in-place") {
+            target.inPlace = true;
+        } else if (a == "--keep-original") {
+            target.keepOriginal = true;
+        } else if (a == "--render") {
+            target.render = true;
+        } else if (a.startsWith('-')) {
+            return usage("unknown option " + a);
+        } else {
+            files << a;
+        }
+    }
+    if (files.isEmpty()) return usage("no files given");
+    if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
+    if (target.render && target.inPlace) return usage("--render writes to -o DIR");
+    if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
+    if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())
+        return usage("no folder " + target.outputDir);
+
+    // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
+    std::signal(SIGXFSZ, SIG_IGN);
+
+    int status = 0;
+    QStringList movies;
+    std::optional<UserSettings> settings;
+    bool wroteAny = false;
+    for (const QString& path : files) {
+        if (target.outputDir.isEmpty() ? false
+                                       : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
+                                             QFileInfo(path)) {
+            printError(path + ": the output folder holds the file itself; use --in-place\n");
+            status = 1;
+            continue;
+        }
+        auto asset = std::make_shared<TSAsset>(path);
+        if (asset->readError()) {
+            printError(path + ": " + *asset->readError() + "\n");
+            status = 1;
+            continue;
+        }
+        const auto format = imageio::detectFormat(asset->imageData());
+        if (format == imageio::Format::Movie) {
+            movies << path;
+            continue;
+        }
+        if (!imageio::canWrite(format)) {
+            printError(path + ": can't write metadata into " + imageio::formatName(format) + " files\n");
+            status = 1;
+            continue;
+        }
+        if (!asset->metaData().metaDataDic()) {
+            printError(path + ": no image metadata could be read\n");
+            status = 1;
+            continue;
+        }
+        // The edit is seeded from the first photo, as the edit screen is from the first selected item.
+        if (!settings) {
+            settings.emplace(asset->metaData(), asset->ddStore());
+            applyWishes(wishes, *settings);
+        }
+        if (!editPhoto(asset, *settings, target, wroteAny)) status = 1;
+    }
+    if (settings && wroteAny) settings->saveRecents();
+    if (!movies.isEmpty()) {
+        if (!movieEditor()) {
+            for (const QString& m : movies) printError(m + ": movies can't be edited here\n");
+            return 1;
+        }
+        const int movieStatus = movieEditor()(passOn + movies);
+        status = std::max(status, movieStatus);
+    }
+    return status;
+}

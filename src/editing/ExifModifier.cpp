@@ -1,0 +1,133 @@
+#include "ExifModifier.h"
+
+#include "Formatter.h"
+#include "Log.h"
+#include "PropertyKeys.h"
+#include "TSError.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QUrl>
+
+ExifModifier::ExifModifier(QList<ModifyingPhotoAsset> m) : modifing(std::move(m)), filesDirectory(QDir::tempPath()) {}
+
+void ExifModifier::modify(UserSettings& settings, bool isModify) {
+    if (settings.switchers[Sections::noTags]) {
+        for (auto& photo : modifing) photo.tags->removeAllTags();
+        settings.dropWishes(EditKeys::editableKeys());
+        return;
+    }
+
+    if (settings.switchers[Sections::dateTime]) {
+        for (auto& photo : modifing) {
+            photo.tags->userDate.reset();
+            photo.tags->changed = true;
+        }
+        settings.dropDateWishes();
+    } else if (const auto wished = settings.date(TSKey::EXIF_DATE); settings.isDateChanged() && wished) {
+        for (auto& photo : modifing) {
+            const auto own = photo.tsAsset->ddStore().datas.value(TSKey::EXIF_DATE);
+            const auto ownDate = own ? Formatter::parse(*own, Formatter::Style::fullDate) : std::nullopt;
+            if (ownDate == wished) continue;
+            photo.tags->userDate = wished;
+            photo.tags->changed = true;
+        }
+    }
+
+    const bool removeLocation = settings.switchers[Sections::location];
+    if (removeLocation) {
+        for (auto& photo : modifing) photo.tags->removeLocation();
+    } else if (settings.isLocationChanged() && settings.finalLoc->location) {
+        for (auto& photo : modifing) {
+            const auto& own = photo.tsAsset->ddStore().location;
+            if (!own || *own != *settings.finalLoc->location) photo.tags->setLocation(*settings.finalLoc->location);
+        }
+    }
+
+    for (auto& photo : modifing) {
+        for (TSKey key : EditKeys::editableKeys()) photo.tags->apply(key, settings, photo.tsAsset->metaData());
+        photo.tags->applyCreatorContact(settings, photo.tsAsset->metaData());
+    }
+
+    if (settings.finalOrientation || isModify) {
+        for (auto& photo : modifing) {
+            photo.tags->userOrientation = settings.finalOrientation;
+            if (settings.finalOrientation) {
+                photo.tags->changed = true;
+                photo.tags->setOrientationTag(QString::number(*settings.finalOrientation));
+            } else {
+                photo.tags->setOrientationTag(QStringLiteral("1"));
+            }
+        }
+    }
+
+    QString software = QCoreApplication::applicationName();
+    if (software.isEmpty()) software = QStringLiteral("Tessorin");
+    for (auto& photo : modifing) {
+        if (!photo.tags->changed) continue;
+        photo.tags->setText(kCGImagePropertyTIFFSoftware, SubDictionary::tiff, software);
+        photo.tags->commit(removeLocation);
+    }
+}
+
+bool ExifModifier::anyChanged() const {
+    for (const auto& photo : modifing)
+        if (photo.tags->changed) return true;
+    return false;
+}
+
+QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
+    QList<ModifyingPhotoAsset> done;
+    for (auto& photo : modifing) {
+        if (mode == SaveMode::modify) photo.tags->setOrientationTag(QStringLiteral("1"));
+        imageio::PropertyDict dict;
+        if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) dict = *photo.tags->metaData;
+        else if (mode != SaveMode::modify) dict = photo.tags->strippedFallback();
+        photo.tags->destMutable = dict;
+        done << ImageModifier::modifiedAsset(mode == SaveMode::modify, photo);
+    }
+    return done;
+}
+
+void ExifModifier::save(SaveMode mode, const Completion& onCompletition) {
+    QList<ModifyingPhotoAsset> done;
+    try {
+        done = rewrite(mode);
+    } catch (const TSError& e) {
+        onCompletition({}, e.localizedDescription());
+        return;
+    }
+    Log::debug(QStringLiteral("Received values: %1").arg(done.size()));
+    if (mode != SaveMode::files) {
+        // The library roads arrive with the photo library.
+        onCompletition({}, QStringLiteral("Image is not editable"));
+        return;
+    }
+    QStringList urls;
+    if (auto failure = dataToTempFile(done, urls)) onCompletition({}, failure);
+    else onCompletition(urls, std::nullopt);
+}
+
+std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const {
+    for (const auto& photo : assets) {
+        const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+        QString name = photo.tsAsset->ddStore().datas.value(TSKey::NAME).value_or(
+            QFileInfo(photo.tsAsset->path()).fileName());
+        // A photo drawn anew as JPEG is named as one.
+        if (data && imageio::detectFormat(*data) == imageio::Format::Jpeg &&
+            imageio::detectFormat(photo.tsAsset->imageData()) != imageio::Format::Jpeg)
+            name = QFileInfo(name).completeBaseName() + QStringLiteral(".jpg");
+        // A temporary file beside the target, renamed over it only once complete.
+        QSaveFile file(QDir(filesDirectory).filePath(name));
+        bool written = data && file.open(QIODevice::WriteOnly) && file.write(*data) == data->size() && file.commit();
+        if (!written) {
+            if (data) Log::error("Error writing the file: " + file.errorString());
+            file.cancelWriting();
+            return QStringLiteral("Error writing data to file");
+        }
+        urls << QUrl::fromLocalFile(file.fileName()).toString();
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,37 @@
+#pragma once
+// Runs a save of photos: turns the wishes into per-photo changes, rewrites each photo's bytes and
+// hands them on by the chosen mode. Here the road that ends in files; the road into the photo
+// library comes with the library.
+#include "ImageModifier.h"
+#include "UserSettings.h"
+
+#include <QStringList>
+#include <functional>
+
+// How a save ends: new library item, modified in place, or files.
+enum class SaveMode { newItem = 0, modify = 1, files = 2 };
+
+class ExifModifier {
+public:
+    QList<ModifyingPhotoAsset> modifing;
+    // Where the files road writes; the system's temporary folder unless set.
+    QString filesDirectory;
+
+    explicit ExifModifier(QList<ModifyingPhotoAsset> modifing);
+
+    // Applies the wishes to every photo; `isModify` is true for an edit in place.
+    void modify(UserSettings& settings, bool isModify);
+    // Whether any photo has something to save.
+    bool anyChanged() const;
+
+    // The completion gets the written files' URLs, or a message.
+    using Completion = std::function<void(const QStringList& urls, const std::optional<QString>& message)>;
+    // Every photo is rewritten before any is handed on: one failure saves none of them.
+    void save(SaveMode mode, const Completion& onCompletition);
+
+    // The stages of a save. Rewrites the bytes of every photo for `mode`; throws TSError.
+    QList<ModifyingPhotoAsset> rewrite(SaveMode mode);
+    // The files road: each photo's bytes under its own name in `filesDirectory`, through a
+    // temporary file and a rename. A message on the first failure; files written before stay.
+    std::optional<QString> dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const;
+};

@@ -1,0 +1,36 @@
+#pragma once
+// Turns one photo and its final property dictionary into new bytes. Saved as a new item or to a
+// file, the coded image is copied and only the metadata change; edited in place, the pixels are
+// first drawn upright with the orientation wish applied, and HEIF becomes JPEG.
+#include "TSAsset.h"
+#include "TagsPhotoModifier.h"
+
+#include <QByteArray>
+#include <memory>
+#include <optional>
+#include <variant>
+
+// A photo's bytes: in memory, or a file path.
+using MADataSource = std::variant<QByteArray, QString>;
+
+// One photo under edit.
+struct ModifyingPhotoAsset {
+    std::shared_ptr<TSAsset> tsAsset;
+    std::shared_ptr<TagsPhotoModifier> tags;
+    MADataSource dataSource;
+    int type = 1;  // the resource type to add on saving: a photo
+};
+
+namespace ImageModifier {
+
+// Needs `tags.destMutable`; throws TSError on failure.
+ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset);
+// The lossless metadata copy: the source's bytes with `dictionary` laid over its metadata.
+std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source);
+// Pixels drawn upright from orientation `orientation` (2 to 8), as JPEG; other values give the
+// data back as they are; nothing when the image can't be decoded.
+std::optional<QByteArray> undoingOrientation(const QByteArray& data, int orientation, bool keepSize);
+// Pixels drawn with the orientation applied, as JPEG; other values give the data back.
+std::optional<QByteArray> applyingOrientation(const QByteArray& data, int orientation);
+
+}  // namespace ImageModifier

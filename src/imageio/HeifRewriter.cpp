@@ -1,0 +1,448 @@
+// Written by hand: libheif 1.15 can add metadata only while encoding an image anew, and exiv2
+// 0.27 reads HEIF but does not write it. This rewriter touches the container alone: the item
+// list, the item locations and references inside 'meta', and a new 'mdat' at the end holding the
+// new Exif and XMP payloads. Every other byte, coded images, auxiliary images and thumbnails
+// included, is copied as it is; only the offsets that point past 'meta' move with it.
+#include "HeifRewriter.h"
+
+#include "Exiv2Convert.h"
+#include "MetadataEdit.h"
+
+#include <exiv2/exif.hpp>
+#include <exiv2/xmp_exiv2.hpp>
+
+#include <cstring>
+#include <vector>
+
+// exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace imageio {
+namespace {
+
+struct Broken : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Big-endian reads that refuse to run past the end.
+struct Cursor {
+    const QByteArray& b;
+    qint64 at, end;
+
+    uint64_t read(int bytes) {
+        if (bytes < 0 || at + bytes > end) throw Broken("the HEIF container is cut short");
+        uint64_t v = 0;
+        for (int i = 0; i < bytes; ++i) v = v << 8 | uint8_t(b[at + i]);
+        at += bytes;
+        return v;
+    }
+    QByteArray text() {  // a NUL-terminated text
+        qint64 nul = at;
+        while (nul < end && b[nul] != '\0') ++nul;
+        QByteArray out = b.mid(at, nul - at);
+        at = qMin(nul + 1, end);
+        return out;
+    }
+};
+
+void put(QByteArray& out, uint64_t v, int bytes) {
+    for (int i = bytes - 1; i >= 0; --i) out.append(char(v >> (8 * i) & 0xff));
+}
+
+struct Box {
+    QByteArray type;
+    qint64 offset = 0, size = 0, header = 0;
+    qint64 end() const { return offset + size; }
+    qint64 body() const { return offset + header; }
+};
+
+std::vector<Box> boxes(const QByteArray& b, qint64 from, qint64 to) {
+    std::vector<Box> out;
+    while (from < to) {
+        Cursor c{b, from, to};
+        Box box;
+        box.offset = from;
+        box.size = qint64(c.read(4));
+        box.type = b.mid(c.at, 4);
+        c.read(4);
+        if (box.size == 1) box.size = qint64(c.read(8));
+        else if (box.size == 0) box.size = to - from;
+        box.header = c.at - from;
+        if (box.size < box.header || box.size > to - from) throw Broken("a HEIF box runs past its container");
+        out.push_back(box);
+        from += box.size;
+    }
+    return out;
+}
+
+QByteArray boxBytes(const char* type, const QByteArray& body, int fullBoxVersion = -1, uint32_t flags = 0) {
+    QByteArray out;
+    const qint64 size = 8 + (fullBoxVersion >= 0 ? 4 : 0) + body.size();
+    if (size > 0xffffffffLL) throw Broken("a HEIF box grew too large");
+    put(out, uint64_t(size), 4);
+    out.append(type, 4);
+    if (fullBoxVersion >= 0) put(out, uint64_t(fullBoxVersion) << 24 | flags, 4);
+    return out + body;
+}
+
+struct Extent {
+    uint64_t index = 0, offset = 0, length = 0;
+};
+struct Location {
+    uint32_t item = 0;
+    int method = 0;
+    uint16_t dataReference = 0;
+    uint64_t base = 0;
+    std::vector<Extent> extents;
+};
+struct ItemLocations {
+    int version = 0, offsetSize = 4, lengthSize = 4, baseSize = 0, indexSize = 0;
+    std::vector<Location> items;
+
+    void parse(Cursor c) {
+        version = int(c.read(4) >> 24);
+        if (version > 2) throw Broken("an unknown HEIF item location version");
+        const uint64_t sizes = c.read(2);
+        offsetSize = int(sizes >> 12 & 0xf), lengthSize = int(sizes >> 8 & 0xf), baseSize = int(sizes >> 4 & 0xf);
+        indexSize = version >= 1 ? int(sizes & 0xf) : 0;
+        for (int s : {offsetSize, lengthSize, baseSize, indexSize})
+            if (s != 0 && s != 4 && s != 8) throw Broken("odd HEIF item location field sizes");
+        const uint64_t count = c.read(version < 2 ? 2 : 4);
+        for (uint64_t i = 0; i < count; ++i) {
+            Location l;
+            l.item = uint32_t(c.read(version < 2 ? 2 : 4));
+            if (version >= 1) l.method = int(c.read(2) & 0xf);
+            l.dataReference = uint16_t(c.read(2));
+            l.base = c.read(baseSize);
+            const uint64_t extents = c.read(2);
+            for (uint64_t e = 0; e < extents; ++e) {
+                Extent x;
+                if (version >= 1 && indexSize > 0) x.index = c.read(indexSize);
+                x.offset = c.read(offsetSize);
+                x.length = c.read(lengthSize);
+                l.extents.push_back(x);
+            }
+            items.push_back(l);
+        }
+    }
+
+    QByteArray serialize() const {
+        QByteArray body;
+        put(body, uint64_t(offsetSize << 12 | lengthSize << 8 | baseSize << 4 | indexSize), 2);
+        put(body, items.size(), version < 2 ? 2 : 4);
+        for (const Location& l : items) {
+            put(body, l.item, version < 2 ? 2 : 4);
+            if (version >= 1) put(body, uint64_t(l.method), 2);
+            put(body, l.dataReference, 2);
+            put(body, l.base, baseSize);
+            put(body, l.extents.size(), 2);
+            for (const Extent& x : l.extents) {
+                if (version >= 1 && indexSize > 0) put(body, x.index, indexSize);
+                put(body, x.offset, offsetSize);
+                put(body, x.length, lengthSize);
+            }
+        }
+        return boxBytes("iloc", body, version);
+    }
+
+    Location* find(uint32_t item) {
+        for (Location& l : items)
+            if (l.item == item) return &l;
+        return nullptr;
+    }
+};
+
+struct ItemInfo {
+    uint32_t id = 0;
+    QByteArray type, contentType;
+};
+
+struct Container {
+    const QByteArray& bytes;
+    std::vector<Box> top;
+    const Box* meta = nullptr;
+    std::vector<Box> metaChildren;
+    ItemLocations iloc;
+    std::vector<ItemInfo> infos;
+    int iinfVersion = 0;
+    uint32_t primary = 0;
+    const Box* idat = nullptr;
+
+    explicit Container(const QByteArray& b) : bytes(b) {
+        top = boxes(b, 0, b.size());
+        for (const Box& box : top)
+            if (box.type == "meta") {
+                if (meta) throw Broken("two 'meta' boxes");
+                meta = &box;
+            }
+        if (!meta) throw Broken("no 'meta' box");
+        metaChildren = boxes(b, meta->body() + 4, meta->end());
+        bool sawIloc = false, sawIinf = false;
+        for (const Box& child : metaChildren) {
+            Cursor c{b, child.body(), child.end()};
+            if (child.type == "iloc") {
+                iloc.parse(c);
+                sawIloc = true;
+            } else if (child.type == "iinf") {
+                iinfVersion = int(c.read(4) >> 24);
+                c.read(iinfVersion == 0 ? 2 : 4);
+                for (const Box& infe : boxes(b, c.at, child.end())) {
+                    if (infe.type != "infe") continue;
+                    Cursor e{b, infe.body(), infe.end()};
+                    const int v = int(e.read(4) >> 24);
+                    if (v < 2) continue;
+                    ItemInfo info;
+                    info.id = uint32_t(e.read(v == 2 ? 2 : 4));
+                    e.read(2);
+                    info.type = b.mid(e.at, 4);
+                    e.read(4);
+                    e.text();  // name
+                    if (info.type == "mime") info.contentType = e.text();
+                    infos.push_back(info);
+                }
+                sawIinf = true;
+            } else if (child.type == "pitm") {
+                const int v = int(c.read(4) >> 24);
+                primary = uint32_t(c.read(v == 0 ? 2 : 4));
+            } else if (child.type == "idat") {
+                idat = &child;
+            }
+        }
+        if (!sawIloc || !sawIinf) throw Broken("no item list or item locations");
+    }
+
+    std::optional<uint32_t> item(const char* type, const char* contentType = nullptr) const {
+        for (const ItemInfo& i : infos)
+            if (i.type == type && (!contentType || i.contentType == contentType)) return i.id;
+        return std::nullopt;
+    }
+
+    QByteArray data(uint32_t id) {
+        const Location* l = iloc.find(id);
+        if (!l) return {};
+        if (l->dataReference != 0 || l->method > 1 || (l->method == 1 && !idat))
+            throw Broken("metadata stored in a way this writer does not follow");
+        const qint64 origin = l->method == 1 ? idat->body() : 0, limit = l->method == 1 ? idat->end() : bytes.size();
+        QByteArray out;
+        for (const Extent& x : l->extents) {
+            const uint64_t start = uint64_t(origin) + l->base + x.offset;
+            const uint64_t length = x.length ? x.length : uint64_t(limit) - start;
+            if (start > uint64_t(limit) || length > uint64_t(limit) - start || out.size() + qint64(length) > (64 << 20))
+                throw Broken("a metadata item lies outside the file");
+            out.append(bytes.constData() + start, qsizetype(length));
+        }
+        return out;
+    }
+};
+
+QByteArray infeBox(uint32_t id, const char* type, const QByteArray& contentType) {
+    QByteArray body;
+    const bool wide = id > 0xffff;
+    put(body, id, wide ? 4 : 2);
+    put(body, 0, 2);
+    body.append(type, 4);
+    body.append('\0');  // no name
+    if (!contentType.isEmpty()) body.append(contentType).append('\0');
+    return boxBytes("infe", body, wide ? 3 : 2);
+}
+
+// The Exif item starts with the distance to the TIFF header after these four bytes.
+std::pair<QByteArray, QByteArray> splitExif(const QByteArray& item) {
+    if (item.size() < 4) return {};
+    Cursor c{item, 0, item.size()};
+    const uint64_t skip = c.read(4);
+    if (skip > uint64_t(item.size() - 4)) return {};
+    return {item.left(4 + qsizetype(skip)), item.mid(4 + qsizetype(skip))};
+}
+
+}  // namespace
+
+std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDict& before, const PropertyDict& changes,
+                                      QString* error) {
+    initExiv2();
+    try {
+        Container heif(source);
+        const auto exifItem = heif.item("Exif");
+        const auto xmpItem = heif.item("mime", "application/rdf+xml");
+
+        // The metadata as exiv2 sees it, changed as asked.
+        Exiv2::ExifData exif;
+        Exiv2::IptcData iptc;
+        Exiv2::XmpData xmp;
+        QByteArray exifPrefix("\0\0\0\x06" "Exif\0\0", 10), tiff;
+        Exiv2::ByteOrder order = Exiv2::bigEndian;
+        if (exifItem) {
+            auto [prefix, body] = splitExif(heif.data(*exifItem));
+            if (!body.isEmpty()) {
+                exifPrefix = prefix;
+                tiff = body;
+                order = Exiv2::ExifParser::decode(exif, reinterpret_cast<const Exiv2::byte*>(tiff.constData()),
+                                                  uint32_t(tiff.size()));
+            }
+        }
+        if (xmpItem) {
+            const QByteArray packet = heif.data(*xmpItem);
+            if (Exiv2::XmpParser::decode(xmp, packet.toStdString()) != 0) throw Broken("the XMP packet can't be read");
+        }
+        applyChanges(before, changes, MetadataBlocks{exif, iptc, xmp});
+
+        QByteArray newExif;
+        if (exifItem || !exif.empty()) {
+            Exiv2::Blob blob;
+            QByteArray work = tiff;  // exiv2 updates this copy in place when it can
+            const auto method = Exiv2::ExifParser::encode(blob, reinterpret_cast<const Exiv2::byte*>(work.constData()),
+                                                          uint32_t(work.size()), order, exif);
+            QByteArray encoded = method == Exiv2::wmIntrusive
+                                     ? QByteArray(reinterpret_cast<const char*>(blob.data()), qsizetype(blob.size()))
+                                     : work;
+            // An empty directory still makes a valid Exif item.
+            if (encoded.isEmpty()) encoded = QByteArray("MM\0*\0\0\0\x08\0\0\0\0\0\0", 14);
+            newExif = exifPrefix + encoded;
+        }
+        QByteArray newXmp;
+        if (xmpItem || !xmp.empty()) {
+            std::string packet;
+            if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
+                throw Broken("the XMP packet can't be written");
+            // An item of length 0 would mean "to the end of the file", so an emptied packet stays a packet.
+            newXmp = packet.empty() ? QByteArray("<?xpacket begin=\"\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>"
+                                                 "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf="
+                                                 "\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"/></x:xmpmeta>"
+                                                 "<?xpacket end=\"w\"?>")
+                                    : QByteArray::fromStdString(packet);
+        }
+
+        // New items for metadata the file had no place for.
+        uint32_t nextId = 1;
+        for (const ItemInfo& i : heif.infos) nextId = qMax(nextId, i.id + 1);
+        for (const Location& l : heif.iloc.items) nextId = qMax(nextId, l.item + 1);
+        std::vector<std::pair<uint32_t, QByteArray>> added;  // id, infe
+        const uint32_t exifId = exifItem ? *exifItem : (newExif.isEmpty() ? 0 : nextId++);
+        const uint32_t xmpId = xmpItem ? *xmpItem : (newXmp.isEmpty() ? 0 : nextId++);
+        if (!exifItem && exifId) added.emplace_back(exifId, infeBox(exifId, "Exif", {}));
+        if (!xmpItem && xmpId) added.emplace_back(xmpId, infeBox(xmpId, "mime", "application/rdf+xml"));
+        if (!added.empty() && !heif.primary) throw Broken("no primary image to describe");
+        if (nextId > 0xffff && heif.iloc.version < 2) throw Broken("too many items");
+
+        QByteArray out = source;
+        // The old payloads are wiped, so that a removed tag can't be found in the file any more.
+        for (uint32_t id : {exifItem.value_or(0), xmpItem.value_or(0)}) {
+            const Location* l = id ? heif.iloc.find(id) : nullptr;
+            if (!l || l->method != 0) continue;
+            for (const Extent& x : l->extents) {
+                const uint64_t start = l->base + x.offset;
+                if (x.length && start < uint64_t(out.size()) && x.length <= uint64_t(out.size()) - start)
+                    std::memset(out.data() + start, 0, size_t(x.length));
+            }
+        }
+
+        // The new 'meta': its item list, locations and references change, the rest is copied.
+        ItemLocations iloc = heif.iloc;
+        for (const auto& [id, infe] : added) iloc.items.push_back(Location{id, 0, 0, 0, {}});
+        const qint64 oldMetaEnd = heif.meta->end();
+        const qint64 tail = source.size() - oldMetaEnd;
+        if (iloc.offsetSize == 0) iloc.offsetSize = 4;
+        if (iloc.lengthSize == 0) iloc.lengthSize = 4;
+        const qint64 roughEnd = source.size() + newExif.size() + newXmp.size() + 4096 + qint64(added.size()) * 64;
+        if (roughEnd > 0xffffffffLL) iloc.offsetSize = iloc.lengthSize = 8;
+
+        auto buildMeta = [&](qint64 metaSize, qint64 payloadAt) {
+            const qint64 delta = heif.meta->offset + metaSize - oldMetaEnd;
+            ItemLocations moved = iloc;
+            for (Location& l : moved.items) {
+                if (l.item == exifId || l.item == xmpId) {
+                    const QByteArray& payload = l.item == exifId ? newExif : newXmp;
+                    const qint64 at = payloadAt + (l.item == exifId ? 0 : newExif.size());
+                    l.method = 0;
+                    l.dataReference = 0;
+                    l.base = 0;
+                    l.extents = {Extent{0, uint64_t(at), uint64_t(payload.size())}};
+                    continue;
+                }
+                if (l.method != 0 || l.dataReference != 0) continue;
+                for (Extent& x : l.extents) {
+                    const uint64_t start = l.base + x.offset;
+                    if (start < uint64_t(oldMetaEnd)) throw Broken("image data inside the 'meta' box");
+                }
+                if (moved.baseSize > 0) l.base += uint64_t(delta);
+                else
+                    for (Extent& x : l.extents) x.offset += uint64_t(delta);
+            }
+            QByteArray body;
+            put(body, 0, 4);  // version and flags of 'meta'
+            bool hasIref = false;
+            for (const Box& child : heif.metaChildren) {
+                const QByteArray raw = source.mid(child.offset, child.size);
+                if (child.type == "iloc") {
+                    body += moved.serialize();
+                } else if (child.type == "iinf" && !added.empty()) {
+                    Cursor c{source, child.body(), child.end()};
+                    c.read(4);
+                    const uint64_t count = c.read(heif.iinfVersion == 0 ? 2 : 4) + added.size();
+                    QByteArray inner;
+                    put(inner, count, heif.iinfVersion == 0 ? 2 : 4);
+                    inner += source.mid(c.at, child.end() - c.at);
+                    for (const auto& [id, infe] : added) inner += infe;
+                    body += boxBytes("iinf", inner, heif.iinfVersion);
+                } else if (child.type == "iref" && !added.empty()) {
+                    hasIref = true;
+                    Cursor c{source, child.body(), child.end()};
+                    const int v = int(c.read(4) >> 24);
+                    QByteArray inner = source.mid(c.at, child.end() - c.at);
+                    for (const auto& [id, infe] : added) {
+                        QByteArray ref;
+                        put(ref, id, v == 0 ? 2 : 4);
+                        put(ref, 1, 2);
+                        put(ref, heif.primary, v == 0 ? 2 : 4);
+                        inner += boxBytes("cdsc", ref);
+                    }
+                    body += boxBytes("iref", inner, v);
+                } else {
+                    body += raw;
+                }
+            }
+            if (!added.empty() && !hasIref) {
+                QByteArray inner;
+                for (const auto& [id, infe] : added) {
+                    QByteArray ref;
+                    put(ref, id, 4);
+                    put(ref, 1, 2);
+                    put(ref, heif.primary, 4);
+                    inner += boxBytes("cdsc", ref);
+                }
+                body += boxBytes("iref", inner, 1);
+            }
+            return boxBytes("meta", body.mid(4), 0);
+        };
+        // The meta box's size doesn't depend on the offsets written into it (field sizes are
+        // fixed), so one trial build gives it.
+        const qint64 metaSize = buildMeta(heif.meta->size, 0).size();
+        const qint64 newMdatHeader = 8;
+        const qint64 payloadAt = heif.meta->offset + metaSize + tail + newMdatHeader;
+        const QByteArray meta = buildMeta(metaSize, payloadAt);
+
+        QByteArray result;
+        result.reserve(payloadAt + newExif.size() + newXmp.size());
+        result += out.left(heif.meta->offset);
+        result += meta;
+        QByteArray rest = out.mid(oldMetaEnd);
+        // A last box that ran "to the end of the file" must now say its size, or it would swallow the new one.
+        for (const Box& box : heif.top) {
+            if (box.offset < oldMetaEnd || box.end() != source.size()) continue;
+            Cursor c{source, box.offset, box.end()};
+            if (c.read(4) == 0) {
+                if (box.size > 0xffffffffLL) throw Broken("a last box too large to close");
+                const qint64 at = box.offset - oldMetaEnd;
+                for (int i = 0; i < 4; ++i) rest[at + i] = char(uint64_t(box.size) >> (8 * (3 - i)) & 0xff);
+            }
+        }
+        result += rest;
+        result += boxBytes("mdat", newExif + newXmp);
+        return result;
+    } catch (const std::exception& e) {
+        if (error) *error = QString::fromLocal8Bit(e.what());
+        return std::nullopt;
+    }
+}
+
+}  // namespace imageio

@@ -1,0 +1,435 @@
+#include "MetadataEdit.h"
+
+#include "Exiv2Convert.h"
+#include "PropertyKeys.h"
+
+#include <exiv2/tags.hpp>
+#include <exiv2/value.hpp>
+#include <exiv2/properties.hpp>
+
+#include <QRegularExpression>
+#include <cmath>
+#include <memory>
+
+// exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace imageio {
+namespace {
+
+bool isRemoval(const QVariant& v) { return !v.isValid() || v.isNull(); }
+
+QHash<QString, uint16_t> reversed(const QHash<uint16_t, const char*>& table) {
+    QHash<QString, uint16_t> out;
+    for (auto it = table.begin(); it != table.end(); ++it) out.insert(QString::fromLatin1(it.value()), it.key());
+    return out;
+}
+
+QString textOf(const QVariant& v) {
+    if (v.typeId() == QMetaType::QVariantList || v.typeId() == QMetaType::QStringList) {
+        QStringList parts;
+        for (const QVariant& e : v.toList()) parts << textOf(e);
+        return parts.join(", ");
+    }
+    if (v.typeId() == QMetaType::QByteArray) return QString::fromUtf8(v.toByteArray());
+    if (v.typeId() == QMetaType::Double) return QString::number(v.toDouble(), 'g', 15);
+    return v.toString();
+}
+
+QStringList itemsOf(const QVariant& v) {
+    if (v.typeId() == QMetaType::QVariantList || v.typeId() == QMetaType::QStringList) {
+        QStringList out;
+        for (const QVariant& e : v.toList()) out << textOf(e);
+        return out;
+    }
+    return {textOf(v)};
+}
+
+// Numbers of a scalar, a list, or a text such as "6" or "2 3 2".
+QList<double> numbersOf(const QVariant& v) {
+    QList<double> out;
+    if (v.typeId() == QMetaType::QVariantList) {
+        for (const QVariant& e : v.toList()) out << numbersOf(e);
+        return out;
+    }
+    if (v.typeId() == QMetaType::QString) {
+        static const QRegularExpression sep(QStringLiteral("[\\s,]+"));
+        for (const QString& part : v.toString().split(sep, Qt::SkipEmptyParts)) {
+            const auto slash = part.indexOf('/');
+            bool ok = false;
+            if (slash > 0) {
+                double den = part.mid(slash + 1).toDouble(&ok);
+                double num = ok ? part.left(slash).toDouble(&ok) : 0;
+                if (ok && den != 0) out << num / den;
+            } else if (double d = part.toDouble(&ok); ok) {
+                out << d;
+            }
+        }
+        return out;
+    }
+    bool ok = false;
+    double d = v.toDouble(&ok);
+    if (ok) out << d;
+    return out;
+}
+
+// A double as the nearest short fraction: whole numbers over 1, exposure times as 1/n,
+// everything else over a power of ten up to a millionth.
+QString rationalText(double d, bool isSigned) {
+    if (!std::isfinite(d) || (!isSigned && d < 0)) d = 0;
+    constexpr double kMax = 2e9;
+    if (std::fabs(d) >= kMax) d = std::copysign(kMax, d);
+    if (d == std::round(d)) return QStringLiteral("%1/1").arg(qint64(d));
+    const double inverse = 1 / d;
+    if (std::fabs(inverse) < kMax && std::fabs(inverse - std::round(inverse)) < 1e-9 * std::fabs(inverse))
+        return QStringLiteral("%1/%2").arg(d < 0 ? -1 : 1).arg(qint64(std::fabs(std::round(inverse))));
+    qint64 den = 10;
+    while (den < 1000000 && std::fabs(d * den - std::round(d * den)) > 1e-9 && std::fabs(d * den * 10) < kMax) den *= 10;
+    while (std::fabs(d * den) >= kMax && den > 1) den /= 10;
+    return QStringLiteral("%1/%2").arg(qint64(std::round(d * den))).arg(den);
+}
+
+// Decimal degrees as degrees, minutes and seconds to a ten-thousandth.
+QString degreesText(double d) {
+    d = std::fabs(d);
+    if (!std::isfinite(d) || d > 360) d = 0;
+    qint64 total = qint64(std::llround(d * 3600 * 10000));
+    qint64 deg = total / (3600 * 10000), rest = total % (3600 * 10000);
+    return QStringLiteral("%1/1 %2/1 %3/10000").arg(deg).arg(rest / (60 * 10000)).arg(rest % (60 * 10000));
+}
+
+bool isAscii(const QString& s) {
+    for (QChar c : s)
+        if (c.unicode() > 0x7e) return false;
+    return true;
+}
+
+std::unique_ptr<Exiv2::Value> exifValue(uint16_t tag, const std::string& group, const QVariant& v) {
+    const Exiv2::TypeId type = Exiv2::ExifKey(tag, group).defaultTypeId();
+    std::unique_ptr<Exiv2::Value> value(Exiv2::Value::create(type).release());
+    auto read = [&](const QString& text) { return value->read(text.toStdString()) == 0; };
+    const bool gps = group == "GPSInfo";
+    if (gps && (tag == 0x02 || tag == 0x04 || tag == 0x14 || tag == 0x16)) {
+        const auto n = numbersOf(v);
+        if (n.size() == 1) return read(degreesText(n.first())) ? std::move(value) : nullptr;
+        QStringList parts;
+        for (double d : n) parts << rationalText(d, false);
+        return read(parts.join(' ')) ? std::move(value) : nullptr;
+    }
+    if (gps && tag == 0x07 && v.typeId() == QMetaType::QString) {
+        QStringList parts;
+        for (const QString& p : v.toString().split(':')) parts << rationalText(p.toDouble(), false);
+        return read(parts.join(' ')) ? std::move(value) : nullptr;
+    }
+    switch (type) {
+    case Exiv2::comment: {
+        const QString text = textOf(v);
+        return read((isAscii(text) ? QStringLiteral("charset=Ascii ") : QStringLiteral("charset=Unicode ")) + text)
+                   ? std::move(value) : nullptr;
+    }
+    case Exiv2::undefined: {
+        QByteArray bytes;
+        if (v.typeId() == QMetaType::QByteArray) {
+            bytes = v.toByteArray();
+        } else if (v.typeId() == QMetaType::QVariantList && (tag == 0x9000 || tag == 0xa000)) {
+            // Version arrays go back to their four digits: [2, 3, 2] → "0232".
+            const auto n = numbersOf(v);
+            if (n.isEmpty()) return nullptr;
+            bytes = QByteArray::number(qint64(n.value(0))).rightJustified(2, '0') +
+                    QByteArray::number(qint64(n.value(1))) + QByteArray::number(qint64(n.value(2)));
+        } else if (v.typeId() == QMetaType::QVariantList) {
+            for (double d : numbersOf(v)) bytes.append(char(qint64(d) & 0xff));
+        } else {
+            bytes = textOf(v).toUtf8();
+        }
+        value->read(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()), Exiv2::littleEndian);
+        return value;
+    }
+    case Exiv2::unsignedRational:
+    case Exiv2::signedRational: {
+        QStringList parts;
+        for (double d : numbersOf(v)) parts << rationalText(d, type == Exiv2::signedRational);
+        return !parts.isEmpty() && read(parts.join(' ')) ? std::move(value) : nullptr;
+    }
+    case Exiv2::unsignedByte: case Exiv2::unsignedShort: case Exiv2::unsignedLong: case Exiv2::signedByte:
+    case Exiv2::signedShort: case Exiv2::signedLong: case Exiv2::tiffFloat: case Exiv2::tiffDouble: {
+        QStringList parts;
+        const bool whole = type != Exiv2::tiffFloat && type != Exiv2::tiffDouble;
+        for (double d : numbersOf(v)) parts << (whole ? QString::number(qint64(std::llround(d))) : QString::number(d, 'g', 17));
+        return !parts.isEmpty() && read(parts.join(' ')) ? std::move(value) : nullptr;
+    }
+    default:
+        return read(textOf(v)) ? std::move(value) : nullptr;
+    }
+}
+
+void eraseExif(Exiv2::ExifData& exif, const Exiv2::ExifKey& key) {
+    for (auto it = exif.findKey(key); it != exif.end(); it = exif.findKey(key)) exif.erase(it);
+}
+
+template <typename Pred>
+void eraseExifIf(Exiv2::ExifData& exif, Pred pred) {
+    for (auto it = exif.begin(); it != exif.end();) it = pred(*it) ? exif.erase(it) : std::next(it);
+}
+
+template <typename Pred>
+void eraseXmpIf(Exiv2::XmpData& xmp, Pred pred) {
+    for (auto it = xmp.begin(); it != xmp.end();) it = pred(it->key()) ? xmp.erase(it) : std::next(it);
+}
+
+bool hasXmp(const Exiv2::XmpData& xmp, const char* key) {
+    return const_cast<Exiv2::XmpData&>(xmp).findKey(Exiv2::XmpKey(key)) != xmp.end();
+}
+
+void eraseXmp(Exiv2::XmpData& xmp, const char* key) {
+    const Exiv2::XmpKey k(key);
+    for (auto it = xmp.findKey(k); it != xmp.end(); it = xmp.findKey(k)) xmp.erase(it);
+    // A struct or array leaves its members behind under longer keys.
+    const std::string prefix = std::string(key) + "/";
+    eraseXmpIf(xmp, [&](const std::string& k2) { return k2.rfind(prefix, 0) == 0; });
+}
+
+void setXmp(Exiv2::XmpData& xmp, const char* key, const QStringList& items, bool array) {
+    eraseXmp(xmp, key);
+    const Exiv2::XmpKey k(key);
+    Exiv2::TypeId type = Exiv2::XmpProperties::propertyType(k);
+    if (array && (type == Exiv2::xmpBag || type == Exiv2::xmpSeq || type == Exiv2::xmpAlt)) {
+        Exiv2::XmpArrayValue value(type);
+        for (const QString& item : items) value.read(item.toStdString());
+        xmp.add(k, &value);
+    } else if (type == Exiv2::langAlt) {
+        Exiv2::LangAltValue value;
+        value.value_["x-default"] = items.join(", ").toStdString();
+        xmp.add(k, &value);
+    } else {
+        Exiv2::XmpTextValue value(items.join(", ").toStdString());
+        xmp.add(k, &value);
+    }
+}
+
+// "yyyy:MM:dd HH:mm:ss" → "yyyy-MM-ddTHH:mm:ss"; other texts stay.
+QString isoDate(const QString& exifDate) {
+    static const QRegularExpression re(QStringLiteral("^(\\d{4}):(\\d{2}):(\\d{2}) (\\d{2}:\\d{2}:\\d{2})$"));
+    const auto m = re.match(exifDate);
+    return m.hasMatch() ? QStringLiteral("%1-%2-%3T%4").arg(m.captured(1), m.captured(2), m.captured(3), m.captured(4))
+                        : exifDate;
+}
+
+// The XMP mirrors of one EXIF or TIFF key follow it, so that no reader sees the old value.
+void followInXmp(Exiv2::XmpData& xmp, const char* dict, const QString& key, const QVariant& v) {
+    for (const auto& f : xmpFills()) {
+        if (key != f.key || qstrcmp(dict, f.dict) != 0 || !hasXmp(xmp, f.xmpKey)) continue;
+        if (isRemoval(v)) eraseXmp(xmp, f.xmpKey);
+        else if (f.kind == XmpFill::Date) setXmp(xmp, f.xmpKey, {isoDate(textOf(v))}, false);
+        else setXmp(xmp, f.xmpKey, itemsOf(v), f.kind == XmpFill::Numbers);
+    }
+}
+
+bool isStructural(uint16_t tiffTag) {
+    switch (tiffTag) {
+    case 0x0103: case 0x0106: case 0x011a: case 0x011b: case 0x0128: case 0x012d: case 0x013e: case 0x013f:
+    case 0x0142: case 0x0143:
+        return true;
+    default:
+        return false;
+    }
+}
+
+struct Editor {
+    const PropertyDict& before;
+    MetadataBlocks& b;
+
+    void exifGroup(const char* dict, const char* ifd, const QHash<uint16_t, const char*>& table, const QVariant& group) {
+        static QHash<const void*, QHash<QString, uint16_t>> reverse;
+        if (!reverse.contains(&table)) reverse.insert(&table, reversed(table));
+        const QHash<QString, uint16_t>& tags = reverse[&table];
+        const bool isExif = qstrcmp(dict, kCGImagePropertyExifDictionary) == 0;
+        if (isRemoval(group)) {
+            eraseExifIf(b.exif, [&](const Exiv2::Exifdatum& d) {
+                return d.groupName() == ifd && table.contains(d.tag()) &&
+                       !(b.keepImageStructure && isStructural(d.tag()));
+            });
+            for (const QString& key : tags.keys()) followInXmp(b.xmp, dict, key, {});
+            return;
+        }
+        const PropertyDict old = before.value(dict).toMap();
+        const PropertyDict wish = group.toMap();
+        for (auto it = wish.begin(); it != wish.end(); ++it) {
+            const auto tag = tags.find(it.key());
+            if (tag == tags.end()) continue;
+            if (!isRemoval(it.value()) && old.value(it.key()) == it.value()) continue;
+            if (!isExif && b.keepImageStructure && isStructural(*tag)) continue;
+            const Exiv2::ExifKey key(*tag, ifd);
+            if (isRemoval(it.value())) {
+                eraseExif(b.exif, key);
+                // Some files keep EXIF fields in the first directory; the reader takes them from there.
+                if (isExif) eraseExif(b.exif, Exiv2::ExifKey(*tag, "Image"));
+            } else {
+                auto value = exifValue(*tag, ifd, it.value());
+                if (!value) continue;
+                const Exiv2::ExifKey inImage(*tag, "Image");
+                const bool onlyInImage = isExif && b.exif.findKey(key) == b.exif.end() &&
+                                         b.exif.findKey(inImage) != b.exif.end();
+                const Exiv2::ExifKey& home = onlyInImage ? inImage : key;
+                eraseExif(b.exif, home);
+                b.exif.add(home, value.get());
+            }
+            followInXmp(b.xmp, dict, it.key(), it.value());
+        }
+    }
+
+    void gpsGroup(const QVariant& group) {
+        static const QHash<QString, uint16_t> tags = reversed(gpsTagKeys());
+        bool changed = false;
+        if (isRemoval(group)) {
+            eraseExifIf(b.exif, [](const Exiv2::Exifdatum& d) { return d.groupName() == "GPSInfo"; });
+            changed = true;
+        } else {
+            const PropertyDict old = before.value(kCGImagePropertyGPSDictionary).toMap();
+            const PropertyDict wish = group.toMap();
+            for (auto it = wish.begin(); it != wish.end(); ++it) {
+                const auto tag = tags.find(it.key());
+                if (tag == tags.end()) continue;
+                if (!isRemoval(it.value()) && old.value(it.key()) == it.value()) continue;
+                const Exiv2::ExifKey key(*tag, "GPSInfo");
+                eraseExif(b.exif, key);
+                changed = true;
+                if (isRemoval(it.value())) continue;
+                if (auto value = exifValue(*tag, "GPSInfo", it.value())) b.exif.add(key, value.get());
+            }
+        }
+        if (!changed) return;
+        // The XMP copy of the position goes with the EXIF one, and is rewritten from it.
+        bool hadXmp = false;
+        eraseXmpIf(b.xmp, [&](const std::string& k) {
+            const bool gps = k.rfind("Xmp.exif.GPS", 0) == 0;
+            hadXmp |= gps;
+            return gps;
+        });
+        if (!hadXmp) return;
+        auto xmpCoordinate = [&](uint16_t tag, uint16_t refTag, const char* xmpKey) {
+            auto d = b.exif.findKey(Exiv2::ExifKey(tag, "GPSInfo"));
+            auto r = b.exif.findKey(Exiv2::ExifKey(refTag, "GPSInfo"));
+            if (d == b.exif.end() || r == b.exif.end() || d->count() < 3) return;
+            const double deg = d->toFloat(0), min = d->toFloat(1) + d->toFloat(2) / 60;
+            setXmp(b.xmp, xmpKey, {QStringLiteral("%1,%2%3").arg(qint64(deg)).arg(min, 0, 'f', 6)
+                                       .arg(QString::fromStdString(r->toString()).left(1))}, false);
+        };
+        xmpCoordinate(0x02, 0x01, "Xmp.exif.GPSLatitude");
+        xmpCoordinate(0x04, 0x03, "Xmp.exif.GPSLongitude");
+    }
+
+    void iptcGroup(const QVariant& group) {
+        static const QHash<QString, uint16_t> datasets = reversed(iptcDatasetKeys());
+        const PropertyDict old = before.value(kCGImagePropertyIPTCDictionary).toMap();
+        PropertyDict wish;
+        if (isRemoval(group)) {
+            for (auto it = old.begin(); it != old.end(); ++it) wish.insert(it.key(), QVariant::fromValue(nullptr));
+            b.iptc.clear();
+        } else {
+            wish = group.toMap();
+        }
+        for (auto it = wish.begin(); it != wish.end(); ++it) {
+            if (it.key() == kCGImagePropertyIPTCCreatorContactInfo) {
+                contact(old.value(it.key()).toMap(), it.value());
+                continue;
+            }
+            if (!isRemoval(it.value()) && old.value(it.key()) == it.value()) continue;
+            const QStringList items = isRemoval(it.value()) ? QStringList{} : itemsOf(it.value());
+            if (const auto ds = datasets.find(it.key()); ds != datasets.end()) iim(*ds, items, isRepeatableIptc(it.key()));
+            for (const auto& f : xmpIptcFields()) {
+                if (it.key() != f.key) continue;
+                if (items.isEmpty()) eraseXmp(b.xmp, f.xmpKey);
+                else setXmp(b.xmp, f.xmpKey, items, f.array);
+            }
+        }
+    }
+
+    void iim(uint16_t dataset, const QStringList& items, bool repeatable) {
+        const Exiv2::IptcKey key(dataset, Exiv2::IptcDataSets::application2);
+        for (auto it = b.iptc.findKey(key); it != b.iptc.end(); it = b.iptc.findKey(key)) b.iptc.erase(it);
+        if (!b.writeIim || items.isEmpty()) return;
+        const QStringList values = repeatable ? items : QStringList{items.join(", ")};
+        bool nonAscii = false;
+        for (const QString& item : values) {
+            std::unique_ptr<Exiv2::Value> value(
+                Exiv2::Value::create(Exiv2::IptcDataSets::dataSetType(dataset, Exiv2::IptcDataSets::application2)).release());
+            if (value->read(item.toStdString()) != 0) continue;
+            b.iptc.add(key, value.get());
+            nonAscii |= !isAscii(item);
+        }
+        // IIM texts are Latin-1 unless the envelope says UTF-8.
+        const Exiv2::IptcKey charset("Iptc.Envelope.CharacterSet");
+        if (nonAscii && b.iptc.findKey(charset) == b.iptc.end()) b.iptc[charset.key()] = std::string("\x1b%G");
+    }
+
+    void contact(const PropertyDict& old, const QVariant& wish) {
+        const PropertyDict fields = wish.toMap();
+        for (const auto& f : xmpContactFields()) {
+            const bool remove = isRemoval(wish) || (fields.contains(f.key) && isRemoval(fields.value(f.key)));
+            if (remove) {
+                eraseXmp(b.xmp, f.xmpKey);
+                continue;
+            }
+            if (!fields.contains(f.key) || fields.value(f.key) == old.value(f.key)) continue;
+            // A field needs its structure to exist before it.
+            const Exiv2::XmpKey parent("Xmp.iptc.CreatorContactInfo");
+            if (b.xmp.findKey(parent) == b.xmp.end()) {
+                Exiv2::XmpTextValue structure;
+                structure.setXmpStruct();
+                b.xmp.add(parent, &structure);
+            }
+            setXmp(b.xmp, f.xmpKey, {textOf(fields.value(f.key))}, false);
+        }
+    }
+
+    void orientation(const QVariant& v) {
+        const Exiv2::ExifKey key("Exif.Image.Orientation");
+        if (isRemoval(v)) {
+            eraseExif(b.exif, key);
+            eraseXmp(b.xmp, "Xmp.tiff.Orientation");
+            return;
+        }
+        const auto n = numbersOf(v);
+        if (n.isEmpty() || QVariant(qint64(n.first())) == before.value(kCGImagePropertyOrientation)) return;
+        b.exif[key.key()] = uint16_t(std::clamp<qint64>(qint64(n.first()), 1, 8));
+        if (hasXmp(b.xmp, "Xmp.tiff.Orientation")) setXmp(b.xmp, "Xmp.tiff.Orientation", {QString::number(qint64(n.first()))}, false);
+    }
+
+    static bool allRemoved(const QVariant& group) {
+        if (isRemoval(group)) return true;
+        const PropertyDict dict = group.toMap();
+        if (dict.isEmpty()) return false;
+        for (const QVariant& v : dict)
+            if (!isRemoval(v)) return false;
+        return true;
+    }
+};
+
+}  // namespace
+
+void applyChanges(const PropertyDict& before, const PropertyDict& changes, MetadataBlocks blocks) {
+    Editor e{before, blocks};
+    for (auto it = changes.begin(); it != changes.end(); ++it) {
+        const QString& k = it.key();
+        if (k == kCGImagePropertyExifDictionary)
+            e.exifGroup(kCGImagePropertyExifDictionary, "Photo", exifTagKeys(), it.value());
+        else if (k == kCGImagePropertyTIFFDictionary)
+            e.exifGroup(kCGImagePropertyTIFFDictionary, "Image", tiffTagKeys(), it.value());
+        else if (k == kCGImagePropertyGPSDictionary)
+            e.gpsGroup(it.value());
+        else if (k == kCGImagePropertyIPTCDictionary)
+            e.iptcGroup(it.value());
+        else if (k == kCGImagePropertyOrientation)
+            e.orientation(it.value());
+        else if (k.startsWith(QLatin1String("{Maker")) && Editor::allRemoved(it.value()))
+            eraseExifIf(blocks.exif, [](const Exiv2::Exifdatum& d) {
+                return Exiv2::ExifTags::isMakerGroup(d.groupName()) || d.groupName() == "MakerNote" ||
+                       d.key() == "Exif.Photo.MakerNote";
+            });
+        else if (k == kCGImagePropertyExifAuxDictionary && Editor::allRemoved(it.value()))
+            eraseXmpIf(blocks.xmp, [](const std::string& key) { return key.rfind("Xmp.aux.", 0) == 0; });
+    }
+}
+
+}  // namespace imageio

@@ -1,0 +1,80 @@
+#include "Exiv2Convert.h"
+#include "HeifRewriter.h"
+#include "ImageWriter.h"
+#include "MetadataEdit.h"
+
+#include <exiv2/exiv2.hpp>
+
+// exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+
+namespace imageio {
+namespace {
+
+std::optional<QByteArray> fail(QString* error, const QString& reason) {
+    if (error) *error = reason;
+    return std::nullopt;
+}
+
+// JPEG, TIFF and the TIFF-based raws, PNG, WebP: exiv2 rewrites the metadata segments and
+// chunks and copies the coded image.
+std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format, const PropertyDict& before,
+                                         const PropertyDict& changes, QString* error) {
+    initExiv2();
+    // exiv2 updates a TIFF in place where it can, so it works on a copy of its own: the source
+    // may be a read-only mapping of the original file.
+    Exiv2::BasicIo::AutoPtr copy(new Exiv2::MemIo);
+    if (copy->write(reinterpret_cast<const Exiv2::byte*>(source.constData()), long(source.size())) != long(source.size()))
+        return fail(error, QStringLiteral("out of memory"));
+    Exiv2::Image::AutoPtr image = Exiv2::ImageFactory::open(copy);
+    if (!image.get() || Exiv2::ImageFactory::checkMode(image->imageType(), Exiv2::mdExif) != Exiv2::amReadWrite)
+        return fail(error, QStringLiteral("can't write metadata into this kind of %1 file").arg(formatName(format)));
+    image->readMetadata();
+    MetadataBlocks blocks{image->exifData(), image->iptcData(), image->xmpData()};
+    blocks.writeIim = format == Format::Jpeg || !image->iptcData().empty();
+    blocks.keepImageStructure = format == Format::Tiff;
+    applyChanges(before, changes, blocks);
+    image->writeMetadata();
+    Exiv2::BasicIo& io = image->io();
+    if (io.open() != 0) return fail(error, QStringLiteral("the new file could not be made"));
+    QByteArray out(qsizetype(io.size()), Qt::Uninitialized);
+    const long got = io.read(reinterpret_cast<Exiv2::byte*>(out.data()), long(out.size()));
+    io.close();
+    if (got != long(out.size())) return fail(error, QStringLiteral("the new file could not be made"));
+    return out;
+}
+
+}  // namespace
+
+bool canWrite(Format format) {
+    switch (format) {
+    case Format::Jpeg: case Format::Tiff: case Format::Png: case Format::WebP: case Format::Heif: case Format::Avif:
+        return true;
+    default:
+        return false;
+    }
+}
+
+std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& changes, QString* error) {
+    const Format format = detectFormat(source);
+    if (!canWrite(format)) {
+        return fail(error, format == Format::Unknown ? QStringLiteral("not an image format that can be written")
+                                                     : QStringLiteral("can't write metadata into %1 files").arg(formatName(format)));
+    }
+    QString reason;
+    const auto before = readProperties(source, &reason);
+    if (!before) return fail(error, reason);
+    std::optional<QByteArray> out;
+    try {
+        out = format == Format::Heif || format == Format::Avif ? rewriteHeif(source, *before, changes, error)
+                                                               : writeWithExiv2(source, format, *before, changes, error);
+    } catch (const std::exception& e) {
+        return fail(error, QString::fromLocal8Bit(e.what()));
+    }
+    if (!out) return out;
+    // What we hand out must read back; a file we'd make unreadable is refused instead.
+    if (!readProperties(*out, &reason)) return fail(error, QStringLiteral("the new file does not read back: ") + reason);
+    return out;
+}
+
+}  // namespace imageio
