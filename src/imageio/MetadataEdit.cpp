@@ -408,10 +408,50 @@ struct Editor {
 
 }  // namespace
 
+// A group whose every tag is to go takes with it the tags we have no key for (Windows XP
+// texts, private fields) and its XMP namespaces, so that "no tags" leaves none behind.
+static void eraseWholeGroup(const QString& group, MetadataBlocks& b) {
+    auto xmpPrefixes = [&](std::initializer_list<const char*> prefixes) {
+        eraseXmpIf(b.xmp, [&](const std::string& key) {
+            for (const char* p : prefixes)
+                if (key.rfind(p, 0) == 0) return true;
+            return false;
+        });
+    };
+    if (group == kCGImagePropertyExifDictionary) {
+        eraseExifIf(b.exif, [](const Exiv2::Exifdatum& d) { return d.groupName() == "Photo" && d.tag() != 0x927c; });
+        xmpPrefixes({"Xmp.exif.", "Xmp.exifEX."});
+    } else if (group == kCGImagePropertyTIFFDictionary) {
+        eraseExifIf(b.exif, [&](const Exiv2::Exifdatum& d) {
+            // The pointers to the other directories are exiv2's to manage.
+            return d.groupName() == "Image" && d.tag() != 0x8769 && d.tag() != 0x8825 && d.tag() != 0x014a &&
+                   !(b.keepImageStructure && (isStructural(d.tag()) || d.tag() < 0x0103 || d.tag() == 0x0111 ||
+                                              d.tag() == 0x0115 || d.tag() == 0x0116 || d.tag() == 0x0117 ||
+                                              d.tag() == 0x011c || d.tag() == 0x013d || d.tag() == 0x0152 ||
+                                              (d.tag() >= 0x0144 && d.tag() <= 0x0145) || d.tag() >= 0xc612));
+        });
+        xmpPrefixes({"Xmp.tiff.", "Xmp.xmp."});
+    } else if (group == kCGImagePropertyIPTCDictionary) {
+        b.iptc.clear();
+        xmpPrefixes({"Xmp.dc.", "Xmp.photoshop.", "Xmp.iptc.", "Xmp.iptcExt.", "Xmp.xmpRights."});
+    }
+}
+
 void applyChanges(const PropertyDict& before, const PropertyDict& changes, MetadataBlocks blocks) {
     Editor e{before, blocks};
+    // A dictionary that removes every entry removes the XMP and IPTC blocks whole, with the
+    // fields no key names.
+    bool everything = !changes.isEmpty();
+    for (const QVariant& v : changes) everything = everything && Editor::allRemoved(v);
+    if (everything) {
+        blocks.xmp.clear();
+        blocks.iptc.clear();
+    }
     for (auto it = changes.begin(); it != changes.end(); ++it) {
         const QString& k = it.key();
+        if ((k == kCGImagePropertyExifDictionary || k == kCGImagePropertyTIFFDictionary ||
+             k == kCGImagePropertyIPTCDictionary) && Editor::allRemoved(it.value()))
+            eraseWholeGroup(k, blocks);
         if (k == kCGImagePropertyExifDictionary)
             e.exifGroup(kCGImagePropertyExifDictionary, "Photo", exifTagKeys(), it.value());
         else if (k == kCGImagePropertyTIFFDictionary)

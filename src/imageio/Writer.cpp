@@ -16,6 +16,28 @@ std::optional<QByteArray> fail(QString* error, const QString& reason) {
     return std::nullopt;
 }
 
+// exiv2 0.27 keeps a WebP file's old XMP chunk when the new XMP is empty; the chunk and its flag
+// in the extended header are taken out here.
+QByteArray withoutWebPXmp(const QByteArray& webp) {
+    auto le32 = [&](qsizetype at) {
+        return uint32_t(uint8_t(webp[at])) | uint32_t(uint8_t(webp[at + 1])) << 8 |
+               uint32_t(uint8_t(webp[at + 2])) << 16 | uint32_t(uint8_t(webp[at + 3])) << 24;
+    };
+    QByteArray out = webp.left(12);
+    for (qsizetype at = 12; at + 8 <= webp.size();) {
+        const qsizetype size = 8 + qsizetype(le32(at + 4)) + (le32(at + 4) & 1);
+        if (size > webp.size() - at) return webp;  // not a layout we know: leave it
+        const QByteArray id = webp.mid(at, 4);
+        QByteArray chunk = webp.mid(at, size);
+        if (id == "VP8X" && chunk.size() > 8) chunk[8] = char(uint8_t(chunk[8]) & ~0x04);
+        if (id != "XMP ") out += chunk;
+        at += size;
+    }
+    const uint32_t riff = uint32_t(out.size() - 8);
+    for (int i = 0; i < 4; ++i) out[4 + i] = char(riff >> (8 * i) & 0xff);
+    return out;
+}
+
 // JPEG, TIFF and the TIFF-based raws, PNG, WebP: exiv2 rewrites the metadata segments and
 // chunks and copies the coded image.
 std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format, const PropertyDict& before,
@@ -41,6 +63,7 @@ std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format
     const long got = io.read(reinterpret_cast<Exiv2::byte*>(out.data()), long(out.size()));
     io.close();
     if (got != long(out.size())) return fail(error, QStringLiteral("the new file could not be made"));
+    if (format == Format::WebP && image->xmpData().empty()) return withoutWebPXmp(out);
     return out;
 }
 
