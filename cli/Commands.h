@@ -11,6 +11,7 @@ int infoCommand(const QStringList& args);
 int summaryCommand(const QStringList& args);
 int tagsCommand(const QStringList& args);
 int locationCommand(const QStringList& args);
+int placeCommand(const QStringList& args);
 // Photos are edited here; movie files go, with the same wishes and target, to the movie editor
 // that registers itself with setMovieEditor (its arguments: the options, then the movie files).
 int editCommand(const QStringList& args);

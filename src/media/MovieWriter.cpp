@@ -252,8 +252,10 @@ private:
         placed = true;
         QByteArray payload;
         if (fullBox) payload += b_.mid(meta.payload(), 4);
+        // The handler first, as readers expect it; then the other children as they were.
+        payload += raw(*findFirst(list, fourcc("hdlr")));
         for (const Atom& child : list.atoms) {
-            if (child.type == fourcc("keys") || child.type == fourcc("ilst")) continue;
+            if (child.type == fourcc("keys") || child.type == fourcc("ilst") || child.type == fourcc("hdlr")) continue;
             payload += raw(child);
         }
         payload += mdta ? detail::keysAndItemList(mdta_) : detail::iTunesItemList(itsk_);

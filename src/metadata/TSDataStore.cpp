@@ -3,6 +3,7 @@
 #include "Formatter.h"
 #include "HRLocation.h"
 #include "Log.h"
+#include "PlaceLookup.h"
 #include "PropertyKeys.h"
 #include "Settings.h"
 #include "TSMeanings.h"
@@ -123,6 +124,13 @@ void TSDataStore::fillLocation(const TSMetaData& md) {
     locations.dict["GPS"] = loc;
     locationSource = DataSource::fromExif;
     location = loc;
+    startPlaceLookup(loc);
+}
+
+void TSDataStore::startPlaceLookup(const GeoLocation& loc) {
+    std::weak_ptr<TSDataStore> self = weak_from_this();
+    if (self.expired()) return;  // a store on its own, not an item's: nobody to show a place to
+    placelookup::start(loc, std::move(self));
 }
 
 void TSDataStore::fillSizes(const TSMetaData& md) {
@@ -282,6 +290,7 @@ void TSDataStore::setAssetLocation(const std::optional<GeoLocation>& loc) {
     locations.dict["Asset"] = *loc;
     location = *loc;
     locationSource = DataSource::fromAsset;
+    startPlaceLookup(*loc);
 }
 
 TSDataStore::Subtypes TSDataStore::mediaSubtypes() const {

@@ -40,7 +40,9 @@ public:
     virtual void dataChanged() = 0;
 };
 
-class TSDataStore {
+// Held by a shared pointer wherever a place look-up may start, so that the look-up can hold
+// it weakly and drop its answer when the item is gone.
+class TSDataStore : public std::enable_shared_from_this<TSDataStore> {
 public:
     QHash<TSKey, std::optional<QString>> datas;
     bool completed = false;
@@ -96,6 +98,7 @@ private:
     bool datesDisagree() const;
     bool locationsDisagree() const;
     void tellDisplayer();
+    void startPlaceLookup(const GeoLocation& location);
     void fillDates(const TSMetaData& md);
     void fillLocation(const TSMetaData& md);
     void fillSizes(const TSMetaData& md);

@@ -1,0 +1,39 @@
+#pragma once
+// The geocoding service of the program: the offline place data, and the online service when
+// the user has given one. Requests run on GeocoderActor; answers come back to the thread that
+// made the Geocoder. When the online service fails, is slow to connect or is off, the offline
+// answer stands.
+#include "GeocodingService.h"
+#include "PlaceIndex.h"
+
+#include <QPointer>
+#include <functional>
+#include <memory>
+
+class Geocoder final : public GeocodingService {
+public:
+    using IndexSource = std::function<std::shared_ptr<const PlaceIndex>()>;
+    // `onlineURL` is asked at each request; an empty text means offline only. The place data
+    // is fetched from `index` on the worker, so that loading it never holds up the caller.
+    explicit Geocoder(std::function<QString()> onlineURL = {}, IndexSource index = &PlaceIndex::shared);
+    ~Geocoder() override;
+
+    void reverseGeocode(const GeoLocation& location, Completion completion) override;
+    bool isGeocoding() const override { return busy_; }
+    void cancelGeocode() override;
+
+    // Places by name, best first (PlaceIndex::search), on the worker; the completion runs on
+    // the thread that made the Geocoder.
+    void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion);
+
+private:
+    struct Shared;
+    void deliver(quint64 id, const GeocodeResult& result);
+
+    std::shared_ptr<Shared> shared_;
+    std::function<QString()> onlineURL_;
+    IndexSource index_;
+    quint64 current_ = 0;
+    bool busy_ = false;
+    Completion completion_;
+};

@@ -1,0 +1,202 @@
+#include "Geocoder.h"
+#include "GeocoderActor.h"
+#include "NominatimProvider.h"
+
+#include <gtest/gtest.h>
+
+#include <QEventLoop>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
+#include <QTimer>
+
+#include <atomic>
+
+namespace {
+
+// Runs the event loop until the completion has run (or 10 s have passed).
+struct Answer {
+    std::optional<GeocodeResult> result;
+    QThread* thread = nullptr;
+    GeocodingService::Completion completion() {
+        return [this](const GeocodeResult& r) {
+            result = r;
+            thread = QThread::currentThread();
+        };
+    }
+    bool wait() {
+        QEventLoop loop;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
+            if (result) loop.quit();
+        });
+        tick.start(1);
+        QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
+        if (!result) loop.exec();
+        return result.has_value();
+    }
+};
+
+QString locality(const GeocodeResult& r) { return r.placemarks.isEmpty() ? QString() : r.placemarks.first().locality.value_or(""); }
+
+// A one-answer HTTP server on the loopback address, standing in for a Nominatim service.
+class FakeNominatim {
+public:
+    FakeNominatim(QByteArray status, QByteArray body) {
+        server_.listen(QHostAddress::LocalHost, 0);
+        QObject::connect(&server_, &QTcpServer::newConnection, [this, status, body] {
+            QTcpSocket* s = server_.nextPendingConnection();
+            QObject::connect(s, &QTcpSocket::readyRead, s, [this, s, status, body] {
+                request_ += s->readAll();
+                if (!request_.contains("\r\n\r\n")) return;
+                s->write("HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\nConnection: close\r\nContent-Length: " +
+                         QByteArray::number(body.size()) + "\r\n\r\n" + body);
+                s->disconnectFromHost();
+            });
+        });
+    }
+    QString url() const { return QStringLiteral("http://127.0.0.1:%1/nominatim").arg(server_.serverPort()); }
+    const QByteArray& request() const { return request_; }
+
+private:
+    QTcpServer server_;
+    QByteArray request_;
+};
+
+const QByteArray romeAnswer = R"({"place_id":1,"lat":"41.8897","lon":"12.4694","address":{"house_number":"7",
+    "road":"Piazza di Santa Maria in Trastevere","suburb":"Trastevere","city":"Roma","state":"Lazio",
+    "postcode":"00153","country":"Italia","country_code":"it"}})";
+
+}  // namespace
+
+TEST(Geocoder, AnswersOnTheAskingThreadWithWorkDoneOnTheActor) {
+    std::atomic<QThread*> worker{nullptr};
+    Geocoder g({}, [&] {
+        worker = QThread::currentThread();
+        return PlaceIndex::shared();
+    });
+    Answer a;
+    g.reverseGeocode(GeoLocation(43.46745, 11.88513), a.completion());
+    EXPECT_TRUE(g.isGeocoding());
+    ASSERT_TRUE(a.wait());
+    EXPECT_FALSE(g.isGeocoding());
+    EXPECT_FALSE(a.result->error);
+    EXPECT_EQ(locality(*a.result), "Arezzo");
+    EXPECT_EQ(a.thread, QThread::currentThread());
+    EXPECT_NE(worker.load(), QThread::currentThread());
+    EXPECT_NE(worker.load(), nullptr);
+
+    Answer sea;
+    g.reverseGeocode(GeoLocation(30, -40), sea.completion());
+    ASSERT_TRUE(sea.wait());
+    EXPECT_FALSE(sea.result->error);
+    EXPECT_TRUE(sea.result->placemarks.isEmpty());
+}
+
+TEST(Geocoder, CancelAndNewerRequestsEndTheRunningOne) {
+    Geocoder g;
+    Answer first, second, third;
+    g.reverseGeocode(GeoLocation(41.8897, 12.4694), first.completion());
+    g.cancelGeocode();
+    EXPECT_FALSE(g.isGeocoding());
+    g.reverseGeocode(GeoLocation(48.8530, 2.3499), second.completion());
+    g.reverseGeocode(GeoLocation(51.5080, -0.1281), third.completion());  // overtakes the second
+    ASSERT_TRUE(third.wait());
+    ASSERT_TRUE(first.wait());
+    ASSERT_TRUE(second.wait());
+    EXPECT_TRUE(first.result->cancelled);
+    EXPECT_TRUE(first.result->error);
+    EXPECT_TRUE(second.result->cancelled);
+    EXPECT_FALSE(third.result->error);
+    EXPECT_EQ(locality(*third.result), "London");
+    g.cancelGeocode();  // idle: nothing happens
+    EXPECT_FALSE(g.isGeocoding());
+}
+
+TEST(Geocoder, FailsWithoutPlaceData) {
+    Geocoder g({}, [] { return std::shared_ptr<const PlaceIndex>(); });
+    Answer a;
+    g.reverseGeocode(GeoLocation(41.8897, 12.4694), a.completion());
+    ASSERT_TRUE(a.wait());
+    EXPECT_TRUE(a.result->error);
+    EXPECT_FALSE(a.result->cancelled);
+}
+
+TEST(Geocoder, SearchesOnTheActor) {
+    Geocoder g;
+    std::optional<QList<PlaceMatch>> found;
+    g.search("Arezzo", 3, [&](const QList<PlaceMatch>& m) { found = m; });
+    QEventLoop loop;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
+        if (found) loop.quit();
+    });
+    tick.start(1);
+    QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
+    loop.exec();
+    ASSERT_TRUE(found);
+    ASSERT_FALSE(found->isEmpty());
+    EXPECT_EQ(found->first().placemark.locality, QString("Arezzo"));
+}
+
+TEST(Geocoder, OnlineAnswerGivesTheStreetAddress) {
+    FakeNominatim server("200 OK", romeAnswer);
+    Geocoder g([&] { return server.url(); });
+    Answer a;
+    g.reverseGeocode(GeoLocation(41.8897, 12.4694), a.completion());
+    ASSERT_TRUE(a.wait());
+    ASSERT_FALSE(a.result->error);
+    ASSERT_EQ(a.result->placemarks.size(), 1);
+    const Placemark& p = a.result->placemarks.first();
+    EXPECT_EQ(p.thoroughfare, QString("Piazza di Santa Maria in Trastevere"));
+    EXPECT_EQ(p.subThoroughfare, QString("7"));
+    EXPECT_EQ(p.subLocality, QString("Trastevere"));
+    EXPECT_EQ(p.locality, QString("Roma"));
+    EXPECT_EQ(p.postalCode, QString("00153"));
+    EXPECT_EQ(p.ISOcountryCode, QString("IT"));
+    EXPECT_TRUE(server.request().startsWith("GET /nominatim/reverse?format=jsonv2&lat=41.8897000&lon=12.4694000&addressdetails=1 "))
+        << server.request().toStdString();
+    EXPECT_TRUE(server.request().contains("User-Agent:"));
+}
+
+TEST(Geocoder, OfflineAnswerStandsWhenTheOnlineServiceFails) {
+    FakeNominatim broken("500 Internal Server Error", "{}");
+    Geocoder g([&] { return broken.url(); });
+    Answer a;
+    g.reverseGeocode(GeoLocation(43.46745, 11.88513), a.completion());
+    ASSERT_TRUE(a.wait());
+    EXPECT_FALSE(a.result->error);
+    EXPECT_EQ(locality(*a.result), "Arezzo");
+
+    FakeNominatim sea("200 OK", R"({"error":"Unable to geocode"})");
+    Geocoder g2([&] { return sea.url(); });
+    Answer b;
+    g2.reverseGeocode(GeoLocation(43.46745, 11.88513), b.completion());
+    ASSERT_TRUE(b.wait());
+    EXPECT_EQ(locality(*b.result), "Arezzo");
+
+    // Nobody listens on this port.
+    quint16 closed;
+    {
+        QTcpServer s;
+        s.listen(QHostAddress::LocalHost, 0);
+        closed = s.serverPort();
+    }
+    Geocoder g3([&] { return QStringLiteral("http://127.0.0.1:%1").arg(closed); });
+    Answer c;
+    g3.reverseGeocode(GeoLocation(43.46745, 11.88513), c.completion());
+    ASSERT_TRUE(c.wait());
+    EXPECT_EQ(locality(*c.result), "Arezzo");
+}
+
+TEST(Nominatim, ReadsAnswersAndRefusesErrors) {
+    EXPECT_FALSE(nominatim::parseReverse(R"({"error":"Unable to geocode"})"));
+    EXPECT_FALSE(nominatim::parseReverse("not json"));
+    EXPECT_FALSE(nominatim::parseReverse(R"({"address":{}})"));
+    const auto village = nominatim::parseReverse(R"({"address":{"village":"Azoia","county":"Sintra","state":"Lisboa","country":"Portugal","country_code":"pt"}})");
+    ASSERT_TRUE(village);
+    EXPECT_EQ(village->locality, QString("Azoia"));
+    EXPECT_EQ(village->administrativeArea, QString("Lisboa"));
+    EXPECT_EQ(village->ISOcountryCode, QString("PT"));
+    EXPECT_FALSE(village->thoroughfare);
+}

@@ -1,0 +1,167 @@
+#include "PlaceLookup.h"
+#include "PropertyKeys.h"
+#include "TSDataStore.h"
+#include "TSGeocoder.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <QSettings>
+#include <QTemporaryDir>
+
+namespace {
+
+// Answers by hand, so that the test decides what happens while a look-up waits.
+class HandGeocoder : public GeocodingService {
+public:
+    int requests = 0;
+    void reverseGeocode(const GeoLocation&, Completion completion) override {
+        ++requests;
+        running_ = std::move(completion);
+    }
+    bool isGeocoding() const override { return bool(running_); }
+    void cancelGeocode() override { finish({{}, QStringLiteral("cancelled"), true}); }
+    void answer(const QString& locality) {
+        Placemark p;
+        p.locality = locality;
+        p.country = "Italy";
+        p.ISOcountryCode = "IT";
+        finish({{p}, std::nullopt, false});
+    }
+
+private:
+    void finish(const GeocodeResult& r) {
+        if (!running_) return;
+        Completion c = std::move(running_);
+        running_ = nullptr;
+        QMetaObject::invokeMethod(qApp, [c, r] { c(r); }, Qt::QueuedConnection);
+    }
+    Completion running_;
+};
+
+struct CountingDisplay : Displayer {
+    int changes = 0;
+    void dataChanged() override { ++changes; }
+};
+
+void settle() {
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+}
+
+QVariantMap arezzoGps() {
+    return {{kCGImagePropertyGPSDictionary,
+             QVariantMap{{kCGImagePropertyGPSLatitude, 43.46745}, {kCGImagePropertyGPSLatitudeRef, "N"},
+                         {kCGImagePropertyGPSLongitude, 11.88513}, {kCGImagePropertyGPSLongitudeRef, "E"}}}};
+}
+
+class PlaceLookup : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        static int argc = 1;
+        static char name[] = "metadata_tests";
+        static char* argv[] = {name, nullptr};
+        if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);  // lives as long as the tests
+    }
+    void SetUp() override {
+        ASSERT_TRUE(dir_.isValid());
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
+        geocoder = std::make_shared<HandGeocoder>();
+        TSGeocoder::setGeocoder(geocoder);
+        display = std::make_shared<CountingDisplay>();
+        store = std::make_shared<TSDataStore>();
+        store->displayDelegate = display;
+    }
+    void TearDown() override {
+        placelookup::setActualIndexSource({});
+        TSGeocoder::setGeocoder(nullptr);
+    }
+    QTemporaryDir dir_;
+    std::shared_ptr<HandGeocoder> geocoder;
+    std::shared_ptr<CountingDisplay> display;
+    std::shared_ptr<TSDataStore> store;
+};
+
+}  // namespace
+
+TEST_F(PlaceLookup, FillStartsItAndTheAnswerBecomesTheLocationRow) {
+    store->fill(TSMetaData::fromProperties(arezzoGps()));
+    const QString degrees = store->value(TSKey::EXIF_LOCATION).first;
+    EXPECT_TRUE(degrees.contains("43°")) << degrees.toStdString();
+    EXPECT_EQ(geocoder->requests, 0);  // in a task of its own: not during fill
+    settle();
+    EXPECT_EQ(geocoder->requests, 1);
+    EXPECT_EQ(placelookup::running(), 1);
+    geocoder->answer("Arezzo");
+    settle();
+    EXPECT_EQ(placelookup::running(), 0);
+    EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
+    ASSERT_TRUE(store->placemark);
+    EXPECT_EQ(store->placemark->locality, QString("Arezzo"));
+    EXPECT_GE(display->changes, 2);  // once for the rows, once for the place
+}
+
+TEST_F(PlaceLookup, AnItemLocationGoesToTheFileLocationRow) {
+    store->setAssetLocation(GeoLocation(43.46745, 11.88513));
+    settle();
+    geocoder->answer("Arezzo");
+    settle();
+    EXPECT_EQ(store->datas.value(TSKey::FILE_LOCATION), QString("Arezzo, Italy (IT)"));
+    EXPECT_FALSE(store->datas.contains(TSKey::EXIF_LOCATION));
+}
+
+TEST_F(PlaceLookup, WithoutADisplayNothingIsAsked) {
+    store->displayDelegate.reset();
+    store->fill(TSMetaData::fromProperties(arezzoGps()));
+    settle();
+    EXPECT_EQ(geocoder->requests, 0);
+    EXPECT_EQ(placelookup::running(), 0);
+    EXPECT_TRUE(placelookup::waitForAll(10));
+}
+
+TEST_F(PlaceLookup, AStoreOnItsOwnStartsNoLookup) {
+    TSDataStore alone;  // not held by a shared pointer: nobody could be told
+    alone.displayDelegate = display;
+    alone.fill(TSMetaData::fromProperties(arezzoGps()));
+    settle();
+    EXPECT_EQ(geocoder->requests, 0);
+}
+
+TEST_F(PlaceLookup, AnAnswerForAPageTheUserLeftIsDropped) {
+    int page = 3;
+    placelookup::setActualIndexSource([&] { return page; });
+    store->fill(TSMetaData::fromProperties(arezzoGps()));
+    settle();
+    ASSERT_EQ(geocoder->requests, 1);
+    page = 4;
+    geocoder->answer("Arezzo");
+    settle();
+    EXPECT_FALSE(store->placemark);
+    EXPECT_NE(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
+    EXPECT_EQ(placelookup::running(), 0);
+    // The place is cached all the same: coming back shows it at once.
+    page = 3;
+    placelookup::start(GeoLocation(43.46745, 11.88513), store);
+    settle();
+    EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
+    EXPECT_EQ(geocoder->requests, 1);
+}
+
+TEST_F(PlaceLookup, AnAnswerForAStoreThatIsGoneIsDropped) {
+    store->fill(TSMetaData::fromProperties(arezzoGps()));
+    settle();
+    std::weak_ptr<TSDataStore> weak = store;
+    store.reset();  // the item was let go while the geocoder worked
+    EXPECT_TRUE(weak.expired());
+    geocoder->answer("Arezzo");
+    settle();
+    EXPECT_EQ(placelookup::running(), 0);
+}
+
+TEST_F(PlaceLookup, WaitForAllRunsTheEventLoopUntilTheAnswer) {
+    store->fill(TSMetaData::fromProperties(arezzoGps()));
+    QMetaObject::invokeMethod(qApp, [&] { QMetaObject::invokeMethod(qApp, [&] { geocoder->answer("Arezzo"); }, Qt::QueuedConnection); },
+                              Qt::QueuedConnection);
+    EXPECT_TRUE(placelookup::waitForAll(5000));
+    EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
+}
