@@ -6,6 +6,7 @@
 #include "Settings.h"
 #include "TSAsset.h"
 #include "TSMetaDictionay.h"
+#include "TSMetaVideo.h"
 
 #include <functional>
 
@@ -71,8 +72,10 @@ int tagsCommand(const QStringList& args) {
     return forEachFile(
         files,
         [&](TSAsset& a) {
-            const TSMetaDictionay dict(a.metaData());
-            return json ? dict.jsonText() : raw ? dict.rawText() : dict.allText();
+            std::unique_ptr<TSMetaDictProtocol> dict;
+            if (a.isVideo() && a.metaVideo() && a.ddStore().completed) dict = std::make_unique<TSMetaVideoDictionary>(a.metaVideo());
+            else dict = std::make_unique<TSMetaDictionay>(a.metaData());
+            return json ? dict->jsonText() : raw ? dict->rawText() : dict->allText();
         },
         files.size() > 1);
 }

@@ -2,6 +2,7 @@
 
 #include "FileBytes.h"
 #include "ImageProperties.h"
+#include "MovieReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -41,6 +42,38 @@ QJsonValue toJson(const QVariant& v) {
     }
 }
 
+// What the movie reader gives, in the shape of a property dictionary.
+QJsonObject movieProperties(const media::MovieInfo& movie, qint64 fileSize) {
+    QJsonObject out{{"FileSize", fileSize}, {"Container", movie.containerName}};
+    if (movie.duration) out.insert("Duration", *movie.duration);
+    QJsonArray tracks;
+    for (const media::Track& t : movie.tracks) {
+        QJsonObject track{{"TrackID", t.trackID}, {"MediaType", t.mediaType}};
+        QJsonArray formats;
+        for (const auto& f : t.formatDescriptions) formats.append(f.mediaType + "/" + f.mediaSubtype);
+        track.insert("FormatDescriptions", formats);
+        if (t.naturalSize) {
+            track.insert("NaturalWidth", t.naturalSize->width());
+            track.insert("NaturalHeight", t.naturalSize->height());
+            const QTransform& m = t.preferredTransform;
+            track.insert("PreferredTransform", QJsonArray{m.m11(), m.m12(), m.m21(), m.m22(), m.dx(), m.dy()});
+        }
+        if (t.nominalFrameRate) track.insert("NominalFrameRate", *t.nominalFrameRate);
+        tracks.append(track);
+    }
+    out.insert("Tracks", tracks);
+    QJsonArray items;
+    for (const media::MetadataItem& i : movie.metadata) {
+        QJsonObject item{{"KeySpace", i.keySpace}, {"Identifier", i.identifier}, {"DataType", qint64(i.dataType)},
+                         {"Value", toJson(i.value)}};
+        if (!i.commonKey.isEmpty()) item.insert("CommonKey", i.commonKey);
+        items.append(item);
+    }
+    out.insert("Metadata", items);
+    out.insert("MetadataFormats", QJsonArray::fromStringList(movie.availableMetadataFormats()));
+    return out;
+}
+
 }  // namespace
 
 int propsCommand(const QStringList& args) {
@@ -55,7 +88,13 @@ int propsCommand(const QStringList& args) {
         imageio::FileBytes file;
         QString error;
         if (file.open(path, &error)) {
-            if (auto props = imageio::readProperties(file.bytes(), &error)) entry.insert("properties", toJson(*props));
+            // Movies go to the movie reader, never to the image reader.
+            if (imageio::detectFormat(file.bytes()) == imageio::Format::Movie) {
+                if (auto movie = media::readMovie(file.bytes(), &error))
+                    entry.insert("properties", movieProperties(*movie, file.bytes().size()));
+            } else if (auto props = imageio::readProperties(file.bytes(), &error)) {
+                entry.insert("properties", toJson(*props));
+            }
         }
         if (!entry.contains("properties")) {
             entry.insert("error", error);

@@ -1,7 +1,9 @@
 #include "TSAsset.h"
 
 #include "FileTypes.h"
+#include "ImageProperties.h"
 #include "Log.h"
+#include "VideoLoading.h"
 
 #include <QFileInfo>
 
@@ -22,8 +24,27 @@ TSAsset::TSAsset(const QString& path, std::weak_ptr<Displayer> delegate) : path_
     }
     const QByteArray& bytes = file_.bytes();
     Log::debug("file length: " + QString::number(bytes.size()), "init(from:delegate:)");
+    // A movie by its bytes is a movie whatever its name says.
+    if (!isVideo() && imageio::detectFormat(bytes) == imageio::Format::Movie) ddStore().mediaType = MediaType::video;
     // Movies have no image properties; their rows come from the movie reader.
     if (!bytes.isEmpty() && !isVideo()) metaData_ = TSMetaData(bytes);
     ddStore_->set(TSKey::FILE_SIZE, bytes.isEmpty() ? QStringLiteral("0") : filetypes::fileSizeText(bytes.size()));
     ddStore_->fill(metaData_);
+    if (isVideo()) loadVideo();
+}
+
+void TSAsset::loadVideo() {
+    QString error;
+    video_ = media::readMovie(file_.bytes(), &error);
+    if (!video_) Log::warning("🎥 " + path_ + ": " + error, "video load");
+    metaVideo_ = videoload::load(ddStore(), video_);
+}
+
+QImage TSAsset::firstFrame(const QString& path) {
+    imageio::FileBytes file;
+    if (!file.open(path)) return {};
+    QString error;
+    QImage image = media::firstFrame(file.bytes(), &error);
+    if (image.isNull()) Log::warning("🎥 first frame of " + path + ": " + error, "firstFrame(url:)");
+    return image;
 }

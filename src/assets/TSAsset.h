@@ -1,9 +1,12 @@
 #pragma once
 // The one item on view: here a picked file, with its bytes, its metadata record and its rows.
 #include "FileBytes.h"
+#include "MovieReader.h"
 #include "TSDataStore.h"
 #include "TSMetaData.h"
+#include "TSMetaVideo.h"
 
+#include <QImage>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -25,6 +28,12 @@ public:
     bool isVideo() const { return ddStore_->mediaType == MediaType::video; }
     // Why the file could not be read, when it could not.
     const std::optional<QString>& readError() const { return readError_; }
+    // The movie as the reader found it; nothing for a photo or a file that is no movie.
+    const std::optional<media::MovieInfo>& video() const { return video_; }
+    // A movie's tags by key space, there once its rows are final; nothing for a photo.
+    std::shared_ptr<const TSMetaVideo> metaVideo() const { return metaVideo_; }
+    // The first picture of a movie file, turned upright; a null image when there is none.
+    static QImage firstFrame(const QString& path);
 
 private:
     QString path_;
@@ -32,4 +41,9 @@ private:
     TSMetaData metaData_;
     std::shared_ptr<TSDataStore> ddStore_ = std::make_shared<TSDataStore>();
     std::optional<QString> readError_;
+    std::optional<media::MovieInfo> video_;
+    std::shared_ptr<TSMetaVideo> metaVideo_;
+
+    // The movie's rows, read at once: the reader touches only the header of a mapped file.
+    void loadVideo();
 };

@@ -36,7 +36,8 @@ QString boolText(std::optional<bool> b) { return b ? (*b ? "true" : "false") : "
 
 QString typeText(const QString& identifier) {
     if (identifier == "com.adobe.raw-image") return QStringLiteral("RAW");
-    if (!identifier.contains(u'.')) return identifier;
+    // Only a type identifier (reverse DNS, in lower case) is cut; a codec name like "H.264" stays.
+    if (!identifier.contains(u'.') || !identifier.front().isLower()) return identifier;
     QString last = identifier.section(u'.', -1).toUpper();
     if (last.endsWith("-IMAGE")) last.chop(6);
     return last;

@@ -107,5 +107,5 @@ private:
     void fillIptc(const TSMetaData& md, bool human);
 };
 
-// "JPEG" for "public.jpeg", "RAW" for "com.adobe.raw-image".
+// "JPEG" for "public.jpeg", "RAW" for "com.adobe.raw-image"; "H.264" stays "H.264".
 QString typeText(const QString& identifier);

@@ -146,6 +146,7 @@ TEST_F(DataStore, TypeTextAndScreenshots) {
     EXPECT_EQ(typeText("public.heic"), "HEIC");
     EXPECT_EQ(typeText("public.camera-raw-image"), "CAMERA-RAW");
     EXPECT_EQ(typeText("jpeg"), "jpeg");
+    EXPECT_EQ(typeText("H.264"), "H.264");
     TSDataStore s;
     s.set(TSKey::SUBTYPE, QString::number(MediaSubtype::photoScreenshot));
     s.fill(TSMetaData());

@@ -1,0 +1,123 @@
+// tessorin-cli edit, for movies: `edit` hands every movie file to this editor with its options.
+// A movie is written anew into the output folder, as "video_yyMMdd_HHmmss.mp4".
+#include "Commands.h"
+
+#include "Formatter.h"
+#include "HRLocation.h"
+#include "TSAsset.h"
+#include "VideoModifier.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <csignal>
+
+namespace {
+
+int usage(const QString& problem) {
+    printError("tessorin-cli edit: " + problem + "\n"
+               "usage for movies: tessorin-cli edit [--date \"yyyy:MM:dd HH:mm:ss\"] [--location TEXT]\n"
+               "                  [--no-date] [--no-location] [--no-tags] MOVIE... -o DIR\n");
+    return 2;
+}
+
+// What happened to one movie, for the line the run prints.
+QString changesText(const VideoWishes& w) {
+    if (w.noTags) return QStringLiteral("all tags removed");
+    QStringList out;
+    if (w.removeDate) out << QStringLiteral("date removed");
+    else if (w.date) out << "date " + Formatter::exifDateText(*w.date);
+    if (w.removeLocation) out << QStringLiteral("location removed");
+    else if (w.location) out << "location " + iso6709Text(*w.location);
+    return out.join(", ");
+}
+
+}  // namespace
+
+int videoEditCommand(const QStringList& args) {
+    VideoWishes wishes;
+    QString outputDir;
+    QStringList files, unsupported;
+    bool inPlace = false;
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        static const QStringList withValue{"--date", "--location", "-o", "--digitized-date", "--orientation", "--set", "--remove"};
+        QString value;
+        if (withValue.contains(a)) {
+            if (i + 1 >= args.size()) return usage(a + " needs a value");
+            value = args[++i];
+        }
+        if (a == "--date") {
+            wishes.date = Formatter::exifDate(value);
+            if (!wishes.date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
+        } else if (a == "--location") {
+            wishes.location = hrl::degreesLocation(value);
+            if (!wishes.location) wishes.location = hrl::decimalLocation(value);
+            if (!wishes.location) return usage("'" + value + "' is no location");
+        } else if (a == "-o") {
+            outputDir = value;
+        } else if (a == "--no-date") {
+            wishes.removeDate = true;
+        } else if (a == "--no-location") {
+            wishes.removeLocation = true;
+        } else if (a == "--no-tags") {
+            wishes.noTags = true;
+        } else if (a == "--in-place") {
+            inPlace = true;
+        } else if (a.startsWith('-')) {
+            unsupported << a;
+        } else {
+            files << a;
+        }
+    }
+    if (files.isEmpty()) return usage("no files given");
+    if (outputDir.isEmpty() && !inPlace) return usage("give -o DIR");
+    if (!outputDir.isEmpty() && !QFileInfo(outputDir).isDir()) return usage("no folder " + outputDir);
+    const bool anyWish = wishes.noTags || wishes.removeDate || wishes.removeLocation || wishes.date || wishes.location;
+
+    // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
+    std::signal(SIGXFSZ, SIG_IGN);
+    int status = 0;
+    for (const QString& path : files) {
+        // A movie can only be written anew, and only its date and place can change.
+        if (inPlace) {
+            printError(path + ": Video editing not available\n");
+            status = 1;
+            continue;
+        }
+        if (!unsupported.isEmpty()) {
+            printError(path + ": a movie takes only --date, --location, --no-date, --no-location and --no-tags, not " +
+                       unsupported.join(", ") + "\n");
+            status = 1;
+            continue;
+        }
+        auto asset = std::make_shared<const TSAsset>(path);
+        if (asset->readError()) {
+            printError(path + ": " + *asset->readError() + "\n");
+            status = 1;
+            continue;
+        }
+        auto modifier = ExifVideoModifier::make({asset});
+        if (!modifier) {
+            printError(path + ": Error getting video data\n");
+            status = 1;
+            continue;
+        }
+        if (anyWish) modifier->modify(wishes);
+        if (!modifier->changed()) {
+            printOut(path + ": Nothing changed\n");
+            continue;
+        }
+        const auto saved = modifier->save(2, QDir(outputDir));
+        if (const QString* message = std::get_if<QString>(&saved)) {
+            printError(path + ": " + *message + "\n");
+            status = 1;
+            continue;
+        }
+        printOut(path + " -> " + std::get<QStringList>(saved).value(0) + ": " + changesText(wishes) + "\n");
+    }
+    return status;
+}
+
+// `edit` sends movies here.
+static const bool registered = (setMovieEditor(videoEditCommand), true);

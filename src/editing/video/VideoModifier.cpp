@@ -1,0 +1,130 @@
+#include "VideoModifier.h"
+
+#include "Log.h"
+#include "MovieWriter.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+using media::MetadataItem;
+
+namespace {
+
+bool isDateItem(const MetadataItem& item) {
+    return item.identifier == QLatin1String(media::Identifier::commonCreationDate) ||
+           item.identifier == QLatin1String(media::Identifier::quickTimeMetadataCreationDate) ||
+           item.identifier == QLatin1String(media::Identifier::quickTimeUserDataCreationDate);
+}
+
+bool isLocationItem(const MetadataItem& item) {
+    return item.identifier == QLatin1String(media::Identifier::quickTimeMetadataLocationISO6709) ||
+           item.identifier == QLatin1String(media::Identifier::quickTimeUserDataLocationISO6709);
+}
+
+}  // namespace
+
+QString iso6709Text(const GeoLocation& location) {
+    return QString::asprintf("%+08.4f%+09.4f%+.0f/", location.coordinate.latitude, location.coordinate.longitude,
+                             location.altitude);
+}
+
+QString iso8601Text(const QDateTime& date) {
+    return QLocale::c().toString(date.toUTC(), QStringLiteral("yyyy-MM-dd'T'HH:mm:ss")) + u'Z';
+}
+
+void TagsVideoModifier::removeDate() {
+    items.removeIf(isDateItem);
+    userDate.reset();
+}
+
+void TagsVideoModifier::setDate(const QDateTime& date) {
+    removeDate();
+    userDate = date;
+    items.append(MetadataItem::quickTimeText("com.apple.quicktime.creationdate", iso8601Text(date)));
+}
+
+void TagsVideoModifier::removeLocation() {
+    items.removeIf(isLocationItem);
+    userLocation.reset();
+}
+
+void TagsVideoModifier::setLocation(const GeoLocation& location) {
+    removeLocation();
+    userLocation = location;
+    items.append(MetadataItem::quickTimeText("com.apple.quicktime.location.ISO6709", iso6709Text(location)));
+}
+
+std::optional<ExifVideoModifier> ExifVideoModifier::make(const QList<std::shared_ptr<const TSAsset>>& assets) {
+    ExifVideoModifier modifier;
+    for (const auto& asset : assets) {
+        if (!asset || !asset->video()) return std::nullopt;
+        modifier.modifing.append({asset, TagsVideoModifier(asset->video()->metadata)});
+    }
+    return modifier;
+}
+
+void ExifVideoModifier::modify(const VideoWishes& wishes) {
+    if (wishes.noTags) {
+        for (auto& m : modifing) {
+            m.modifier.items.clear();
+            m.modifier.noTags = true;
+        }
+        return;
+    }
+    if (wishes.removeDate) {
+        for (auto& m : modifing) m.modifier.removeDate();
+    } else if (wishes.date) {
+        // A video that shows this date already keeps its own items.
+        for (auto& m : modifing)
+            if (m.asset->ddStore().date != wishes.date) m.modifier.setDate(*wishes.date);
+    }
+    if (wishes.removeLocation) {
+        for (auto& m : modifing) m.modifier.removeLocation();
+    } else if (wishes.location) {
+        for (auto& m : modifing) m.modifier.setLocation(*wishes.location);
+    }
+}
+
+bool ExifVideoModifier::changed() const {
+    auto same = [](const MetadataItem& a, const MetadataItem& b) {
+        return a.identifier == b.identifier && a.stored == b.stored && a.dataType == b.dataType && a.locale == b.locale;
+    };
+    for (const auto& m : modifing) {
+        const QList<MetadataItem>& own = m.asset->video()->metadata;
+        if (m.modifier.noTags || m.modifier.items.size() != own.size() ||
+            !std::equal(own.begin(), own.end(), m.modifier.items.begin(), same))
+            return true;
+    }
+    return false;
+}
+
+QList<MetadataItem> ExifVideoModifier::exportItems(const QList<MetadataItem>& items) {
+    QList<MetadataItem> out = items;
+    out.removeIf([](const MetadataItem& i) { return i.identifier == QLatin1String(media::Identifier::quickTimeMetadataSoftware); });
+    out.append(MetadataItem::quickTimeText("com.apple.quicktime.software", QStringLiteral(TESSORIN_APP_NAME)));
+    return out;
+}
+
+QString ExifVideoModifier::outputPath(const QDir& directory, const QDateTime& now) {
+    const QString stem = "video_" + QLocale::c().toString(now, QStringLiteral("yyMMdd_HHmmss"));
+    QString path = directory.filePath(stem + ".mp4");
+    for (int n = 2; QFileInfo::exists(path); ++n) path = directory.filePath(QStringLiteral("%1_%2.mp4").arg(stem).arg(n));
+    return path;
+}
+
+std::variant<QStringList, QString> ExifVideoModifier::save(int mode, const QDir& directory) const {
+    if (modifing.isEmpty()) return QStringLiteral("Error getting the video asset");
+    if (mode == 1) return QStringLiteral("Video editing not available");
+    if (mode != 2) return QStringLiteral("Error: Exporting Data (2)");
+    // The edit screen holds one video at a time: the first is the one saved.
+    const ModifyingVideoAsset& video = modifing.first();
+    const QString path = outputPath(directory, QDateTime::currentDateTime());
+    media::MetadataRewrite rewrite{exportItems(video.modifier.items), !video.modifier.noTags};
+    QString error;
+    if (!media::writeMovie(video.asset->path(), path, rewrite, &error)) {
+        Log::error("🎥 export of " + video.asset->path() + " failed: " + error, "save(mode:onCompletition:)");
+        return "Error: Exporting Session: " + error;
+    }
+    Log::info("🎥 exported " + path, "save(mode:onCompletition:)");
+    return QStringList{path};
+}
