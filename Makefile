@@ -40,6 +40,7 @@ fuzz: deps
 
 bench: build
 	@bash bench/run.sh $(BUILD)
+	@bash bench/geo.sh $(BUILD)
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)

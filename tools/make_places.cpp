@@ -191,8 +191,8 @@ private:
 // district is the populated place that draws it most, population over squared distance,
 // within 25 km.
 void findSections(std::vector<OutPlace>& v) {
-    const Grid cities(v, [](const OutPlace& p) { return p.known && p.rec.kind == places::Kind::populated && p.rec.population >= 100000; });
-    const Grid towns(v, [](const OutPlace& p) { return p.known && p.rec.kind == places::Kind::populated && p.rec.population > 0; });
+    const Grid cities(v, [](const OutPlace& p) { return p.known && p.rec.kind == quint8(places::Kind::populated) && p.rec.population >= 100000; });
+    const Grid towns(v, [](const OutPlace& p) { return p.known && p.rec.kind == quint8(places::Kind::populated) && p.rec.population > 0; });
     for (OutPlace& p : v) {
         p.rec.parent = places::noParent;
         double best = -1;
@@ -205,14 +205,14 @@ void findSections(std::vector<OutPlace>& v) {
                 const double closeness = 1 - km / radius;
                 if (closeness > 0 && closeness > best) best = closeness, p.rec.parent = quint32(i);
             });
-        } else if (p.rec.kind == places::Kind::section) {
+        } else if (p.rec.kind == quint8(places::Kind::section)) {
             towns.near(p.rec.latitude, p.rec.longitude, 25, [&](size_t i, double km) {
                 if (v[i].rec.country != p.rec.country) return;
                 const double pull = v[i].rec.population / ((km + 1) * (km + 1));
                 if (pull > best) best = pull, p.rec.parent = quint32(i);
             });
         }
-        p.rec.kind = p.rec.parent == places::noParent ? places::Kind::populated : places::Kind::section;
+        p.rec.kind = quint8(p.rec.parent == places::noParent ? places::Kind::populated : places::Kind::section);
     }
 }
 
@@ -344,7 +344,7 @@ int main(int argc, char** argv) {
             ++matched;
             p.known = true;
             p.rec.population = best->population;
-            p.rec.kind = best->featureCode == "PPLX" ? places::Kind::section : places::Kind::populated;
+            p.rec.kind = quint8(best->featureCode == "PPLX" ? places::Kind::section : places::Kind::populated);
         }
         p.rec.latitude = float(lat);
         p.rec.longitude = float(lon);

@@ -102,7 +102,7 @@ bool PlaceIndex::check(QString* error) {
     for (quint32 i = 0; i < h.placeCount; ++i) {
         const places::Place& p = places_[i];
         if (!okText(p.name) || !okText(p.folded) || p.country >= h.countryCount || (p.admin != places::noAdmin && p.admin >= h.adminCount) ||
-            p.axis > 2 || (p.parent != places::noParent && p.parent >= h.placeCount) || !std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z) || !std::isfinite(p.latitude) ||
+            p.axis > 2 || p.kind > quint8(places::Kind::section) || (p.parent != places::noParent && p.parent >= h.placeCount) || !std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z) || !std::isfinite(p.latitude) ||
             !std::isfinite(p.longitude))
             return *error = QString("damaged place %1").arg(i), false;
     }
@@ -188,7 +188,7 @@ Placemark PlaceIndex::placemarkAt(qsizetype i, const QLocale& locale) const {
     const places::Place& p = places_[i];
     Placemark pm;
     const QString name = string(p.name);
-    if (p.kind == places::Kind::section && p.parent != places::noParent) {
+    if (p.kind == quint8(places::Kind::section) && p.parent != places::noParent) {
         pm.subLocality = name;
         pm.locality = string(places_[p.parent].name);
     } else {
@@ -203,12 +203,17 @@ Placemark PlaceIndex::placemarkAt(qsizetype i, const QLocale& locale) const {
 
 std::optional<Placemark> PlaceIndex::reverse(const GeoCoordinate& c, const QLocale& locale) const {
     if (!std::isfinite(c.latitude) || !std::isfinite(c.longitude) || std::abs(c.latitude) > 90) return std::nullopt;
-    const auto [best, metres] = nearest(c);
-    if (best < 0 || metres > maxDistance) return std::nullopt;
-    // Of places about as near as the nearest, the largest names the spot: between a hamlet at
-    // 2.5 km and a town at 3.2 km, people say they were at the town.
     float q[3];
     places::unitVector(c.latitude, c.longitude, q);
+    // The search starts bounded by the cutoff, so that a position at sea ends at once.
+    qsizetype best = -1;
+    float bestD2 = chord2(maxDistance) * 1.0001f;
+    nearestIn(0, size(), q, [](const places::Place&) { return true; }, best, bestD2);
+    if (best < 0) return std::nullopt;
+    const double metres = metresBetween(c, places_[best]);
+    if (metres > maxDistance) return std::nullopt;
+    // Of places about as near as the nearest, the largest names the spot: between a hamlet at
+    // 2.5 km and a town at 3.2 km, people say they were at the town.
     qsizetype chosen = best;
     within(0, size(), q, chord2(metres * nearFactor + nearSlack), [&](qsizetype j) {
         const places::Place &a = places_[j], &b = places_[chosen];

@@ -21,10 +21,11 @@ struct PlaceMatch {
 class PlaceIndex {
 public:
     // Farther than this from every known place a position gets no placemark at all, so that a
-    // photo taken at sea is not named after a town on a distant coast. Towns of 1,000 people
-    // lie within 30 km of almost every inhabited spot, and within 60 km in the emptiest settled
-    // land (outback, Sahara, taiga, tundra); a name farther off than that misleads more than it
-    // helps. The open ocean is hundreds of kilometres from any town.
+    // photo taken at sea is not named after a town on a distant coast. In the data, half of
+    // all places have a neighbour within 4.4 km, 99% within 62 km and 99.8% within 120 km, so
+    // a spot between two towns is at most 60 km from the nearer one almost everywhere people
+    // live (the outback, the Sahara and the taiga included); a name farther off than that
+    // misleads more than it helps. The open ocean is hundreds of kilometres from any town.
     static constexpr double maxDistance = 60'000;  // metres
     // Places within nearFactor times the nearest distance plus nearSlack count as about as
     // near; the most populous of them is chosen.

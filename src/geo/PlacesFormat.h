@@ -47,7 +47,7 @@ struct Place {
     quint16 country;
     quint16 admin;  // noAdmin: none known
     quint8 axis;
-    Kind kind;
+    quint8 kind;  // a Kind; kept as a byte so that a damaged file can't load a bad enumerator
     quint16 reserved;
     quint32 parent;  // for a section, the index of its town; otherwise noParent
 };

@@ -13,7 +13,7 @@ QString lastPathPiece(const QString& path) {
 
 }  // namespace
 
-void Log::sendFrom(LogLevel level, const QVariant& message, const std::source_location& site,
+void Log::sendFrom(LogLevel level, const QVariant& message, const LogSite& site,
                    const QString& function) {
     send(level, message, QString::fromUtf8(site.file_name()),
          function.isEmpty() ? QString::fromUtf8(site.function_name()) : function, int(site.line()));

@@ -11,45 +11,69 @@
 #include <QString>
 #include <QVariant>
 #include <memory>
+#include <version>
+
+#if defined(__cpp_lib_source_location)
 #include <source_location>
+using LogSite = std::source_location;
+#else
+// clang 14 with libstdc++ 12 (the fuzzing build) has no std::source_location; the same
+// compiler builtins name the call site.
+class LogSite {
+public:
+    static constexpr LogSite current(const char* file = __builtin_FILE(), const char* function = __builtin_FUNCTION(),
+                                     unsigned line = __builtin_LINE()) noexcept {
+        return LogSite(file, function, line);
+    }
+    constexpr const char* file_name() const noexcept { return file_; }
+    constexpr const char* function_name() const noexcept { return function_; }
+    constexpr unsigned line() const noexcept { return line_; }
+
+private:
+    constexpr LogSite(const char* file, const char* function, unsigned line) : file_(file), function_(function), line_(line) {}
+    const char* file_;
+    const char* function_;
+    unsigned line_;
+};
+#endif
 
 class Log {
 public:
-    static void error(const QVariant& message, std::source_location site = std::source_location::current()) {
+    static void error(const QVariant& message, LogSite site = LogSite::current()) {
         sendFrom(LogLevel::error, message, site);
     }
-    static void warning(const QVariant& message, std::source_location site = std::source_location::current()) {
+    static void warning(const QVariant& message, LogSite site = LogSite::current()) {
         sendFrom(LogLevel::warning, message, site);
     }
-    static void info(const QVariant& message, std::source_location site = std::source_location::current()) {
+    static void info(const QVariant& message, LogSite site = LogSite::current()) {
         sendFrom(LogLevel::info, message, site);
     }
-    static void debug(const QVariant& message, std::source_location site = std::source_location::current()) {
+    static void debug(const QVariant& message, LogSite site = LogSite::current()) {
         sendFrom(LogLevel::debug, message, site);
     }
-    static void verbose(const QVariant& message, std::source_location site = std::source_location::current()) {
+    static void verbose(const QVariant& message, LogSite site = LogSite::current()) {
         sendFrom(LogLevel::verbose, message, site);
     }
 
     // The same, naming the function in the line instead of the compiler's signature text.
     static void error(const QVariant& message, const QString& function,
-                      std::source_location site = std::source_location::current()) {
+                      LogSite site = LogSite::current()) {
         sendFrom(LogLevel::error, message, site, function);
     }
     static void warning(const QVariant& message, const QString& function,
-                        std::source_location site = std::source_location::current()) {
+                        LogSite site = LogSite::current()) {
         sendFrom(LogLevel::warning, message, site, function);
     }
     static void info(const QVariant& message, const QString& function,
-                     std::source_location site = std::source_location::current()) {
+                     LogSite site = LogSite::current()) {
         sendFrom(LogLevel::info, message, site, function);
     }
     static void debug(const QVariant& message, const QString& function,
-                      std::source_location site = std::source_location::current()) {
+                      LogSite site = LogSite::current()) {
         sendFrom(LogLevel::debug, message, site, function);
     }
     static void verbose(const QVariant& message, const QString& function,
-                        std::source_location site = std::source_location::current()) {
+                        LogSite site = LogSite::current()) {
         sendFrom(LogLevel::verbose, message, site, function);
     }
 
@@ -66,6 +90,6 @@ public:
     static void flush();
 
 private:
-    static void sendFrom(LogLevel level, const QVariant& message, const std::source_location& site,
+    static void sendFrom(LogLevel level, const QVariant& message, const LogSite& site,
                      const QString& function = {});
 };
