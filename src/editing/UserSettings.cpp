@@ -224,6 +224,8 @@ std::optional<QDateTime> UserSettings::date(std::optional<TSKey> key) const {
 }
 
 bool UserSettings::isDateChanged() const {
+    // No wish at all is no change, whatever the photo has.
+    if (!properties.properties.contains(coord(TSKey::EXIF_DATE)->key)) return false;
     const auto wished = date(TSKey::EXIF_DATE);
     if (initialDate.has_value() != wished.has_value()) return true;
     return initialDate && *initialDate != *wished;

@@ -8,6 +8,7 @@
 #include <exiv2/properties.hpp>
 
 #include <QRegularExpression>
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -18,6 +19,12 @@ namespace imageio {
 namespace {
 
 bool isRemoval(const QVariant& v) { return !v.isValid() || v.isNull(); }
+
+// A double as a whole number without the undefined behaviour of an out-of-range cast.
+qint64 whole(double d) {
+    if (!std::isfinite(d)) return 0;
+    return qint64(std::clamp(std::round(d), -9.0e18, 9.0e18));
+}
 
 QHash<QString, uint16_t> reversed(const QHash<uint16_t, const char*>& table) {
     QHash<QString, uint16_t> out;
@@ -79,21 +86,21 @@ QString rationalText(double d, bool isSigned) {
     if (!std::isfinite(d) || (!isSigned && d < 0)) d = 0;
     constexpr double kMax = 2e9;
     if (std::fabs(d) >= kMax) d = std::copysign(kMax, d);
-    if (d == std::round(d)) return QStringLiteral("%1/1").arg(qint64(d));
+    if (d == std::round(d)) return QStringLiteral("%1/1").arg(whole(d));
     const double inverse = 1 / d;
     if (std::fabs(inverse) < kMax && std::fabs(inverse - std::round(inverse)) < 1e-9 * std::fabs(inverse))
-        return QStringLiteral("%1/%2").arg(d < 0 ? -1 : 1).arg(qint64(std::fabs(std::round(inverse))));
+        return QStringLiteral("%1/%2").arg(d < 0 ? -1 : 1).arg(whole(std::fabs(inverse)));
     qint64 den = 10;
     while (den < 1000000 && std::fabs(d * den - std::round(d * den)) > 1e-9 && std::fabs(d * den * 10) < kMax) den *= 10;
     while (std::fabs(d * den) >= kMax && den > 1) den /= 10;
-    return QStringLiteral("%1/%2").arg(qint64(std::round(d * den))).arg(den);
+    return QStringLiteral("%1/%2").arg(whole(d * den)).arg(den);
 }
 
 // Decimal degrees as degrees, minutes and seconds to a ten-thousandth.
 QString degreesText(double d) {
     d = std::fabs(d);
     if (!std::isfinite(d) || d > 360) d = 0;
-    qint64 total = qint64(std::llround(d * 3600 * 10000));
+    qint64 total = whole(d * 3600 * 10000);
     qint64 deg = total / (3600 * 10000), rest = total % (3600 * 10000);
     return QStringLiteral("%1/1 %2/1 %3/10000").arg(deg).arg(rest / (60 * 10000)).arg(rest % (60 * 10000));
 }
@@ -135,10 +142,10 @@ std::unique_ptr<Exiv2::Value> exifValue(uint16_t tag, const std::string& group, 
             // Version arrays go back to their four digits: [2, 3, 2] → "0232".
             const auto n = numbersOf(v);
             if (n.isEmpty()) return nullptr;
-            bytes = QByteArray::number(qint64(n.value(0))).rightJustified(2, '0') +
-                    QByteArray::number(qint64(n.value(1))) + QByteArray::number(qint64(n.value(2)));
+            bytes = QByteArray::number(whole(n.value(0))).rightJustified(2, '0') +
+                    QByteArray::number(whole(n.value(1))) + QByteArray::number(whole(n.value(2)));
         } else if (v.typeId() == QMetaType::QVariantList) {
-            for (double d : numbersOf(v)) bytes.append(char(qint64(d) & 0xff));
+            for (double d : numbersOf(v)) bytes.append(char(whole(d) & 0xff));
         } else {
             bytes = textOf(v).toUtf8();
         }
@@ -154,8 +161,8 @@ std::unique_ptr<Exiv2::Value> exifValue(uint16_t tag, const std::string& group, 
     case Exiv2::unsignedByte: case Exiv2::unsignedShort: case Exiv2::unsignedLong: case Exiv2::signedByte:
     case Exiv2::signedShort: case Exiv2::signedLong: case Exiv2::tiffFloat: case Exiv2::tiffDouble: {
         QStringList parts;
-        const bool whole = type != Exiv2::tiffFloat && type != Exiv2::tiffDouble;
-        for (double d : numbersOf(v)) parts << (whole ? QString::number(qint64(std::llround(d))) : QString::number(d, 'g', 17));
+        const bool integral = type != Exiv2::tiffFloat && type != Exiv2::tiffDouble;
+        for (double d : numbersOf(v)) parts << (integral ? QString::number(whole(d)) : QString::number(d, 'g', 17));
         return !parts.isEmpty() && read(parts.join(' ')) ? std::move(value) : nullptr;
     }
     default:
@@ -312,7 +319,7 @@ struct Editor {
             auto r = b.exif.findKey(Exiv2::ExifKey(refTag, "GPSInfo"));
             if (d == b.exif.end() || r == b.exif.end() || d->count() < 3) return;
             const double deg = d->toFloat(0), min = d->toFloat(1) + d->toFloat(2) / 60;
-            setXmp(b.xmp, xmpKey, {QStringLiteral("%1,%2%3").arg(qint64(deg)).arg(min, 0, 'f', 6)
+            setXmp(b.xmp, xmpKey, {QStringLiteral("%1,%2%3").arg(whole(std::trunc(deg))).arg(min, 0, 'f', 6)
                                        .arg(QString::fromStdString(r->toString()).left(1))}, false);
         };
         xmpCoordinate(0x02, 0x01, "Xmp.exif.GPSLatitude");
@@ -391,9 +398,11 @@ struct Editor {
             return;
         }
         const auto n = numbersOf(v);
-        if (n.isEmpty() || QVariant(qint64(n.first())) == before.value(kCGImagePropertyOrientation)) return;
-        b.exif[key.key()] = uint16_t(std::clamp<qint64>(qint64(n.first()), 1, 8));
-        if (hasXmp(b.xmp, "Xmp.tiff.Orientation")) setXmp(b.xmp, "Xmp.tiff.Orientation", {QString::number(qint64(n.first()))}, false);
+        if (n.isEmpty()) return;
+        const qint64 o = std::clamp<qint64>(whole(n.first()), 1, 8);
+        if (QVariant(o) == before.value(kCGImagePropertyOrientation)) return;
+        b.exif[key.key()] = uint16_t(o);
+        if (hasXmp(b.xmp, "Xmp.tiff.Orientation")) setXmp(b.xmp, "Xmp.tiff.Orientation", {QString::number(o)}, false);
     }
 
     static bool allRemoved(const QVariant& group) {
