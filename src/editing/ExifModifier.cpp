@@ -3,13 +3,38 @@
 #include "Formatter.h"
 #include "Log.h"
 #include "PropertyKeys.h"
+#include "Settings.h"
 #include "TSError.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QTemporaryFile>
 #include <QUrl>
+
+namespace {
+
+// What a newly created file gets under the process's umask (temporary files start private).
+QFileDevice::Permissions newFilePermissions() {
+    static const QFileDevice::Permissions permissions = [] {
+        uint mask = 022;
+        QFile status(QStringLiteral("/proc/self/status"));
+        if (status.open(QIODevice::ReadOnly))
+            for (const QByteArray& line : status.readAll().split('\n'))
+                if (line.startsWith("Umask:")) mask = line.mid(6).trimmed().toUInt(nullptr, 8);
+        QFileDevice::Permissions p;
+        const std::pair<uint, QFileDevice::Permission> bits[] = {
+            {0400, QFileDevice::ReadOwner}, {0200, QFileDevice::WriteOwner}, {040, QFileDevice::ReadGroup},
+            {020, QFileDevice::WriteGroup}, {04, QFileDevice::ReadOther},    {02, QFileDevice::WriteOther}};
+        for (const auto& [bit, flag] : bits)
+            if (!(mask & bit)) p |= flag;
+        return p;
+    }();
+    return permissions;
+}
+
+}  // namespace
 
 ExifModifier::ExifModifier(QList<ModifyingPhotoAsset> m) : modifing(std::move(m)), filesDirectory(QDir::tempPath()) {}
 
@@ -46,8 +71,9 @@ void ExifModifier::modify(UserSettings& settings, bool isModify) {
         }
     }
 
+    const bool human = Settings::flag(SettingsFlag::human);
     for (auto& photo : modifing) {
-        for (TSKey key : EditKeys::editableKeys()) photo.tags->apply(key, settings, photo.tsAsset->metaData());
+        for (TSKey key : EditKeys::editableKeys()) photo.tags->apply(key, settings, photo.tsAsset->metaData(), human);
         photo.tags->applyCreatorContact(settings, photo.tsAsset->metaData());
     }
 
@@ -119,15 +145,31 @@ std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAs
         if (data && imageio::detectFormat(*data) == imageio::Format::Jpeg &&
             imageio::detectFormat(photo.tsAsset->imageData()) != imageio::Format::Jpeg)
             name = QFileInfo(name).completeBaseName() + QStringLiteral(".jpg");
-        // A temporary file beside the target, renamed over it only once complete.
-        QSaveFile file(QDir(filesDirectory).filePath(name));
-        bool written = data && file.open(QIODevice::WriteOnly) && file.write(*data) == data->size() && file.commit();
-        if (!written) {
-            if (data) Log::error("Error writing the file: " + file.errorString());
-            file.cancelWriting();
+        // Written to a temporary file beside the target and renamed over it only once complete.
+        // A file that replaces another is flushed to the disk first; a new one puts nothing at risk.
+        const QString target = QDir(filesDirectory).filePath(name);
+        QString failure;
+        if (!data) {
+            failure = QStringLiteral("no data");
+        } else if (QFileInfo::exists(target)) {
+            QSaveFile file(target);
+            if (!file.open(QIODevice::WriteOnly) || file.write(*data) != data->size() || !file.commit()) {
+                failure = file.errorString();
+                file.cancelWriting();
+            }
+        } else {
+            QTemporaryFile file(QDir(filesDirectory).filePath(QStringLiteral(".") + name + QStringLiteral(".XXXXXX")));
+            if (!file.open() || file.write(*data) != data->size() || !file.flush() ||
+                !file.setPermissions(newFilePermissions()) || !file.rename(target))
+                failure = file.errorString();  // the temporary file removes itself
+            else
+                file.setAutoRemove(false);  // it is the target now
+        }
+        if (!failure.isEmpty()) {
+            if (data) Log::error("Error writing the file: " + failure);
             return QStringLiteral("Error writing data to file");
         }
-        urls << QUrl::fromLocalFile(file.fileName()).toString();
+        urls << QUrl::fromLocalFile(target).toString();
     }
     return std::nullopt;
 }

@@ -86,15 +86,19 @@ bool TagsPhotoModifier::setText(const QString& tag, SubDictionary kind, const st
 }
 
 void TagsPhotoModifier::apply(TSKey key, const UserSettings& settings, const TSMetaData& record) {
+    apply(key, settings, record, Settings::flag(SettingsFlag::human));
+}
+
+void TagsPhotoModifier::apply(TSKey key, const UserSettings& settings, const TSMetaData& record, bool human) {
     const auto c = coord(key);
     // The creator contact dictionary is written field by field by applyCreatorContact.
     if (!c || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return;
     std::optional<QString> value;
     if (settings.properties.properties.contains(c->key)) {
         const QString wish = settings.properties.properties.value(c->key);
-        value = TSMeanings::valueText(wish, Settings::flag(SettingsFlag::human)).value_or(wish);
+        value = TSMeanings::valueText(wish, human).value_or(wish);
     } else {
-        value = string(record, key);
+        value = string(record, key, human);
     }
     if (setText(c->key, c->dict, value)) changed = true;
     if (const auto coupled = coupledCoord(key))

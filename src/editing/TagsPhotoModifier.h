@@ -36,6 +36,8 @@ public:
     // Every GPS tag the photo has becomes null.
     void removeLocation();
     void apply(TSKey key, const UserSettings& settings, const TSMetaData& record);
+    // The same with the "human" setting read once by the caller for its whole walk.
+    void apply(TSKey key, const UserSettings& settings, const TSMetaData& record, bool human);
     void applyCreatorContact(const UserSettings& settings, const TSMetaData& record);
     void setOrientationTag(const QString& text);
     // Writes one text value; true when that changed the dictionary.

@@ -251,7 +251,10 @@ std::optional<QString> string(const QString& key, const std::optional<QVariantMa
 }
 
 std::optional<QString> string(const TSMetaData& metaData, TSKey key) {
-    const bool human = Settings::flag(SettingsFlag::human);
+    return string(metaData, key, Settings::flag(SettingsFlag::human));
+}
+
+std::optional<QString> string(const TSMetaData& metaData, TSKey key, bool human) {
     auto lookup = [&](const std::optional<TagCoord>& c) -> std::optional<QString> {
         if (!c) return std::nullopt;
         switch (c->dict) {

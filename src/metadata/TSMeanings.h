@@ -51,6 +51,8 @@ private:
 // The value of a vocabulary case as text for the edit screens, with the current "human"
 // setting; its fallback coordinate is tried when the primary has no text.
 std::optional<QString> string(const TSMetaData& metaData, TSKey key);
+// The same with the setting given, for a walk over many keys that reads it once.
+std::optional<QString> string(const TSMetaData& metaData, TSKey key, bool human);
 // The conversion of one coordinate: texts as they stand, arrays element by element joined with
 // ",", dictionaries through the meaning lookup; bare numbers give nothing.
 std::optional<QString> string(const QString& key, const std::optional<QVariantMap>& dictionary, bool human);
