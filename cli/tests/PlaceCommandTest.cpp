@@ -66,7 +66,7 @@ TEST_F(PlaceCommand, InfoAndSummaryNameTheTownWhereExiftoolPutsThePhoto) {
     struct Photo {
         const char* file;
         const char* town;
-        double latitude, longitude;  // the town's centre
+        double latitude, longitude;  // the town's centre, within 6 km of the photo
     };
     const Photo photos[] = {
         {"jpeg/gps/DSCN0010.jpg", "Arezzo", 43.4628, 11.8807},
@@ -74,6 +74,11 @@ TEST_F(PlaceCommand, InfoAndSummaryNameTheTownWhereExiftoolPutsThePhoto) {
         {"jpeg/gps/DSCN0029.jpg", "Arezzo", 43.4628, 11.8807},
         {"heif/IMG_5195.HEIC", "Blue Springs", 39.0170, -94.2816},
         {"heif/Stonehenge.heic", "Amesbury", 51.1733, -1.7800},
+        {"webp/exif.webp", "Amesbury", 51.1733, -1.7800},
+        {"tiff/IMG_1361.dng", "Acworth", 34.0659, -84.6769},
+        {"jpeg/iphone_hdr_YES.jpg", "Madrid", 40.4168, -3.7038},
+        {"jpeg/edge/87_OSError.jpg", "Florence", 43.7696, 11.2558},
+        {"portrait/image-with-matte.jpg", "Tokyo", 35.6895, 139.6917},
     };
     for (const Photo& p : photos) {
         SCOPED_TRACE(p.file);
@@ -87,9 +92,11 @@ TEST_F(PlaceCommand, InfoAndSummaryNameTheTownWhereExiftoolPutsThePhoto) {
         ASSERT_EQ(info.exitCode, 0) << info.err.toStdString();
         const QStringList rows = lines(info.out).filter(QRegularExpression("^Location: "));
         ASSERT_EQ(rows.size(), 1) << info.out.toStdString();
-        EXPECT_TRUE(rows.first().startsWith(QStringLiteral("Location: ") + p.town + ", ")) << rows.first().toStdString();
+        // The town, after the district where the data has one: "Chamberí, Madrid, Spain (ES)".
+        const QRegularExpression named("^Location: ([^,]+, )?" + QRegularExpression::escape(p.town) + ", ");
+        EXPECT_TRUE(named.match(rows.first()).hasMatch()) << rows.first().toStdString();
 
         const auto summary = cli({"summary", path});
-        EXPECT_TRUE(summary.out.contains(QByteArray(" in ") + p.town + ", ")) << summary.out.toStdString();
+        EXPECT_TRUE(summary.out.contains(QByteArray(p.town) + ", ")) << summary.out.toStdString();
     }
 }
