@@ -71,10 +71,12 @@ std::optional<QByteArray> applyingOrientation(const QByteArray& data, int orient
     return jpeg(redraw(image, image.size(), draw[orientation], orientation >= 5), 100);
 }
 
-std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source) {
+std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
+                                               const imageio::PropertyDict* sourceProperties) {
     if (dictionary.isEmpty() || source.isEmpty()) return std::nullopt;
     QString reason;
-    auto out = imageio::writeProperties(source, dictionary, &reason);
+    auto out = sourceProperties ? imageio::writeProperties(source, *sourceProperties, dictionary, &reason)
+                                : imageio::writeProperties(source, dictionary, &reason);
     if (!out) Log::error("Error: Could not create image destination (" + reason + ")");
     return out;
 }
@@ -94,7 +96,9 @@ ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset)
             data = *rendered;
         }
     }
-    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data);
+    // Bytes as they came were read when the photo was: their properties are the modifier's fallback.
+    const imageio::PropertyDict* read = !modify && asset.tags->fallbackData ? &*asset.tags->fallbackData : nullptr;
+    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data, read);
     if (!written) throw TSError("Error saving the modified image");
     return ModifyingPhotoAsset{asset.tsAsset, asset.tags, *written, 1};
 }

@@ -26,7 +26,9 @@ namespace ImageModifier {
 // Needs `tags.destMutable`; throws TSError on failure.
 ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset);
 // The lossless metadata copy: the source's bytes with `dictionary` laid over its metadata.
-std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source);
+// `sourceProperties`, when given, is what the reader made of `source`, which then isn't read again.
+std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
+                                               const imageio::PropertyDict* sourceProperties = nullptr);
 // Pixels drawn upright from orientation `orientation` (2 to 8), as JPEG; other values give the
 // data back as they are; nothing when the image can't be decoded.
 std::optional<QByteArray> undoingOrientation(const QByteArray& data, int orientation, bool keepSize);

@@ -324,18 +324,6 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
         if (!added.empty() && !heif.primary) throw Broken("no primary image to describe");
         if (nextId > 0xffff && heif.iloc.version < 2) throw Broken("too many items");
 
-        QByteArray out = source;
-        // The old payloads are wiped, so that a removed tag can't be found in the file any more.
-        for (uint32_t id : {exifItem.value_or(0), xmpItem.value_or(0)}) {
-            const Location* l = id ? heif.iloc.find(id) : nullptr;
-            if (!l || l->method != 0) continue;
-            for (const Extent& x : l->extents) {
-                const uint64_t start = l->base + x.offset;
-                if (x.length && start < uint64_t(out.size()) && x.length <= uint64_t(out.size()) - start)
-                    std::memset(out.data() + start, 0, size_t(x.length));
-            }
-        }
-
         // The new 'meta': its item list, locations and references change, the rest is copied.
         ItemLocations iloc = heif.iloc;
         for (const auto& [id, infe] : added) iloc.items.push_back(Location{id, 0, 0, 0, {}});
@@ -421,22 +409,33 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
         const qint64 payloadAt = heif.meta->offset + metaSize + tail + newMdatHeader;
         const QByteArray meta = buildMeta(metaSize, payloadAt);
 
+        // One copy of the source: what comes before 'meta', the new 'meta', everything after it.
+        const qint64 shift = heif.meta->offset + meta.size() - oldMetaEnd;
         QByteArray result;
         result.reserve(payloadAt + newExif.size() + newXmp.size());
-        result += out.left(heif.meta->offset);
+        result.append(source.constData(), heif.meta->offset);
         result += meta;
-        QByteArray rest = out.mid(oldMetaEnd);
+        result.append(source.constData() + oldMetaEnd, tail);
+        // The old payloads are wiped, so that a removed tag can't be found in the file any more.
+        for (uint32_t id : {exifItem.value_or(0), xmpItem.value_or(0)}) {
+            const Location* l = id ? heif.iloc.find(id) : nullptr;
+            if (!l || l->method != 0) continue;
+            for (const Extent& x : l->extents) {
+                const uint64_t start = l->base + x.offset;
+                if (x.length && start >= uint64_t(oldMetaEnd) && start < uint64_t(source.size()) &&
+                    x.length <= uint64_t(source.size()) - start)
+                    std::memset(result.data() + qint64(start) + shift, 0, size_t(x.length));
+            }
+        }
         // A last box that ran "to the end of the file" must now say its size, or it would swallow the new one.
         for (const Box& box : heif.top) {
             if (box.offset < oldMetaEnd || box.end() != source.size()) continue;
             Cursor c{source, box.offset, box.end()};
             if (c.read(4) == 0) {
                 if (box.size > 0xffffffffLL) throw Broken("a last box too large to close");
-                const qint64 at = box.offset - oldMetaEnd;
-                for (int i = 0; i < 4; ++i) rest[at + i] = char(uint64_t(box.size) >> (8 * (3 - i)) & 0xff);
+                for (int i = 0; i < 4; ++i) result[box.offset + shift + i] = char(uint64_t(box.size) >> (8 * (3 - i)) & 0xff);
             }
         }
-        result += rest;
         result += boxBytes("mdat", newExif + newXmp);
         return result;
     } catch (const std::exception& e) {

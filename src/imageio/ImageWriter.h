@@ -18,5 +18,8 @@ bool canWrite(Format format);
 // Nothing, with the reason in `error`, when the format can't be written or the bytes are broken.
 std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& changes,
                                           QString* error = nullptr);
+// The same for a caller that has read the source already: `before` is what readProperties gave.
+std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& before,
+                                          const PropertyDict& changes, QString* error = nullptr);
 
 }  // namespace imageio

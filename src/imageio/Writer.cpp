@@ -79,18 +79,24 @@ bool canWrite(Format format) {
 }
 
 std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& changes, QString* error) {
+    QString reason;
+    const auto before = canWrite(detectFormat(source)) ? readProperties(source, &reason) : PropertyDict{};
+    if (!before) return fail(error, reason);
+    return writeProperties(source, *before, changes, error);
+}
+
+std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& before,
+                                          const PropertyDict& changes, QString* error) {
     const Format format = detectFormat(source);
     if (!canWrite(format)) {
         return fail(error, format == Format::Unknown ? QStringLiteral("not an image format that can be written")
                                                      : QStringLiteral("can't write metadata into %1 files").arg(formatName(format)));
     }
     QString reason;
-    const auto before = readProperties(source, &reason);
-    if (!before) return fail(error, reason);
     std::optional<QByteArray> out;
     try {
-        out = format == Format::Heif || format == Format::Avif ? rewriteHeif(source, *before, changes, error)
-                                                               : writeWithExiv2(source, format, *before, changes, error);
+        out = format == Format::Heif || format == Format::Avif ? rewriteHeif(source, before, changes, error)
+                                                               : writeWithExiv2(source, format, before, changes, error);
     } catch (const std::exception& e) {
         return fail(error, QString::fromLocal8Bit(e.what()));
     }
