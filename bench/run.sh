@@ -46,3 +46,7 @@ echo "ours / exiv2:    $(ratio "$exiv2_wall" "$ours_wall")x wall, $(ratio "$exiv
 # Writing: a date and a place set on 500 JPEG and HEIC files, ours beside exiftool.
 echo
 bash "$(dirname "$0")/photo_edit.sh" "$build"
+
+# Movies: the date of a 100 MB movie changed, ours beside exiftool and ffmpeg.
+echo
+bash "$(dirname "$0")/video_edit.sh" "$build"

@@ -29,10 +29,37 @@ mkdir -p "$corpus" "$artifacts"
 seeds="$(cd "$(dirname "$0")/.." && pwd)/fuzz/seeds/$target"
 if [ -d "$seeds" ]; then seed_find=(find "$seeds" -type f -print0)
 else seed_find=(find "$samples" -type f ! -path '*/video/*' ! -name '*.md' -print0); fi
+[[ $target == fuzz_movie_* ]] && seed_find=(true)
 "${seed_find[@]}" |
   while IFS= read -r -d '' f; do
     cp "$f" "$corpus/$(sha1sum "$f" | cut -c1-40)"
   done
+
+# The movie targets start, instead, from the sample movies and from remuxes of them that FFmpeg writes with
+# other layouts (header first, fragments, user data, iTunes and 3GPP items). The writer's inputs
+# begin with two bytes of wishes (see fuzz_movie_writer.cpp).
+if [[ $target == fuzz_movie_* ]]; then
+  made="$work/made"
+  mkdir -p "$made"
+  src="$samples/video/apple_meta.mov"
+  remux() { ffmpeg -v error -y -i "$src" -map 0 -c copy "$@" < /dev/null || true; }
+  remux -movflags faststart "$made/faststart.mov"
+  remux -movflags frag_keyframe+empty_moov+use_metadata_tags "$made/fragmented.mp4"
+  remux -metadata title=T -metadata artist=A -metadata comment=C -f mp4 "$made/itunes.mp4"
+  remux -metadata title=T -metadata copyright=C -metadata location=+10.0000+020.0000/ -f mov "$made/userdata.mov"
+  remux -metadata title=T -metadata author=A -f 3gp "$made/3gpp.3gp"
+  find "$samples/video" "$made" -type f -print0 |
+    while IFS= read -r -d '' f; do
+      if [ "$target" = fuzz_movie_writer ]; then
+        for wishes in '\x00\x00' '\x18\x00' '\x3a\x50' '\x41\x00' '\x26\xff'; do
+          { printf "$wishes"; cat "$f"; } > "$work/seed"
+          cp "$work/seed" "$corpus/$(sha1sum "$work/seed" | cut -c1-40)"
+        done
+      else
+        cp "$f" "$corpus/$(sha1sum "$f" | cut -c1-40)"
+      fi
+    done
+fi
 
 stamp="$work/.started"
 touch "$stamp"

@@ -460,9 +460,11 @@ QStringList metadataFormats(const QList<MetadataItem>& items) {
         {KeySpace::id3, "org.id3"},
     };
     QStringList out;
-    for (const auto& [space, format] : formats)
+    for (const auto& entry : formats) {
+        const QString& space = entry.first;
         if (std::any_of(items.begin(), items.end(), [&](const MetadataItem& i) { return i.keySpace == space; }))
-            out << format;
+            out << entry.second;
+    }
     return out;
 }
 

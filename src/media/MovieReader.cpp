@@ -29,18 +29,60 @@ QString avError(int code) {
     return QString::fromUtf8(text);
 }
 
+// A 32-bit field that FFmpeg is shown with another value than the file holds.
+struct Patch {
+    int64_t offset;
+    uint8_t bytes[4];
+};
+
+// FFmpeg allocates and clears a table as long as the count in a 'keys' atom says before it
+// reads a single entry, and frees it entry by entry: a hostile count costs it a gigabyte and
+// seconds. It is shown the count of the entries that are there instead.
+void clampKeyCounts(ByteView b, qint64 begin, qint64 end, int depth, QList<Patch>* out) {
+    if (depth > 8) return;
+    static const FourCC containers[] = {fourcc("moov"), fourcc("trak"), fourcc("mdia"), fourcc("minf"),
+                                        fourcc("udta"), fourcc("edts"), fourcc("dinf"), fourcc("stbl")};
+    for (const Atom& a : children(b, begin, end).atoms) {
+        if (a.type == fourcc("meta")) {
+            const AtomList list = metaChildren(b, a);
+            for (const Atom& k : list.atoms) {
+                const auto count = b.be32(k.payload() + 4);
+                if (k.type != fourcc("keys") || !count) continue;
+                // The entries that are there: a size of at least 8, within the atom.
+                quint32 fits = 0;
+                for (qint64 at = k.payload() + 8; fits < *count;) {
+                    const auto size = b.be32(at);
+                    if (!size || *size < 8 || qint64(*size) > k.end() - at) break;
+                    at += *size;
+                    ++fits;
+                }
+                if (*count == fits) continue;
+                Patch p{k.payload() + 4, {uint8_t(fits >> 24), uint8_t(fits >> 16), uint8_t(fits >> 8), uint8_t(fits)}};
+                out->append(p);
+            }
+            if (!list.atoms.isEmpty()) clampKeyCounts(b, list.atoms.first().offset, a.end(), depth + 1, out);
+        } else if (std::find(std::begin(containers), std::end(containers), a.type) != std::end(containers)) {
+            clampKeyCounts(b, a.payload(), a.end(), depth + 1, out);
+        }
+    }
+}
+
 // FFmpeg reads from our bytes through this, so that a mapped file is read in place and a fuzzer
 // can hand over memory.
 struct MemoryInput {
     const uint8_t* data;
     int64_t size;
     int64_t pos = 0;
+    QList<Patch> patches;
 
     static int read(void* opaque, uint8_t* buffer, int length) {
         auto* in = static_cast<MemoryInput*>(opaque);
         if (in->pos >= in->size) return AVERROR_EOF;
         const int n = int(std::min<int64_t>(length, in->size - in->pos));
         std::memcpy(buffer, in->data + in->pos, size_t(n));
+        for (const Patch& p : in->patches)
+            for (int i = 0; i < 4; ++i)
+                if (p.offset + i >= in->pos && p.offset + i < in->pos + n) buffer[p.offset + i - in->pos] = p.bytes[i];
         in->pos += n;
         return n;
     }
@@ -64,7 +106,10 @@ struct MemoryInput {
 // An opened demuxer over memory, closed with everything it holds.
 class Demuxer {
 public:
-    Demuxer(const QByteArray& bytes) : input_{reinterpret_cast<const uint8_t*>(bytes.constData()), bytes.size()} {}
+    Demuxer(const QByteArray& bytes) : input_{reinterpret_cast<const uint8_t*>(bytes.constData()), bytes.size()} {
+        const ByteView view(bytes);
+        clampKeyCounts(view, 0, view.size(), 0, &input_.patches);
+    }
     ~Demuxer() {
         if (format_) avformat_close_input(&format_);
         if (io_) {
@@ -97,6 +142,9 @@ public:
         AVDictionary* options = nullptr;
         // Only movie demuxers: the rest of FFmpeg's formats are no movies for this program.
         av_dict_set(&options, "format_whitelist", "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi", 0);
+        // Edit lists only shift presentation times, which nothing here reads; FFmpeg's
+        // rebuilding of the sample index for them takes seconds on a hostile sample table.
+        av_dict_set(&options, "ignore_editlist", "1", 0);
         const int rc = avformat_open_input(&format_, nullptr, nullptr, &options);
         av_dict_free(&options);
         if (rc < 0) {

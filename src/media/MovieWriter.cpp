@@ -187,7 +187,12 @@ private:
         }
     }
 
-    QByteArray raw(const Atom& a) const { return b_.mid(a.offset, a.size); }
+    // An atom as it stands; one whose size field says "to the end of the parent" gets its size
+    // written out, since the parent may now hold more after it.
+    QByteArray raw(const Atom& a) const {
+        if (b_.be32(a.offset) == 0u) return makeAtom(a.type, b_.mid(a.payload(), a.payloadSize()));
+        return b_.mid(a.offset, a.size);
+    }
 
     std::optional<QByteArray> fail(const QString& why) {
         error_ = why;

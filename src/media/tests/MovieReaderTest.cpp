@@ -186,3 +186,17 @@ TEST(MovieReader, AtomSizesAreCheckedAgainstTheirParent) {
     ASSERT_EQ(top.atoms.size(), 1);
     EXPECT_TRUE(readMetadataItems(view, top.atoms[0]).isEmpty());
 }
+
+TEST(MovieReader, HostileKeyCountStillGivesTheTracks) {
+    // A 'keys' atom that claims 128 million entries: FFmpeg is shown the count that is there, so
+    // it neither clears a gigabyte nor gives up on the movie.
+    QByteArray bytes = readFile(video("apple_meta.mov"));
+    const qsizetype keys = bytes.indexOf("keys");
+    ASSERT_GT(keys, 0);
+    bytes.replace(keys + 8, 4, QByteArray("\x08\x00\x00\x00", 4));
+    const auto info = readMovie(bytes);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->tracks.size(), 2);
+    EXPECT_EQ(info->metadata.size(), 6);
+    EXPECT_EQ(bytes.mid(keys + 8, 4), QByteArray("\x08\x00\x00\x00", 4));  // the bytes themselves are left alone
+}

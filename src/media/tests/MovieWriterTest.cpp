@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -65,6 +66,21 @@ QStringList layout(const QByteArray& bytes) {
     const ByteView v(bytes);
     for (const Atom& a : children(v, 0, v.size()).atoms) out << QStringLiteral("%1@%2").arg(fourccText(a.type)).arg(a.offset);
     return out;
+}
+
+MetadataItem item(const char* space, const QByteArray& key, quint32 type, quint32 locale, const QByteArray& stored,
+                  const QByteArray& keyNamespace = "mdta") {
+    MetadataItem i;
+    i.keySpace = space;
+    i.key = key;
+    i.identifier = makeIdentifier(space, key);
+    i.commonKey = commonKeyFor(space, key);
+    i.dataType = type;
+    i.locale = locale;
+    i.stored = stored;
+    i.keyNamespace = keyNamespace;
+    i.value = decodeData(type, stored);
+    return i;
 }
 
 class Writer : public ::testing::Test {
@@ -237,4 +253,37 @@ TEST_F(Writer, InMemoryRewriteMatchesTheFileOne) {
     EXPECT_EQ(*bytes, readFile(out));
     EXPECT_FALSE(rewriteMovie(QByteArray("\0\0\0\x08" "free", 8), {items, true}, &error));
     EXPECT_FALSE(error.isEmpty());
+}
+
+TEST_F(Writer, EveryKeySpaceIsWrittenAsItsReadersExpect) {
+    const QString source = video("apple_meta.mov");
+    QList<MetadataItem> items = itemsOf(source);
+    constexpr quint32 und = 0x55C4;  // "und", packed
+    items << item("udta", "\xA9nam", DataType::utf8, und, "Udta title");
+    items << item("itsk", "\xA9nam", DataType::utf8, 0, "iTunes title");
+    items << item("itsk", "com.apple.iTunes:MOOD", DataType::utf8, 0, "calm", "----");
+    items << item("uiso", "titl", DataType::reserved, und, QByteArray("\0\0\0\0\x55\xC4" "3GPP title\0", 17));
+    const QByteArray body = QByteArray(1, 3) + "ID3 title";
+    items << item("org.id3", "TIT2", 4, und, "TIT2" + QByteArray(3, 0) + char(body.size()) + QByteArray(2, 0) + body);
+    const QString out = path("spaces.mov");
+    QString error;
+    ASSERT_TRUE(writeMovie(source, out, {items, true}, &error)) << error.toStdString();
+    const QList<MetadataItem> read = itemsOf(out);
+    ASSERT_EQ(read.size(), items.size());
+    for (qsizetype i = 0; i < read.size(); ++i) {
+        SCOPED_TRACE(read[i].identifier.toStdString());
+        EXPECT_EQ(read[i].identifier, items[i].identifier);
+        EXPECT_EQ(read[i].stored, items[i].stored);
+        EXPECT_EQ(read[i].locale, items[i].locale);
+    }
+    EXPECT_EQ(read[6].stringValue(), "Udta title");
+    EXPECT_EQ(read[9].stringValue(), "3GPP title");
+    EXPECT_EQ(read[10].stringValue(), "ID3 title");
+    EXPECT_EQ(read[10].commonKey, "title");
+    const QJsonObject et = exiftoolJson(out, {"-a", "-G1", "-UserData:Title", "-ItemList:Title", "-iTunes:Mood"}).toObject();
+    EXPECT_EQ(et["UserData:Title"].toString(), "Udta title");
+    EXPECT_EQ(et["ItemList:Title"].toString(), "iTunes title");
+    EXPECT_EQ(et["iTunes:Mood"].toString(), "calm");
+    EXPECT_TRUE(ffprobeTags(out).contains("format.tags.title=\"iTunes title\""));
+    EXPECT_EQ(streamHashes(out), streamHashes(source));
 }
