@@ -85,6 +85,17 @@ void ExifVideoModifier::modify(const VideoWishes& wishes) {
     }
 }
 
+void ExifVideoModifier::modify(UserSettings& settings) {
+    VideoWishes wishes;
+    wishes.noTags = settings.switchers[Sections::noTags];
+    wishes.removeDate = settings.switchers[Sections::dateTime];
+    wishes.removeLocation = settings.switchers[Sections::location];
+    if (settings.isDateChanged()) wishes.date = settings.date(TSKey::EXIF_DATE);
+    if (settings.isLocationChanged() && settings.finalLoc) wishes.location = settings.finalLoc->location;
+    modify(wishes);
+    if (!wishes.noTags && wishes.removeDate) settings.dropDateWishes();
+}
+
 bool ExifVideoModifier::changed() const {
     auto same = [](const MetadataItem& a, const MetadataItem& b) {
         return a.identifier == b.identifier && a.stored == b.stored && a.dataType == b.dataType && a.locale == b.locale;

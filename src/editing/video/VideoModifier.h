@@ -6,6 +6,7 @@
 #include "GeoLocation.h"
 #include "MetadataItem.h"
 #include "TSAsset.h"
+#include "UserSettings.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -63,6 +64,9 @@ public:
     QList<ModifyingVideoAsset> modifing;
 
     void modify(const VideoWishes& wishes);
+    // The edit screen's wishes: its no-tags, date and location switches, its date and place.
+    // The date switch also drops the date wishes from `settings`.
+    void modify(UserSettings& settings);
     // True when a video's items differ from its own after modify.
     bool changed() const;
 

@@ -1,5 +1,6 @@
 // The video modifier's rules, and its saves checked by exiftool and ffprobe, run live: the wished
 // date and place read back exactly, every stream's packets are unchanged, the rotation stays.
+#include "HRLocation.h"
 #include "MovieReader.h"
 #include "TestSupport.h"
 #include "VideoModifier.h"
@@ -215,4 +216,28 @@ TEST_F(VideoModifier, NoTagsLeavesTheSoftwareItemAlone) {
         EXPECT_EQ(tags.keys(), QStringList{"com.apple.quicktime.software"});
         EXPECT_EQ(streamHashes(out), streamHashes(file));
     }
+}
+
+TEST_F(VideoModifier, EditScreenSettingsDriveTheSameRules) {
+    auto asset = std::make_shared<const TSAsset>(video("apple_meta.mov"));
+    const QDateTime when(QDate(2024, 1, 2), QTime(3, 4, 5));
+    UserSettings settings(asset->metaData(), asset->ddStore());
+    settings.setDate(when, TSKey::EXIF_DATE);
+    settings.setLocation(HRLocation{std::nullopt, std::nullopt, GeoLocation(1, 2), {}});
+    auto m = ExifVideoModifier::make({asset});
+    ASSERT_TRUE(m);
+    m->modify(settings);
+    const QList<MetadataItem>& items = m->modifing[0].modifier.items;
+    EXPECT_EQ(identifiers(items).count("mdta/com.apple.quicktime.creationdate"), 1);
+    EXPECT_EQ(items.last().stringValue(), "+01.0000+002.0000+0/");
+    EXPECT_EQ(items[items.size() - 2].stringValue(), iso8601Text(when));
+
+    // The date switch removes the date and drops the date wishes.
+    UserSettings off(asset->metaData(), asset->ddStore());
+    off.setDate(when, TSKey::EXIF_DATE);
+    off.switchers.set(Sections::dateTime, true);
+    auto m2 = ExifVideoModifier::make({asset});
+    m2->modify(off);
+    EXPECT_FALSE(identifiers(m2->modifing[0].modifier.items).contains("mdta/com.apple.quicktime.creationdate"));
+    EXPECT_FALSE(off.date(TSKey::EXIF_DATE));
 }
