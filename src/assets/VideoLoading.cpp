@@ -68,8 +68,12 @@ std::optional<TSKey> rowOf(const QString& commonKey) {
 
 void metadataRows(TSDataStore& store, const QList<media::MetadataItem>& items) {
     for (const media::MetadataItem& item : items) {
-        Log::verbose(item.identifier + " = " + item.stringValue().value_or(QStringLiteral("?")), "video(metadata:)");
-        Log::verbose(item.keySpace + " key: " + QString::fromLatin1(item.key), "video(metadata:)");
+        Log::debug(item.identifier + " = " + item.stringValue().value_or(QStringLiteral("?")), "video(metadata:)");
+        Log::debug(item.keySpace + " key: " + QString::fromLatin1(item.key), "video(metadata:)");
+        auto words = [](bool b) { return b ? QStringLiteral("yes") : QStringLiteral("no"); };
+        Log::debug("🫥🫥 " + words(item.keySpace == QLatin1String(media::KeySpace::quickTimeMetadata)) + " " +
+                       words(item.keySpace == QLatin1String(media::KeySpace::quickTimeUserData)),
+                   "video(metadata:)");
         if (item.commonKey.isEmpty()) continue;
         if (auto row = rowOf(item.commonKey)) {
             store.set(*row, item.stringValue());

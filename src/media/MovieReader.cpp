@@ -35,34 +35,59 @@ struct Patch {
     uint8_t bytes[4];
 };
 
+// The atoms in [begin, end) as FFmpeg's QuickTime demuxer walks them: an atom that claims more
+// than its parent holds is cut to the parent's end, not dropped.
+QList<Atom> ffmpegChildren(ByteView b, qint64 begin, qint64 end) {
+    QList<Atom> out;
+    for (qint64 at = begin; at + 8 <= end;) {
+        Atom a;
+        a.offset = at;
+        a.type = *b.be32(at + 4);
+        quint64 size = *b.be32(at);
+        if (size == 1) {
+            const auto wide = b.be64(at + 8);
+            if (!wide || at + 16 > end) break;
+            size = *wide;
+            a.header = 16;
+        } else if (size == 0) {
+            size = quint64(end - at);
+        }
+        if (size < quint64(a.header)) break;
+        a.size = qint64(std::min<quint64>(size, quint64(end - at)));
+        out.append(a);
+        at += a.size;
+    }
+    return out;
+}
+
 // FFmpeg allocates and clears a table as long as the count in a 'keys' atom says before it
-// reads a single entry, and frees it entry by entry: a hostile count costs it a gigabyte and
-// seconds. It is shown the count of the entries that are there instead.
-void clampKeyCounts(ByteView b, qint64 begin, qint64 end, int depth, QList<Patch>* out) {
-    if (depth > 8) return;
-    static const FourCC containers[] = {fourcc("moov"), fourcc("trak"), fourcc("mdia"), fourcc("minf"),
-                                        fourcc("udta"), fourcc("edts"), fourcc("dinf"), fourcc("stbl")};
-    for (const Atom& a : children(b, begin, end).atoms) {
-        if (a.type == fourcc("meta")) {
-            const AtomList list = metaChildren(b, a);
-            for (const Atom& k : list.atoms) {
-                const auto count = b.be32(k.payload() + 4);
-                if (k.type != fourcc("keys") || !count) continue;
-                // The entries that are there: a size of at least 8, within the atom.
-                quint32 fits = 0;
-                for (qint64 at = k.payload() + 8; fits < *count;) {
-                    const auto size = b.be32(at);
-                    if (!size || *size < 8 || qint64(*size) > k.end() - at) break;
-                    at += *size;
-                    ++fits;
-                }
-                if (*count == fits) continue;
-                Patch p{k.payload() + 4, {uint8_t(fits >> 24), uint8_t(fits >> 16), uint8_t(fits >> 8), uint8_t(fits)}};
-                out->append(p);
+// reads a single entry, and frees it entry by entry: a hostile count costs it gigabytes and
+// seconds. It is shown the count of the entries that are there instead. FFmpeg reads a 'keys'
+// atom wherever it meets one (sample descriptions included), so every "keys" outside the media
+// data is taken for one; where the text is something else, only FFmpeg's view of a tag that we
+// read ourselves changes.
+void clampKeyCounts(ByteView b, QList<Patch>* out) {
+    static const QByteArray keys("keys");
+    for (const Atom& top : ffmpegChildren(b, 0, b.size())) {
+        if (top.type == fourcc("mdat")) continue;
+        const QByteArrayView range(reinterpret_cast<const char*>(b.data() + top.offset), top.size);
+        for (qsizetype hit = range.indexOf(keys, 4); hit >= 0; hit = range.indexOf(keys, hit + 1)) {
+            const qint64 atom = top.offset + hit - 4;
+            const quint32 size = *b.be32(atom);
+            if (size != 0 && size < 8) continue;
+            const qint64 atomEnd = size == 0 ? top.end() : std::min<qint64>(top.end(), atom + size);
+            const auto count = b.be32(atom + 12);
+            if (!count || atom + 16 > atomEnd) continue;
+            // The entries that are there: a size of at least 8, within the atom.
+            quint32 fits = 0;
+            for (qint64 at = atom + 16; fits < *count;) {
+                const auto entry = b.be32(at);
+                if (!entry || *entry < 8 || qint64(*entry) > atomEnd - at) break;
+                at += *entry;
+                ++fits;
             }
-            if (!list.atoms.isEmpty()) clampKeyCounts(b, list.atoms.first().offset, a.end(), depth + 1, out);
-        } else if (std::find(std::begin(containers), std::end(containers), a.type) != std::end(containers)) {
-            clampKeyCounts(b, a.payload(), a.end(), depth + 1, out);
+            if (*count != fits)
+                out->append(Patch{atom + 12, {uint8_t(fits >> 24), uint8_t(fits >> 16), uint8_t(fits >> 8), uint8_t(fits)}});
         }
     }
 }
@@ -106,9 +131,9 @@ struct MemoryInput {
 // An opened demuxer over memory, closed with everything it holds.
 class Demuxer {
 public:
-    Demuxer(const QByteArray& bytes) : input_{reinterpret_cast<const uint8_t*>(bytes.constData()), bytes.size()} {
+    explicit Demuxer(const QByteArray& bytes) : input_{reinterpret_cast<const uint8_t*>(bytes.constData()), bytes.size()} {
         const ByteView view(bytes);
-        clampKeyCounts(view, 0, view.size(), 0, &input_.patches);
+        clampKeyCounts(view, &input_.patches);
     }
     ~Demuxer() {
         if (format_) avformat_close_input(&format_);

@@ -199,4 +199,9 @@ TEST(MovieReader, HostileKeyCountStillGivesTheTracks) {
     EXPECT_EQ(info->tracks.size(), 2);
     EXPECT_EQ(info->metadata.size(), 6);
     EXPECT_EQ(bytes.mid(keys + 8, 4), QByteArray("\x08\x00\x00\x00", 4));  // the bytes themselves are left alone
+    // The same with the atom claiming more than its parent holds, which FFmpeg cuts to size.
+    bytes.replace(keys - 4, 4, QByteArray("\x00\x01\x19\x6b", 4));
+    const auto cut = readMovie(bytes);
+    ASSERT_TRUE(cut);
+    EXPECT_EQ(cut->tracks.size(), 2);
 }
