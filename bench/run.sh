@@ -50,3 +50,7 @@ bash "$(dirname "$0")/photo_edit.sh" "$build"
 # Movies: the date of a 100 MB movie changed, ours beside exiftool and ffmpeg.
 echo
 bash "$(dirname "$0")/video_edit.sh" "$build"
+
+# Details: every row of each file in words, ours beside exiftool's default output.
+echo
+bash "$(dirname "$0")/info.sh" "$build"
