@@ -38,6 +38,15 @@ static QStringList filesUnder(const QString& dir, bool malformed) {
 QStringList corpusFiles() { return filesUnder(corpusDir(), false); }
 QStringList malformedFiles() { return filesUnder(corpusDir(), true); }
 
+QString video(const QString& name) { return corpusDir() + "/video/" + name; }
+
+QStringList movies() {
+    QStringList out;
+    for (const QString& f : corpusFiles())
+        if (f.contains("/video/")) out << f;
+    return out;
+}
+
 QString binDir() { return qEnvironmentVariable("TESSORIN_BIN"); }
 
 QByteArray readFile(const QString& path) {
@@ -77,6 +86,11 @@ QJsonValue exiftoolJson(const QString& path, const QStringList& extraArgs) {
         return {};
     }
     return doc.array().first();
+}
+
+QJsonObject ffprobe(const QString& path) {
+    const ProcessResult r = run("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-of", "json", path});
+    return QJsonDocument::fromJson(r.out).object();
 }
 
 }  // namespace testsupport

@@ -2,6 +2,7 @@
 // Helpers shared by the test executables: where the sample media are, and running the
 // independent command-line readers that check our output.
 #include <QByteArray>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,9 @@ QString corpusDir();
 QStringList corpusFiles();
 // Files in malformed/.
 QStringList malformedFiles();
+// A sample movie by name, and every sample movie.
+QString video(const QString& name);
+QStringList movies();
 // The folder of our built executables (build/bin).
 QString binDir();
 
@@ -29,5 +33,8 @@ ProcessResult run(const QString& program, const QStringList& args);
 
 // exiftool's reading of one file as JSON (-j -n -G1 style flags chosen by the caller).
 QJsonValue exiftoolJson(const QString& path, const QStringList& extraArgs = {"-n"});
+
+// ffprobe's reading of a file's format and streams.
+QJsonObject ffprobe(const QString& path);
 
 }  // namespace testsupport

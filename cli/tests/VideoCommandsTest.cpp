@@ -18,25 +18,10 @@ namespace {
 
 ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
-
-QStringList movies() {
-    QStringList out;
-    for (const QString& f : corpusFiles())
-        if (f.contains("/video/")) out << f;
-    return out;
-}
-
 // The text after "Label: " on its line of a details text.
 QString line(const QString& details, const QString& label) {
     const qsizetype at = details.indexOf("\n" + label + " ");
     return at < 0 ? QString() : details.mid(at + label.size() + 2).section('\n', 0, 0);
-}
-
-QJsonObject ffprobe(const QString& path) {
-    return QJsonDocument::fromJson(
-               run("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-of", "json", path}).out)
-        .object();
 }
 
 QByteArray streamHashes(const QString& path) {

@@ -31,7 +31,6 @@ protected:
     QTemporaryDir dir_;
 };
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
 QString row(const TSAsset& a, TSKey key) { return a.ddStore().value(key).first; }
 
 }  // namespace

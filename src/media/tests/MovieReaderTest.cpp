@@ -16,20 +16,6 @@ using namespace testsupport;
 
 namespace {
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
-
-QStringList movies() {
-    QStringList out;
-    for (const QString& f : corpusFiles())
-        if (f.contains("/video/")) out << f;
-    return out;
-}
-
-QJsonObject ffprobe(const QString& path) {
-    const ProcessResult r = run("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-of", "json", path});
-    return QJsonDocument::fromJson(r.out).object();
-}
-
 const MetadataItem* find(const MovieInfo& info, const QString& identifier) {
     for (const MetadataItem& i : info.metadata)
         if (i.identifier == identifier) return &i;

@@ -20,15 +20,6 @@ using namespace testsupport;
 
 namespace {
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
-
-QStringList movies() {
-    QStringList out;
-    for (const QString& f : corpusFiles())
-        if (f.contains("/video/")) out << f;
-    return out;
-}
-
 // One line per stream: its index, type and the SHA-256 of all its packets.
 QByteArray streamHashes(const QString& path) {
     const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});

@@ -17,15 +17,6 @@ using namespace testsupport;
 
 namespace {
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
-
-QStringList movies() {
-    QStringList out;
-    for (const QString& f : corpusFiles())
-        if (f.contains("/video/")) out << f;
-    return out;
-}
-
 QStringList identifiers(const QList<MetadataItem>& items) {
     QStringList out;
     for (const auto& i : items) out << i.identifier;
@@ -47,12 +38,6 @@ QByteArray streamHashes(const QString& path) {
     const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
     return r.out;
-}
-
-QJsonObject ffprobe(const QString& path) {
-    return QJsonDocument::fromJson(
-               run("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-of", "json", path}).out)
-        .object();
 }
 
 // The instant of an exiftool date such as "2024:01:01 21:34:05Z" or "2023:05:14 10:20:30+02:00".
