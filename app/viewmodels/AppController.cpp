@@ -1,0 +1,3 @@
+#include "AppController.h"
+
+AppController::AppController(QObject* parent) : QObject(parent) {}

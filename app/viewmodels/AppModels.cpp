@@ -1,0 +1,38 @@
+#include "AppModels.h"
+
+#include "AlbumListViewModel.h"
+#include "AppController.h"
+#include "DetailTableModel.h"
+#include "DetailViewModel.h"
+#include "GroupViewModel.h"
+#include "SettingsViewModel.h"
+#include "ShareViewModel.h"
+#include "TagTableModel.h"
+#include "ToolBarModel.h"
+
+#include <QQmlEngine>
+
+AppModels::AppModels(QObject* parent)
+    : QObject(parent),
+      app(new AppController(this)),
+      albumList(new AlbumListViewModel(this)),
+      group(new GroupViewModel(this)),
+      settings(new SettingsViewModel(this)),
+      detail(new DetailViewModel(this)),
+      detailTable(new DetailTableModel(this)),
+      tagTable(new TagTableModel(this)),
+      toolBar(new ToolBarModel(this)),
+      share(new ShareViewModel(this)) {}
+
+void AppModels::registerWithQml() {
+    const char* uri = "Tessorin";
+    qmlRegisterSingletonInstance(uri, 1, 0, "App", app);
+    qmlRegisterSingletonInstance(uri, 1, 0, "AlbumList", albumList);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Group", group);
+    qmlRegisterSingletonInstance(uri, 1, 0, "SettingsScreen", settings);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Detail", detail);
+    qmlRegisterSingletonInstance(uri, 1, 0, "DetailTable", detailTable);
+    qmlRegisterSingletonInstance(uri, 1, 0, "TagTable", tagTable);
+    qmlRegisterSingletonInstance(uri, 1, 0, "ToolBar", toolBar);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Share", share);
+}

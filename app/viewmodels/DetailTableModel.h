@@ -1,0 +1,11 @@
+#pragma once
+// (placeholder: filled in by the screen's own change)
+#include <QAbstractListModel>
+
+class DetailTableModel : public QAbstractListModel {
+    Q_OBJECT
+public:
+    explicit DetailTableModel(QObject* parent = nullptr);
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+};

@@ -1,0 +1,3 @@
+#include "DetailViewModel.h"
+
+DetailViewModel::DetailViewModel(QObject* parent) : QObject(parent) {}

@@ -1,0 +1,3 @@
+#include "ShareViewModel.h"
+
+ShareViewModel::ShareViewModel(QObject* parent) : QObject(parent) {}

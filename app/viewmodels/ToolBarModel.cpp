@@ -1,0 +1,3 @@
+#include "ToolBarModel.h"
+
+ToolBarModel::ToolBarModel(QObject* parent) : QObject(parent) {}
