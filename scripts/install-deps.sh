@@ -13,6 +13,8 @@ packages=(
   qml6-module-qtquick-dialogs qml6-module-qtmultimedia
   # TIFF and WebP pixels for QImage (redrawing photos, and the tests' pixel checks)
   qt6-image-formats-plugins
+  # the app's icons are SVG files
+  qt6-svg-dev libqt6svg6
   # metadata and media libraries
   libexiv2-dev libheif-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libsqlite3-dev libsystemd-dev
