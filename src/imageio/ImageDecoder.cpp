@@ -1,25 +1,43 @@
 #include "ImageDecoder.h"
 
+#include "Exiv2Convert.h"
 #include "ImageProperties.h"
 
 #include <QBuffer>
 #include <QImageReader>
+#include <exiv2/exiv2.hpp>
 #include <libheif/heif.h>
+#include <cmath>
 #include <memory>
+#include <vector>
+
+// exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
 namespace imageio {
 namespace {
 
-QImage decodeHeif(const QByteArray& bytes) {
-    std::unique_ptr<heif_context, decltype(&heif_context_free)> ctx(heif_context_alloc(), heif_context_free);
+using HeifContext = std::unique_ptr<heif_context, decltype(&heif_context_free)>;
+using HeifHandle = std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)>;
+
+HeifContext readHeif(const QByteArray& bytes) {
+    HeifContext ctx(heif_context_alloc(), heif_context_free);
     if (heif_context_read_from_memory_without_copy(ctx.get(), bytes.constData(), size_t(bytes.size()), nullptr).code !=
         heif_error_Ok)
-        return {};
-    heif_image_handle* rawHandle = nullptr;
-    if (heif_context_get_primary_image_handle(ctx.get(), &rawHandle).code != heif_error_Ok) return {};
-    std::unique_ptr<heif_image_handle, decltype(&heif_image_handle_release)> handle(rawHandle, heif_image_handle_release);
+        ctx.reset();
+    return ctx;
+}
+
+HeifHandle primaryHandle(heif_context* ctx) {
+    heif_image_handle* raw = nullptr;
+    if (!ctx || heif_context_get_primary_image_handle(ctx, &raw).code != heif_error_Ok) raw = nullptr;
+    return HeifHandle(raw, heif_image_handle_release);
+}
+
+// libheif applies the item's rotation and mirroring while decoding.
+QImage decodeHeifHandle(heif_image_handle* handle) {
     heif_image* rawImage = nullptr;
-    if (heif_decode_image(handle.get(), &rawImage, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr).code !=
+    if (heif_decode_image(handle, &rawImage, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr).code !=
         heif_error_Ok)
         return {};
     std::unique_ptr<heif_image, decltype(&heif_image_release)> image(rawImage, heif_image_release);
@@ -29,6 +47,74 @@ QImage decodeHeif(const QByteArray& bytes) {
     const int h = heif_image_get_height(image.get(), heif_channel_interleaved);
     if (!pixels || w <= 0 || h <= 0) return {};
     return QImage(pixels, w, h, stride, QImage::Format_RGBA8888).copy();
+}
+
+QImage decodeHeif(const QByteArray& bytes) {
+    HeifContext ctx = readHeif(bytes);
+    HeifHandle handle = primaryHandle(ctx.get());
+    return handle ? decodeHeifHandle(handle.get()) : QImage();
+}
+
+// The smallest stored thumbnail that is still big enough, or the primary image.
+QImage heifThumbnail(const QByteArray& bytes, int maxSide) {
+    HeifContext ctx = readHeif(bytes);
+    HeifHandle primary = primaryHandle(ctx.get());
+    if (!primary) return {};
+    const int count = heif_image_handle_get_number_of_thumbnails(primary.get());
+    std::vector<heif_item_id> ids(size_t(qMax(count, 0)));
+    if (count > 0) heif_image_handle_get_list_of_thumbnail_IDs(primary.get(), ids.data(), count);
+    HeifHandle best(nullptr, heif_image_handle_release);
+    int bestSide = 0;
+    for (heif_item_id id : ids) {
+        heif_image_handle* raw = nullptr;
+        if (heif_image_handle_get_thumbnail(primary.get(), id, &raw).code != heif_error_Ok || !raw) continue;
+        HeifHandle thumb(raw, heif_image_handle_release);
+        const int side = qMax(heif_image_handle_get_width(raw), heif_image_handle_get_height(raw));
+        if (side >= maxSide && (!best || side < bestSide)) {
+            best = std::move(thumb);
+            bestSide = side;
+        }
+    }
+    if (best) {
+        QImage image = decodeHeifHandle(best.get());
+        if (!image.isNull()) return image;
+    }
+    return decodeHeifHandle(primary.get());
+}
+
+int exifOrientation(const Exiv2::ExifData& exif) {
+    auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+    if (it == exif.end() || it->count() < 1) return 1;
+    return int(it->toLong());
+}
+
+// An embedded preview (EXIF thumbnail, a raw file's JPEG previews) that is big enough and has
+// the image's shape: a letterboxed camera thumbnail would show black bars in the grid.
+QImage embeddedPreview(Exiv2::Image& image, int maxSide) {
+    Exiv2::PreviewManager previews(image);
+    const double imageAspect =
+        image.pixelWidth() > 0 && image.pixelHeight() > 0 ? double(image.pixelWidth()) / image.pixelHeight() : 0.0;
+    // Listed from the smallest up.
+    for (const Exiv2::PreviewProperties& p : previews.getPreviewProperties()) {
+        if (int(qMax(p.width_, p.height_)) < maxSide || p.width_ == 0 || p.height_ == 0) continue;
+        if (imageAspect > 0 && std::abs(double(p.width_) / p.height_ - imageAspect) > 0.03 * imageAspect) continue;
+        const Exiv2::PreviewImage preview = previews.getPreviewImage(p);
+        QImage decoded = QImage::fromData(preview.pData(), int(preview.size()));
+        if (!decoded.isNull() && qMax(decoded.width(), decoded.height()) >= maxSide) return decoded;
+    }
+    return {};
+}
+
+// Qt decodes, at the reduced size from the start where the format allows it.
+QImage scaledDecode(const QByteArray& bytes, int maxSide) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(false);
+    const QSize size = reader.size();
+    if (size.isValid() && qMax(size.width(), size.height()) > maxSide)
+        reader.setScaledSize(size.scaled(maxSide, maxSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    return reader.read();
 }
 
 }  // namespace
@@ -41,6 +127,52 @@ QImage decodeImage(const QByteArray& bytes) {
     QImageReader reader(&buffer);
     reader.setAutoTransform(false);
     return reader.read();
+}
+
+QImage thumbnail(const QByteArray& bytes, int maxSide) {
+    if (maxSide < 1 || bytes.isEmpty()) return {};
+    const Format format = detectFormat(bytes);
+    if (format == Format::Movie) return {};
+    if (format == Format::Heif || format == Format::Avif) return scaledToFit(heifThumbnail(bytes, maxSide), maxSide);
+
+    int orientation = 1;
+    QImage image;
+    if (format != Format::Unknown) {
+        initExiv2();
+        try {
+            Exiv2::Image::AutoPtr exiv2Image =
+                Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()));
+            if (exiv2Image.get()) {
+                exiv2Image->readMetadata();
+                orientation = exifOrientation(exiv2Image->exifData());
+                image = embeddedPreview(*exiv2Image, maxSide);
+            }
+        } catch (const std::exception&) {
+            // Broken metadata: the pixels may still decode, upright as stored.
+        }
+    }
+    if (image.isNull()) image = scaledDecode(bytes, maxSide);
+    if (image.isNull()) return {};
+    return applyOrientation(scaledToFit(image, maxSide), orientation);
+}
+
+QImage scaledToFit(const QImage& image, int maxSide) {
+    if (image.isNull() || maxSide < 1 || qMax(image.width(), image.height()) <= maxSide) return image;
+    return image.scaled(maxSide, maxSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+QImage applyOrientation(const QImage& image, int orientation) {
+    // Mirror first, then turn clockwise, as the EXIF values are defined.
+    switch (orientation) {
+    case 2: return image.mirrored(true, false);
+    case 3: return image.mirrored(true, true);
+    case 4: return image.mirrored(false, true);
+    case 5: return image.mirrored(false, true).transformed(QTransform().rotate(90));
+    case 6: return image.transformed(QTransform().rotate(90));
+    case 7: return image.mirrored(true, false).transformed(QTransform().rotate(90));
+    case 8: return image.transformed(QTransform().rotate(270));
+    default: return image;
+    }
 }
 
 }  // namespace imageio
