@@ -1,0 +1,97 @@
+#include "TSShare.h"
+
+#include "ImageDecoder.h"
+#include "ImageProperties.h"
+#include "Log.h"
+#include "TSMetaVideo.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QSaveFile>
+
+namespace sharing {
+
+std::unique_ptr<TSMetaDictProtocol> exportDictionary(const TSAlbum& album) {
+    const TSAsset* asset = album.currentAsset.get();
+    if (asset && !asset->isVideo()) return std::make_unique<TSMetaDictionay>(asset->metaData(), album.needDownload());
+    if (asset && asset->metaVideo() && asset->ddStore().completed)
+        return std::make_unique<TSMetaVideoDictionary>(asset->metaVideo());
+    return std::make_unique<TSMetaDictionay>(TSMetaData(), true);
+}
+
+std::optional<QByteArray> strippedJpeg(const QByteArray& imageData, int orientation) {
+    const QImage decoded = imageio::decodeImage(imageData);
+    if (decoded.isNull()) return std::nullopt;
+    // libheif turns HEIF and AVIF pictures by their container's rotation already; their EXIF
+    // orientation only repeats it.
+    const imageio::Format format = imageio::detectFormat(imageData);
+    const bool turned = format == imageio::Format::Heif || format == imageio::Format::Avif;
+    const QImage upright =
+        (turned ? decoded : imageio::applyOrientation(decoded, orientation)).convertToFormat(QImage::Format_RGB32);
+    // A bare copy of the pixels: Qt writes an image's text entries (a PNG's tEXt, say) into the
+    // JPEG as comments, and the point here is to share nothing but the picture and its colours.
+    QImage bare(upright.constBits(), upright.width(), upright.height(), upright.bytesPerLine(), upright.format());
+    bare = bare.copy();
+    bare.setColorSpace(upright.colorSpace());
+    QByteArray out;
+    QBuffer buffer(&out);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setQuality(100);
+    if (!writer.write(bare)) return std::nullopt;
+    return out;
+}
+
+namespace {
+
+std::optional<ShareItems> textItems(const QString& text, const QString& fileName) {
+    if (text.isEmpty()) return std::nullopt;
+    return ShareItems{{}, fileName, text};
+}
+
+}  // namespace
+
+std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, QString* error) {
+    const TSAsset* asset = album.currentAsset.get();
+    if (!asset) return std::nullopt;
+    const QFileInfo file(asset->path());
+    const QString base = file.completeBaseName().isEmpty() ? QStringLiteral("item") : file.completeBaseName();
+    switch (action) {
+    case ShareAction::shareMeta:
+        if (asset->imageData().isEmpty()) return std::nullopt;
+        return ShareItems{asset->imageData(), file.fileName(), asset->ddStore().summaryText()};
+    case ShareAction::shareWithoutMeta: {
+        if (asset->imageData().isEmpty()) return std::nullopt;
+        const auto orientation = asset->metaData().orientation().value_or(1);
+        auto jpeg = strippedJpeg(asset->imageData(), int(orientation));
+        if (!jpeg) {
+            Log::error(QStringLiteral("📤 stripping %1 failed").arg(asset->path()));
+            if (error) *error = kStripError;
+            return std::nullopt;
+        }
+        return ShareItems{*jpeg, base + QStringLiteral("-no-metadata.jpg"), {}};
+    }
+    case ShareAction::shareDetails:
+        return textItems(asset->ddStore().detailsText(), base + QStringLiteral("-details.txt"));
+    case ShareAction::hrShare:
+        return textItems(exportDictionary(album)->allText(), base + QStringLiteral("-tags.txt"));
+    case ShareAction::jsonShare:
+        return textItems(exportDictionary(album)->jsonText(), base + QStringLiteral("-tags.json"));
+    case ShareAction::rawShare:
+        return textItems(exportDictionary(album)->rawText(), base + QStringLiteral("-tags-raw.txt"));
+    }
+    return std::nullopt;
+}
+
+bool saveToFile(const QString& path, const QByteArray& bytes, QString* error) {
+    QSaveFile out(path);
+    out.setDirectWriteFallback(false);
+    if (out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size() && out.commit()) return true;
+    if (error) *error = QStringLiteral("%1: %2").arg(path, out.errorString());
+    out.cancelWriting();
+    return false;
+}
+
+}  // namespace sharing

@@ -1,0 +1,239 @@
+#include "TSShare.h"
+
+#include "ImageDecoder.h"
+#include "ImageProperties.h"
+#include "ImageWriter.h"
+#include "TSFilesAlbum.h"
+#include "TSMetaVideo.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+using namespace sharing;
+using namespace testsupport;
+
+namespace {
+
+const ShareAction kAllActions[] = {ShareAction::shareMeta, ShareAction::shareWithoutMeta, ShareAction::shareDetails,
+                                   ShareAction::hrShare,   ShareAction::jsonShare,        ShareAction::rawShare};
+
+// The files album with one item on view, as the detail screen has it.
+std::shared_ptr<TSFilesAlbum> albumShowing(const QString& path) {
+    auto album = std::make_shared<TSFilesAlbum>();
+    album->currentAsset = std::make_shared<TSAsset>(path);
+    return album;
+}
+
+QString writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes) {
+    const QString path = dir.filePath(name);
+    QFile f(path);
+    EXPECT_TRUE(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size()) << path.toStdString();
+    return path;
+}
+
+// A small greyscale thumbnail, to compare pictures whatever their encoding.
+QImage fingerprint(const QImage& image) {
+    return image.scaled(24, 24, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).convertToFormat(QImage::Format_Grayscale8);
+}
+
+double meanDifference(const QImage& a, const QImage& b) {
+    const QImage fa = fingerprint(a), fb = fingerprint(b);
+    double sum = 0;
+    for (int y = 0; y < fa.height(); ++y)
+        for (int x = 0; x < fa.width(); ++x) sum += std::abs(int(fa.constScanLine(y)[x]) - int(fb.constScanLine(y)[x]));
+    return sum / (fa.width() * fa.height());
+}
+
+}  // namespace
+
+// The copy without metadata, read by exiftool: a JPEG with no EXIF, IPTC, XMP or maker notes,
+// standing upright, from every kind of source the files album opens.
+TEST(StrippedCopy, HoldsNoTagsAndStandsUpright) {
+    struct Case {
+        const char* file;
+        int width, height;
+    };
+    const Case cases[] = {
+        {"jpeg/orientation/portrait_6.jpg", 450, 600},  // stored 600 x 450, turned by EXIF
+        {"jpeg/orientation/landscape_8.jpg", 600, 450},
+        {"jpeg/iptc-psAPP13-wIPTCmid.jpg", 420, 300},     // IPTC in Photoshop's APP13
+        {"jpeg/BlueSquare.jpg", 360, 216},                 // EXIF, IPTC and XMP
+        {"jpeg/gps/DSCN0010.jpg", 640, 480},
+        {"heif/iphone_13_pro_max.HEIC", 3024, 4032},      // turned by its container, EXIF says the same
+        {"png/1343_exif.png", 200, 100},
+        {"png/1343_comment.png", 200, 100},               // a text chunk must not become a JPEG comment
+        {"webp/exif.webp", 1200, 800},
+    };
+    QTemporaryDir out;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.file);
+        const auto album = albumShowing(corpusDir() + "/" + c.file);
+        QString error;
+        const auto items = shareItems(ShareAction::shareWithoutMeta, *album, &error);
+        ASSERT_TRUE(items) << error.toStdString();
+        EXPECT_TRUE(items->text.isEmpty());
+        EXPECT_TRUE(items->fileName.endsWith("-no-metadata.jpg")) << items->fileName.toStdString();
+        const QString path = writeFile(out, QFileInfo(c.file).fileName() + ".jpg", items->data);
+        const QJsonObject tags = exiftoolJson(path, {"-G0", "-a", "-n"}).toObject();
+        EXPECT_EQ(tags.value("File:FileType").toString(), "JPEG");
+        EXPECT_EQ(tags.value("File:ImageWidth").toInt(), c.width);
+        EXPECT_EQ(tags.value("File:ImageHeight").toInt(), c.height);
+        for (const QString& key : tags.keys()) {
+            const QString group = key.section(':', 0, 0);
+            EXPECT_FALSE(group == "EXIF" || group == "IPTC" || group == "XMP" || group == "Photoshop" ||
+                         group == "MakerNotes" || key == "File:Comment")
+                << "left in the stripped copy: " << key.toStdString();
+        }
+    }
+}
+
+// All eight EXIF orientations of one scene come out upright: each is closer to the upright
+// picture than to any mirrored or turned form of it (the samples differ only in a drawn digit).
+TEST(StrippedCopy, EveryOrientationStandsUpright) {
+    for (const QString shape : {"landscape", "portrait"}) {
+        const QString dir = corpusDir() + "/jpeg/orientation/";
+        const auto reference = strippedJpeg(readFile(dir + shape + "_1.jpg"), 1);
+        ASSERT_TRUE(reference);
+        const QImage upright = QImage::fromData(*reference);
+        for (int n = 2; n <= 8; ++n) {
+            const QString file = dir + shape + "_" + QString::number(n) + ".jpg";
+            SCOPED_TRACE(file.toStdString());
+            const auto album = albumShowing(file);
+            const auto items = shareItems(ShareAction::shareWithoutMeta, *album);
+            ASSERT_TRUE(items);
+            const QImage picture = QImage::fromData(items->data);
+            ASSERT_EQ(picture.size(), upright.size());
+            const double right = meanDifference(picture, upright);
+            for (int wrong = 2; wrong <= 8; ++wrong) {
+                const QImage other = imageio::applyOrientation(upright, wrong);
+                if (other.size() == upright.size()) {
+                    EXPECT_LT(right * 1.5, meanDifference(picture, other)) << "closer to orientation " << wrong;
+                }
+            }
+        }
+    }
+}
+
+// "With Metadata": the file's bytes as they are, and the summary sentence beside them.
+TEST(ShareItems, WithMetadataIsTheFileUnchangedWithItsSummary) {
+    for (const QString file : {"jpeg/gps/DSCN0010.jpg", "heif/iphone_13_pro_max.HEIC", "video/apple_meta.mov"}) {
+        SCOPED_TRACE(file.toStdString());
+        const QString path = corpusDir() + "/" + file;
+        const auto album = albumShowing(path);
+        const auto items = shareItems(ShareAction::shareMeta, *album);
+        ASSERT_TRUE(items);
+        EXPECT_EQ(items->data, readFile(path));
+        EXPECT_EQ(items->fileName, QFileInfo(path).fileName());
+        EXPECT_EQ(items->text, album->currentAsset->ddStore().summaryText());
+        EXPECT_TRUE(items->text.contains(" was taken") || items->text.contains("\nTaken")) << items->text.toStdString();
+    }
+}
+
+// No item, an empty file, unreadable bytes: nothing is shared, and only a failed strip is an error.
+TEST(ShareItems, NothingToShareAndBrokenItems) {
+    TSFilesAlbum empty;
+    for (ShareAction action : kAllActions) {
+        QString error;
+        EXPECT_FALSE(shareItems(action, empty, &error));
+        EXPECT_TRUE(error.isEmpty());
+    }
+
+    QTemporaryDir dir;
+    const auto nothing = albumShowing(writeFile(dir, "empty.jpg", {}));
+    QString error;
+    EXPECT_FALSE(shareItems(ShareAction::shareMeta, *nothing, &error));
+    EXPECT_FALSE(shareItems(ShareAction::shareWithoutMeta, *nothing, &error));
+    EXPECT_TRUE(error.isEmpty());
+
+    const auto junk = albumShowing(writeFile(dir, "junk.jpg", "plain text, no picture at all"));
+    EXPECT_FALSE(shareItems(ShareAction::shareWithoutMeta, *junk, &error));
+    EXPECT_EQ(error, "Error while stripping Metadata");
+    // A photo with no dictionary at all: one raw line.
+    const auto raw = shareItems(ShareAction::rawShare, *junk);
+    ASSERT_TRUE(raw);
+    EXPECT_EQ(raw->text.toStdString(), "Tags: empty;\n");
+    EXPECT_TRUE(raw->data.isEmpty());
+}
+
+// A video's exports come from its key spaces; its JSON export is "{}"; it can't be stripped.
+TEST(ShareItems, VideoExports) {
+    const auto album = albumShowing(video("apple_meta.mov"));
+    ASSERT_TRUE(album->currentAsset->ddStore().completed);
+    const auto dictionary = exportDictionary(*album);
+    ASSERT_TRUE(dynamic_cast<TSMetaVideoDictionary*>(dictionary.get()));
+
+    const auto human = shareItems(ShareAction::hrShare, *album);
+    ASSERT_TRUE(human);
+    EXPECT_EQ(human->text, dictionary->allText());
+    EXPECT_TRUE(human->text.startsWith("**")) << human->text.toStdString();
+    const auto raw = shareItems(ShareAction::rawShare, *album);
+    ASSERT_TRUE(raw);
+    EXPECT_TRUE(raw->text.contains("com.apple.quicktime.location.ISO6709")) << raw->text.toStdString();
+    const auto json = shareItems(ShareAction::jsonShare, *album);
+    ASSERT_TRUE(json);
+    EXPECT_EQ(json->text, "{}");
+    EXPECT_TRUE(json->fileName.endsWith("-tags.json"));
+    const auto details = shareItems(ShareAction::shareDetails, *album);
+    ASSERT_TRUE(details);
+    EXPECT_TRUE(details->text.contains("Is video: true\n"));
+    EXPECT_FALSE(details->text.contains("Flash"));
+
+    QString error;
+    EXPECT_FALSE(shareItems(ShareAction::shareWithoutMeta, *album, &error));
+    EXPECT_EQ(error, "Error while stripping Metadata");
+}
+
+// The JSON export of every sample photo is valid JSON; a quote inside a text makes it "{}".
+TEST(ShareItems, JsonExportIsAlwaysValid) {
+    int withTags = 0;
+    for (const QString& file : corpusFiles()) {
+        const auto album = albumShowing(file);
+        if (album->currentAsset->isVideo()) continue;
+        const auto items = shareItems(ShareAction::jsonShare, *album);
+        ASSERT_TRUE(items) << file.toStdString();
+        QJsonParseError parse;
+        const QJsonDocument doc = QJsonDocument::fromJson(items->text.toUtf8(), &parse);
+        EXPECT_EQ(parse.error, QJsonParseError::NoError) << file.toStdString() << ": " << items->text.left(200).toStdString();
+        if (doc.isObject() && !doc.object().isEmpty()) ++withTags;
+    }
+    EXPECT_GT(withTags, 10);
+
+    QString error;
+    const auto quoted = imageio::writeProperties(
+        readFile(corpusDir() + "/jpeg/gps/DSCN0010.jpg"),
+        imageio::PropertyDict{{"{Exif}", QVariantMap{{"UserComment", QStringLiteral("the \"best\" view")}}}}, &error);
+    ASSERT_TRUE(quoted) << error.toStdString();
+    QTemporaryDir dir;
+    const auto album = albumShowing(writeFile(dir, "quoted.jpg", *quoted));
+    const auto json = shareItems(ShareAction::jsonShare, *album);
+    ASSERT_TRUE(json);
+    EXPECT_EQ(json->text, "{}");
+    // The other exports still carry the comment.
+    EXPECT_TRUE(shareItems(ShareAction::hrShare, *album)->text.contains("the \"best\" view"));
+}
+
+// Saving replaces the file whole or not at all, and leaves no temporary file behind.
+TEST(SaveToFile, ReplacesWholeAndLeavesNothingBehind) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("copy.jpg");
+    ASSERT_TRUE(saveToFile(path, "first"));
+    ASSERT_TRUE(saveToFile(path, "second, longer"));
+    EXPECT_EQ(readFile(path), "second, longer");
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"copy.jpg"});
+
+    QString error;
+    EXPECT_FALSE(saveToFile(dir.filePath("missing/copy.jpg"), "x", &error));
+    EXPECT_FALSE(error.isEmpty());
+    // A folder in the way is not replaced.
+    ASSERT_TRUE(QDir(dir.path()).mkdir("taken"));
+    EXPECT_FALSE(saveToFile(dir.filePath("taken"), "x", &error));
+    EXPECT_TRUE(QFileInfo(dir.filePath("taken")).isDir());
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"copy.jpg"});
+}
