@@ -11,6 +11,8 @@ packages=(
   qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
   qml6-module-qtquick-window qml6-module-qtqml-workerscript qml6-module-qtquick-templates
   qml6-module-qtquick-dialogs qml6-module-qtmultimedia
+  # the file dialog's own view, where the desktop offers none; a font for offscreen screenshots
+  qml6-module-qt-labs-folderlistmodel fonts-dejavu-core
   # TIFF and WebP pixels for QImage (redrawing photos, and the tests' pixel checks)
   qt6-image-formats-plugins
   # the app's icons are SVG files
