@@ -6,8 +6,9 @@ JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 FUZZ_TARGET  ?= fuzz_reader
 CMAKE_FLAGS ?=
+PREFIX     ?= /usr/local
 
-.PHONY: deps build build-asan test test-fast run fuzz bench clean
+.PHONY: deps build build-asan test test-fast run fuzz bench clean screenshots install
 
 deps:
 	@bash scripts/install-deps.sh
@@ -41,6 +42,14 @@ fuzz: deps
 bench: build
 	@bash bench/run.sh $(BUILD)
 	@bash bench/geo.sh $(BUILD)
+
+# Pictures of every screen over the demo album, phone- and tablet-sized, drawn offscreen.
+screenshots: build
+	QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software $(BUILD)/bin/tessorin --screenshots $(BUILD)/screenshots
+
+# The app, its launcher entry, icon and place data under PREFIX.
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)

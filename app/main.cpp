@@ -1,7 +1,84 @@
-// (placeholder: the app's start-up comes with the shell's own change)
+// tessorin [FILE... | tessorin://ALBUM]: the app. Files open as a files album; a link opens the
+// album it names. `tessorin --screenshots DIR [FILE...]` draws every screen over the demo album
+// (or the files given) offscreen and writes PNG pictures into DIR.
+#include "AppController.h"
+#include "AppModels.h"
+#include "Log.h"
+#include "QmlSetup.h"
+#include "Recent.h"
+#include "Screenshots.h"
+
+#include <QCommandLineParser>
+#include <QDir>
 #include <QGuiApplication>
+#include <QIcon>
+#include <QQmlApplicationEngine>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <cstring>
+
+namespace {
+
+bool wantsScreenshots(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i)
+        if (std::strcmp(argv[i], "--screenshots") == 0) return true;
+    return false;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+    // The pictures are drawn without a display, by the software renderer, so that they come out
+    // the same on every machine.
+    if (wantsScreenshots(argc, argv)) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND")) qputenv("QT_QUICK_BACKEND", "software");
+    }
+
+    // Start-up, in order: the log, the defaults (Settings answers an unset flag with its
+    // default and writes nothing, so registering them is a matter of the table there), the
+    // recent dates and places.
+    Log::configure(LogDateFormatter(QStringLiteral("yyyy-MM-dd HH:mm:ssSSS")), ExtraInfo::both);
     QGuiApplication app(argc, argv);
-    return 0;
+    QGuiApplication::setApplicationName(AppController::appName());
+    QGuiApplication::setApplicationVersion(AppController::version());
+    QGuiApplication::setDesktopFileName(QStringLiteral("tessorin"));
+    QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tessorin.svg")));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("See and fix what photos and videos say about themselves."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption screenshots(QStringLiteral("screenshots"),
+                                         QStringLiteral("Write pictures of every screen into <dir> and quit."),
+                                         QStringLiteral("dir"));
+    parser.addOption(screenshots);
+    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Photos and videos, or a tessorin://ALBUM link."),
+                                 QStringLiteral("[FILE... | tessorin://ALBUM]"));
+    parser.process(app);
+
+    // The pictures show the screens as a first start sees them, and never touch the user's
+    // settings.
+    QTemporaryDir settingsDir;
+    if (parser.isSet(screenshots))
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
+
+    recents::loadRecents();
+
+    appqml::setStyle();
+    AppModels models;
+    models.registerWithQml();
+    QQmlApplicationEngine engine;
+    appqml::setUpEngine(engine);
+
+    if (parser.isSet(screenshots)) {
+        QStringList files = parser.positionalArguments();
+        if (files.isEmpty()) files = Screenshots::demoFiles(QCoreApplication::applicationDirPath() + "/../demo");
+        return Screenshots(engine, models).run(parser.value(screenshots), files);
+    }
+
+    engine.load(QUrl(QStringLiteral("qrc:/qml/Main.qml")));
+    if (engine.rootObjects().isEmpty()) return 1;
+    models.app->openArguments(parser.positionalArguments());
+    return app.exec();
 }

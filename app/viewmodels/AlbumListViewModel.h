@@ -1,11 +1,86 @@
 #pragma once
-// (placeholder: filled in by the screen's own change)
+// The root list "All albums": sections of entries, flattened for a ListView into header rows
+// and entry rows. Section 0 has no header (so it can't collapse) and holds the entry that
+// opens files and, once files were picked, the files album. Later sections (the library's)
+// collapse by a tap on their header; the collapsed ones are kept in "HiddenSections".
 #include <QAbstractListModel>
+#include <QSet>
+#include <QStringList>
+#include <QUrl>
 
 class AlbumListViewModel : public QAbstractListModel {
     Q_OBJECT
+    Q_PROPERTY(QString title READ title CONSTANT)
+    // The document picker's name filters: images, plus videos while "video" is on.
+    Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY nameFiltersChanged)
 public:
+    enum Role { KindRole = Qt::UserRole + 1, SectionRole, TitleRole, SymbolRole, CountRole, CollapsedRole };
+    Q_ENUM(Role)
+
+    // What selecting an entry does.
+    enum class Action { none, documentPicker, filesAlbum };
+    struct Entry {
+        QString title;
+        QString symbol;
+        int count = -1;  // -1: no count shown
+        Action action = Action::none;
+    };
+    struct Section {
+        QString title;
+        QList<Entry> entries;
+    };
+
     explicit AlbumListViewModel(QObject* parent = nullptr);
+
+    QString title() const { return QStringLiteral("All albums"); }
+    static QStringList nameFilters();
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    const QList<Section>& sections() const { return sections_; }
+    // The sections after the first (the library's, when there is one).
+    void setLibrarySections(const QList<Section>& sections);
+    bool isHidden(int section) const;
+
+    // Rebuilds the list and acts on a pending tessorin:// album name: the album whose title
+    // matches it, whatever the case, opens; no match leaves the list on screen.
+    Q_INVOKABLE void load();
+    // A tap on a section's header; section 0 has none and stays open.
+    Q_INVOKABLE void toggle(int section);
+    // A tap on the row of the flat list.
+    Q_INVOKABLE void select(int row);
+    // The document picker's answer.
+    Q_INVOKABLE void documentPicked(const QList<QUrl>& urls);
+    // Files given on the command line: opened as if picked.
+    void openPaths(const QStringList& paths);
+    // Opens an entry by its place in the sections.
+    void selectEntry(int section, int index);
+
+    // The files of the last pick, kept for the "From files" entry.
+    const QStringList& pickedPaths() const { return pickedPaths_; }
+
+signals:
+    void nameFiltersChanged();
+    // The entry that opens files was chosen: the view shows the file dialog.
+    void documentPickerRequested();
+    // A new album is current: the group screen shows it.
+    void albumOpened();
+
+private:
+    QList<Section> sections_;
+    QList<Section> librarySections_;
+    QStringList pickedPaths_;
+    // Read once from the settings, written at each toggle.
+    QSet<int> hiddenSections_;
+
+    struct Row {
+        bool header;
+        int section;
+        int entry;
+    };
+    QList<Row> rows_;
+    void rebuild();
+    void openFilesAlbum();
 };

@@ -22,7 +22,20 @@ AppModels::AppModels(QObject* parent)
       detailTable(new DetailTableModel(this)),
       tagTable(new TagTableModel(this)),
       toolBar(new ToolBarModel(this)),
-      share(new ShareViewModel(this)) {}
+      share(new ShareViewModel(this)) {
+    // Navigation between the browsing screens.
+    connect(app, &AppController::filesOpened, albumList, &AlbumListViewModel::openPaths);
+    connect(app, &AppController::rootRebuilt, albumList, &AlbumListViewModel::load);
+    connect(app, &AppController::groupLeft, group, &GroupViewModel::leave);
+    connect(albumList, &AlbumListViewModel::albumOpened, app, &AppController::openGroup);
+    connect(albumList, &AlbumListViewModel::albumOpened, group, &GroupViewModel::attach);
+    connect(group, &GroupViewModel::detailRequested, app, &AppController::openDetail);
+    connect(settings, &SettingsViewModel::aboutRequested, app, &AppController::openAbout);
+    connect(settings, &SettingsViewModel::closed, albumList, &AlbumListViewModel::load);
+    connect(app, &AppController::popped, settings, [this](const QString& screen) {
+        if (screen == QLatin1String("settings")) settings->close();
+    });
+}
 
 void AppModels::registerWithQml() {
     const char* uri = "Tessorin";

@@ -1,7 +1,131 @@
 #include "GroupViewModel.h"
 
+#include "Formatter.h"
+#include "Settings.h"
+#include "TSFilesAlbum.h"
+#include "TSMetaDataObservable.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
 GroupViewModel::GroupViewModel(QObject* parent) : QAbstractListModel(parent) {}
 
-int GroupViewModel::rowCount(const QModelIndex&) const { return 0; }
+QString GroupViewModel::title() const { return album_ ? album_->title() : QString(); }
 
-QVariant GroupViewModel::data(const QModelIndex&, int) const { return {}; }
+bool GroupViewModel::gridView() const { return Settings::flag(SettingsFlag::gridView); }
+
+QString GroupViewModel::toggleSymbol() const {
+    return gridView() ? QStringLiteral("list.bullet") : QStringLiteral("square.grid.2x2");
+}
+
+int GroupViewModel::count() const { return album_ ? album_->count() : 0; }
+
+int GroupViewModel::rowCount(const QModelIndex& parent) const {
+    if (parent.isValid()) return 0;
+    return gridView() ? (count() + columns - 1) / columns : count();
+}
+
+int GroupViewModel::rowOf(int index) const { return gridView() ? index / columns : index; }
+
+int GroupViewModel::columnOf(int index) const { return gridView() ? index % columns : 0; }
+
+double GroupViewModel::gridRowHeight(double viewWidth) {
+    return (viewWidth - (columns - 1) * spacing) / columns + spacing;
+}
+
+QString GroupViewModel::thumbnailSource(const QString& path) {
+    return QStringLiteral("image://thumb/") + QString::fromLatin1(QUrl::toPercentEncoding(path));
+}
+
+QVariantMap GroupViewModel::item(int index) const {
+    QVariantMap map{{"index", index}, {"video", album_->isVideo(index)}};
+    if (auto* files = dynamic_cast<TSFilesAlbum*>(album_.get()))
+        if (auto path = files->imageUrl(index)) {
+            map["thumbnail"] = thumbnailSource(*path);
+            map["name"] = QFileInfo(*path).fileName();
+        }
+    if (auto date = album_->date(index)) {
+        map["date"] = Formatter::format(*date, Formatter::Style::mediumDate);
+        map["time"] = Formatter::format(*date, Formatter::Style::timeOnly);
+    }
+    return map;
+}
+
+QVariant GroupViewModel::data(const QModelIndex& index, int role) const {
+    if (!album_ || !index.isValid() || index.row() >= rowCount()) return {};
+    const int first = gridView() ? index.row() * columns : index.row();
+    if (role == IndexRole) return first;
+    if (role == ItemsRole) {
+        QVariantList items;
+        const int last = gridView() ? std::min(first + columns, count()) : first + 1;
+        for (int i = first; i < last; ++i) items << item(i);
+        return items;
+    }
+    const QVariantMap map = item(first);
+    switch (role) {
+    case Qt::DisplayRole:
+    case NameRole: return map.value("name");
+    case DateRole: return map.value("date");
+    case TimeRole: return map.value("time");
+    case ThumbnailRole: return map.value("thumbnail");
+    case VideoRole: return map.value("video");
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> GroupViewModel::roleNames() const {
+    return {{IndexRole, "firstIndex"}, {ItemsRole, "items"},         {NameRole, "name"}, {DateRole, "date"},
+            {TimeRole, "time"},        {ThumbnailRole, "thumbnail"}, {VideoRole, "video"}};
+}
+
+void GroupViewModel::attach() {
+    beginResetModel();
+    album_ = TSEnvironment::currentAlbum();
+    album_->addGroupObserver(this);
+    selectedRow_ = selectedColumn_ = selectedIndex_ = -1;
+    endResetModel();
+    emit albumChanged();
+    emit selectionChanged();
+    // A tablet shows the current item beside the list at once; a phone only marks it.
+    if (TSEnvironment::isPad()) show(album_->actualIndex());
+    else if (album_->hasValidIndex()) select(album_->actualIndex());
+}
+
+void GroupViewModel::toggleView() {
+    beginResetModel();
+    Settings::setFlag(SettingsFlag::gridView, !gridView());
+    endResetModel();
+    emit gridViewChanged();
+    if (selectedIndex_ >= 0) select(selectedIndex_);
+}
+
+void GroupViewModel::show(int index) {
+    if (!album_ || album_->isEmpty()) return;
+    album_->setActualIndex(index);
+    if (TSEnvironment::isPad()) select(album_->actualIndex());
+    else emit detailRequested();
+}
+
+void GroupViewModel::select(int index) {
+    if (!album_ || index < 0 || index >= album_->count()) return;
+    selectedIndex_ = index;
+    selectedRow_ = rowOf(index);
+    selectedColumn_ = columnOf(index);
+    emit selectionChanged();
+}
+
+void GroupViewModel::leave() {
+    beginResetModel();
+    album_.reset();
+    selectedRow_ = selectedColumn_ = selectedIndex_ = -1;
+    endResetModel();
+    TSEnvironment::observable().albumChangedReset();
+    emit albumChanged();
+    emit selectionChanged();
+}
+
+void GroupViewModel::reload(bool) {
+    beginResetModel();
+    endResetModel();
+    emit albumChanged();
+}

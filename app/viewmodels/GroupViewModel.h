@@ -1,11 +1,76 @@
 #pragma once
-// (placeholder: filled in by the screen's own change)
-#include <QAbstractListModel>
+// The group screen: the current album's items as a list, or as a grid of four a row when
+// "gridView" is on. One model row is one list cell or one grid row; its `items` carry each
+// item's index, thumbnail source and video flag. It is the album's group observer.
+#include "TSAlbum.h"
 
-class GroupViewModel : public QAbstractListModel {
+#include <QAbstractListModel>
+#include <memory>
+
+class GroupViewModel : public QAbstractListModel, public GroupObserver {
     Q_OBJECT
+    Q_PROPERTY(QString title READ title NOTIFY albumChanged)
+    Q_PROPERTY(bool gridView READ gridView NOTIFY gridViewChanged)
+    // The bar button's symbol: what a tap switches to.
+    Q_PROPERTY(QString toggleSymbol READ toggleSymbol NOTIFY gridViewChanged)
+    Q_PROPERTY(int count READ count NOTIFY albumChanged)
+    // Where select() put the mark: the model row and, in a grid, the thumbnail in that row.
+    Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedColumn READ selectedColumn NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedIndex READ selectedIndex NOTIFY selectionChanged)
 public:
+    static constexpr int columns = 4;
+    static constexpr double spacing = 2.0;
+
+    enum Role { IndexRole = Qt::UserRole + 1, ItemsRole, NameRole, DateRole, TimeRole, ThumbnailRole, VideoRole };
+    Q_ENUM(Role)
+
     explicit GroupViewModel(QObject* parent = nullptr);
+
+    QString title() const;
+    bool gridView() const;
+    QString toggleSymbol() const;
+    int count() const;
+    int selectedRow() const { return selectedRow_; }
+    int selectedColumn() const { return selectedColumn_; }
+    int selectedIndex() const { return selectedIndex_; }
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    // The grid's row height for a view width: a square thumbnail plus the spacing.
+    Q_INVOKABLE static double gridRowHeight(double viewWidth);
+    // The model row that holds an item, and the item's place in that row.
+    int rowOf(int index) const;
+    int columnOf(int index) const;
+    // The thumbnail source of a file: image://thumb/ and the percent-encoded path.
+    static QString thumbnailSource(const QString& path);
+
+    // Takes the current album and becomes its group observer.
+    Q_INVOKABLE void attach();
+    Q_INVOKABLE void toggleView();
+    // Opens an item: nothing in an empty album; otherwise the album moves there, and on a
+    // tablet the item is marked here while the detail beside follows, on a phone the detail opens.
+    Q_INVOKABLE void show(int index);
+    Q_INVOKABLE void select(int index);
+    // The group was left by back: the album is reset, so the detail shows nothing.
+    Q_INVOKABLE void leave();
+
+    // GroupObserver: the album's contents changed.
+    void reload(bool changed) override;
+
+signals:
+    void albumChanged();
+    void gridViewChanged();
+    void selectionChanged();
+    // On a phone, show(index) asks for the detail.
+    void detailRequested();
+
+private:
+    std::shared_ptr<TSAlbum> album_;
+    int selectedRow_ = -1;
+    int selectedColumn_ = -1;
+    int selectedIndex_ = -1;
+    QVariantMap item(int index) const;
 };

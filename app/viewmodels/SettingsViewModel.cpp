@@ -1,7 +1,69 @@
 #include "SettingsViewModel.h"
 
+#include "Log.h"
+#include "Settings.h"
+#include "TSAlbum.h"
+#include "TSMetaDataObservable.h"
+
 SettingsViewModel::SettingsViewModel(QObject* parent) : QAbstractListModel(parent) {}
 
-int SettingsViewModel::rowCount(const QModelIndex&) const { return 0; }
+// The rows that apply to picked files; the photo-access and live-photo rows come with the
+// library, in their own sections (3 and 5), so the tags of these stay put.
+const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
+    static const QList<Row> table{
+        {0, 0, QStringLiteral("About"), QStringLiteral("About Tessorin"), {}, QStringLiteral("info.circle")},
+        {1, 0, QStringLiteral("Photo Order"), QStringLiteral("Most recent first"), QStringLiteral("mostRecentFirst"),
+         QStringLiteral("arrow.up.arrow.down.circle")},
+        {2, 0, QStringLiteral("Tags"), QStringLiteral("Human Readable"), QStringLiteral("human"),
+         QStringLiteral("accessibility")},
+        {4, 0, QStringLiteral("Video"), QStringLiteral("Show Videos"), QStringLiteral("video"),
+         QStringLiteral("film.circle")},
+        {6, 0, QStringLiteral("Modified Images"), QStringLiteral("Save in Tessorin album"),
+         QStringLiteral("saveInTessorin"), QStringLiteral("tag.circle")},
+    };
+    return table;
+}
 
-QVariant SettingsViewModel::data(const QModelIndex&, int) const { return {}; }
+int SettingsViewModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : int(rows().size()); }
+
+QVariant SettingsViewModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rows().size()) return {};
+    const Row& row = rows()[index.row()];
+    switch (role) {
+    case SectionRole: return row.section;
+    case SectionTitleRole: return row.sectionTitle;
+    case Qt::DisplayRole:
+    case TextRole: return row.text;
+    case KindRole: return row.key.isEmpty() ? QStringLiteral("disclosure") : QStringLiteral("switch");
+    case SymbolRole: return row.symbol;
+    case OnRole: return row.key.isEmpty() ? QVariant() : QVariant(Settings::value(row.key).toBool());
+    case TagRole: return row.tag();
+    default: return {};
+    }
+}
+
+QHash<int, QByteArray> SettingsViewModel::roleNames() const {
+    return {{SectionRole, "section"}, {SectionTitleRole, "sectionTitle"}, {TextRole, "rowText"}, {KindRole, "kind"},
+            {SymbolRole, "symbol"},   {OnRole, "on"},                     {TagRole, "tag"}};
+}
+
+void SettingsViewModel::setSwitch(int tag, bool on) {
+    for (int i = 0; i < rows().size(); ++i) {
+        const Row& row = rows()[i];
+        if (row.tag() != tag || row.key.isEmpty()) continue;
+        Settings::setValue(row.key, on);
+        Log::info(QStringLiteral("Switch: %1 is %2").arg(tag).arg(on ? "true" : "false"));
+        emit dataChanged(index(i), index(i), {OnRole});
+        if (row.key == QLatin1String("human")) {
+            emit humanChanged();
+            TSEnvironment::observable().sendMetaData(MetaSelector::rowsChanged, TSEnvironment::currentAlbum());
+        }
+        return;
+    }
+}
+
+void SettingsViewModel::select(int tag) {
+    if (tag == 0) emit aboutRequested();
+}
+
+void SettingsViewModel::close() { emit closed(); }

@@ -1,11 +1,42 @@
 #pragma once
-// (placeholder: filled in by the screen's own change)
+// The settings screen: one table of sections of one row each, a disclosure to the about page
+// and a switch per setting. A switch is named by its tag, section + row × 100.
 #include <QAbstractListModel>
 
 class SettingsViewModel : public QAbstractListModel {
     Q_OBJECT
 public:
+    enum Role { SectionRole = Qt::UserRole + 1, SectionTitleRole, TextRole, KindRole, SymbolRole, OnRole, TagRole };
+    Q_ENUM(Role)
+
+    struct Row {
+        int section;
+        int row;
+        QString sectionTitle;
+        QString text;
+        QString key;  // empty for a disclosure
+        QString symbol;
+        int tag() const { return section + row * 100; }
+    };
+
     explicit SettingsViewModel(QObject* parent = nullptr);
+
+    static const QList<Row>& rows();
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    // A switch was flipped: the key is written and the change logged. Unknown tags do nothing.
+    Q_INVOKABLE void setSwitch(int tag, bool on);
+    // A disclosure row was chosen.
+    Q_INVOKABLE void select(int tag);
+    // The screen is going away: the album list reloads.
+    Q_INVOKABLE void close();
+
+signals:
+    // "human" changed: the detail tables show their values anew.
+    void humanChanged();
+    void aboutRequested();
+    void closed();
 };

@@ -1,0 +1,17 @@
+#include "QmlSetup.h"
+
+#include "ThumbnailProvider.h"
+
+#include <QQmlEngine>
+#include <QQuickStyle>
+
+namespace appqml {
+
+void setStyle() {
+    // The theme and the tint (#1E6FD9) are in :/qtquickcontrols2.conf.
+    QQuickStyle::setStyle(QStringLiteral("Material"));
+}
+
+void setUpEngine(QQmlEngine& engine) { engine.addImageProvider(QStringLiteral("thumb"), new ThumbnailProvider); }
+
+}  // namespace appqml

@@ -1,0 +1,129 @@
+#include "Screenshots.h"
+
+#include "AlbumListViewModel.h"
+#include "AppController.h"
+#include "AppModels.h"
+#include "DetailViewModel.h"
+#include "GroupViewModel.h"
+#include "ShareViewModel.h"
+#include "TagTableModel.h"
+
+#include <QDir>
+#include <QEventLoop>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QThreadPool>
+#include <QTimer>
+#include <cstdio>
+
+QStringList Screenshots::demoFiles(const QString& folder) {
+    QStringList files;
+    const QDir dir(folder);
+    for (const QString& name :
+         dir.entryList({"*.jpg", "*.jpeg", "*.png", "*.heic", "*.mov", "*.mp4"}, QDir::Files, QDir::Name))
+        files << dir.absoluteFilePath(name);
+    return files;
+}
+
+void Screenshots::settle(int ms) {
+    // Twice: thumbnails finished on the pool are handed to the scene on the next turns.
+    for (int round = 0; round < 2; ++round) {
+        QEventLoop loop;
+        QTimer::singleShot(ms / 2, &loop, &QEventLoop::quit);
+        loop.exec();
+        QThreadPool::globalInstance()->waitForDone(10000);
+    }
+}
+
+void Screenshots::shoot(const QString& name) {
+    settle();
+    const QString path = dir_ + "/" + prefix_ + "-" + name + ".png";
+    const QImage image = window_->grabWindow();
+    if (image.isNull() || !image.save(path)) {
+        std::fprintf(stderr, "could not write %s\n", qPrintable(path));
+        ++failures_;
+        return;
+    }
+    std::printf("%s\n", qPrintable(path));
+}
+
+void Screenshots::set(QObject* model, const char* property, const QVariant& value) {
+    if (model->metaObject()->indexOfProperty(property) < 0 || !model->setProperty(property, value))
+        std::fprintf(stderr, "note: %s has no property %s\n", model->metaObject()->className(), property);
+}
+
+void Screenshots::call(QObject* model, const char* method, int argument) {
+    if (!QMetaObject::invokeMethod(model, method, Q_ARG(int, argument)))
+        std::fprintf(stderr, "note: %s has no %s(int)\n", model->metaObject()->className(), method);
+}
+
+void Screenshots::drawAt(const QString& prefix, int width, int height, const QStringList& files) {
+    prefix_ = prefix;
+    engine_.setInitialProperties({{"width", width}, {"height", height}});
+    engine_.load(QUrl(QStringLiteral("qrc:/qml/Main.qml")));
+    if (engine_.rootObjects().isEmpty()) {
+        ++failures_;
+        return;
+    }
+    QObject* root = engine_.rootObjects().constLast();
+    window_ = qobject_cast<QQuickWindow*>(root);
+    if (!window_) {
+        ++failures_;
+        return;
+    }
+    AppController& app = *models_.app;
+    settle();
+
+    // The group as a list and as a grid, then one item (one with a place) in the detail.
+    models_.albumList->openPaths(files);
+    shoot("group-list");
+    models_.group->toggleView();
+    shoot("group-grid");
+    models_.group->toggleView();
+    models_.group->show(std::min<int>(1, int(files.size()) - 1));
+    shoot("detail-table");
+
+    set(models_.detail, "showTags", true);
+    settle();
+    call(models_.tagTable, "toggle", 0);
+    shoot("tag-table");
+    call(models_.tagTable, "toggle", 0);
+    set(models_.detail, "showTags", false);
+
+    set(models_.detail, "fullScreen", true);
+    shoot("full-screen");
+    set(models_.detail, "fullScreen", false);
+
+    set(models_.share, "menuOpen", true);
+    shoot("share-menu");
+    set(models_.share, "menuOpen", false);
+
+    // The album list with the files album in it; on a tablet the item stays beside it.
+    app.rebuildRoot();
+    shoot("album-list");
+    app.openSettings();
+    shoot("settings");
+    app.openAbout();
+    shoot("about");
+    app.rebuildRoot();
+
+    window_->close();
+    delete root;
+    window_ = nullptr;
+    settle(100);
+}
+
+int Screenshots::run(const QString& outputDir, const QStringList& files) {
+    if (files.isEmpty()) {
+        std::fprintf(stderr, "no files to show: make the demo album first (cmake --build BUILD --target demo)\n");
+        return 1;
+    }
+    if (!QDir().mkpath(outputDir)) {
+        std::fprintf(stderr, "cannot make %s\n", qPrintable(outputDir));
+        return 1;
+    }
+    dir_ = outputDir;
+    drawAt(QStringLiteral("phone"), 390, 844, files);
+    drawAt(QStringLiteral("tablet"), 1180, 820, files);
+    return failures_ == 0 ? 0 : 1;
+}

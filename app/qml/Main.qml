@@ -1,0 +1,62 @@
+// The window. A phone-sized one stacks album list, group and detail; a wider one keeps the
+// browsing column on the left and the detail beside it. The stack follows App's signals.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Controls.Material
+import QtQuick.Layouts
+import Tessorin
+
+ApplicationWindow {
+    id: window
+    width: 390
+    height: 844
+    visible: true
+    title: App.appName
+    color: "#FFFFFF"
+
+    onWidthChanged: App.setWindowWidth(width)
+    Component.onCompleted: App.setWindowWidth(width)
+
+    Component { id: albumsPage; AlbumListPage {} }
+    Component { id: groupPage; GroupPage {} }
+    Component { id: detailPage; DetailPage {} }
+    Component { id: settingsPage; SettingsPage {} }
+    Component { id: aboutPage; AboutPage {} }
+    readonly property var pages: ({ "albums": albumsPage, "group": groupPage, "detail": detailPage,
+                                    "settings": settingsPage, "about": aboutPage })
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        StackView {
+            id: stack
+            Layout.fillHeight: true
+            Layout.fillWidth: !App.pad
+            Layout.preferredWidth: App.pad ? 360 : window.width
+            initialItem: albumsPage
+            focus: true
+            Keys.onEscapePressed: App.back()
+        }
+        Rectangle {
+            visible: App.pad
+            Layout.fillHeight: true
+            Layout.preferredWidth: 1
+            color: "#D1D1D6"
+        }
+        Loader {
+            active: App.pad
+            visible: App.pad
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            sourceComponent: detailPage
+        }
+    }
+
+    Connections {
+        target: App
+        function onPushed(screen) { stack.push(window.pages[screen]) }
+        function onPopped(screen) { stack.pop() }
+        function onRootRebuilt() { stack.pop(null) }
+    }
+}

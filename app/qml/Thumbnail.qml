@@ -1,0 +1,42 @@
+// One item's picture, cut to a square, with a film mark on videos and a frame when selected.
+import QtQuick
+
+Rectangle {
+    id: thumb
+    property alias source: image.source
+    property bool video: false
+    property bool selected: false
+    color: "#E5E5EA"
+    clip: true
+
+    Image {
+        id: image
+        anchors.fill: parent
+        asynchronous: true
+        fillMode: Image.PreserveAspectCrop
+        sourceSize: Qt.size(256, 256)
+    }
+    Rectangle {
+        visible: thumb.video
+        anchors.left: parent.left
+        anchors.bottom: parent.bottom
+        anchors.margins: 4
+        width: 22
+        height: 16
+        radius: 3
+        color: "#80000000"
+        Text {
+            anchors.centerIn: parent
+            text: "\u25B6"
+            color: "#FFFFFF"
+            font.pixelSize: 10
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        visible: thumb.selected
+        color: "transparent"
+        border.width: 3
+        border.color: "#1E6FD9"
+    }
+}
