@@ -54,3 +54,7 @@ bash "$(dirname "$0")/video_edit.sh" "$build"
 # Details: every row of each file in words, ours beside exiftool's default output.
 echo
 bash "$(dirname "$0")/info.sh" "$build"
+
+# The files album: a photo's rows after choosing it, and grid thumbnails.
+echo
+bash "$(dirname "$0")/albums.sh" "$build"
