@@ -1,3 +1,208 @@
 #include "DetailViewModel.h"
 
-DetailViewModel::DetailViewModel(QObject* parent) : QObject(parent) {}
+#include "GroupViewModel.h"
+#include "Log.h"
+#include "TSFilesAlbum.h"
+
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+
+DetailViewModel::DetailViewModel(QObject* parent) : QObject(parent) {
+    TSEnvironment::observable().addObserver(this);
+}
+
+void DetailViewModel::setShowTags(bool on) {
+    if (on == showTags_) return;
+    showTags_ = on;
+    emit showTagsChanged();
+}
+
+// -- heights of the strip --
+
+void DetailViewModel::setScreenSize(const QSizeF& size) {
+    if (size == screenSize_) return;
+    screenSize_ = size;
+    emit geometryChanged();
+    if (stripHeight_ < 0) emit stripHeightChanged();
+}
+
+qreal DetailViewModel::defaultHeight(const QSizeF& screen, bool pad) {
+    // A tablet's strip follows its short side, a phone's its long side.
+    const qreal s = pad ? std::min(screen.width(), screen.height()) : std::max(screen.width(), screen.height());
+    const qreal k = pad ? 0.12 : 0.15;
+    return s * 0.5 - k * s - 44.0;
+}
+
+qreal DetailViewModel::defaultHeight() const {
+    return std::max(minimumHeight(), defaultHeight(screenSize_, TSEnvironment::isPad()));
+}
+
+void DetailViewModel::setMaximumHeight(qreal height) {
+    if (height == maximumHeight_) return;
+    maximumHeight_ = height;
+    emit geometryChanged();
+}
+
+void DetailViewModel::setStripHeight(qreal height) {
+    if (height == stripHeight_) return;
+    stripHeight_ = height;
+    emit stripHeightChanged();
+}
+
+qreal DetailViewModel::stripHeight() const { return stripHeight_ < 0 ? defaultHeight() : stripHeight_; }
+
+void DetailViewModel::offsetChanged(qreal dy) {
+    if (bouncing_) return;
+    const qreal c = stripHeight();
+    const qreal h = dy <= 0 ? c - dy : std::max(c - std::abs(dy - precOffset_), minimumHeight());
+    precOffset_ = dy;
+    setStripHeight(h);
+    if (h > maximumHeight_) setFullScreen(true);
+}
+
+void DetailViewModel::panChanged(qreal translationY) { offsetChanged(-std::min(translationY, 0.0)); }
+
+qreal DetailViewModel::bounceTarget() const {
+    return stripHeight() < defaultHeight() ? minimumHeight() : defaultHeight();
+}
+
+void DetailViewModel::dragEnded() {
+    precOffset_ = 0;
+    const qreal target = bounceTarget();
+    if (target == stripHeight()) return;
+    bouncing_ = true;
+    emit bouncingChanged();
+    Log::debug("bounceTo: " + QString::number(target));
+    setStripHeight(target);
+}
+
+void DetailViewModel::bounceFinished() {
+    if (!bouncing_) return;
+    bouncing_ = false;
+    emit bouncingChanged();
+}
+
+// -- full screen --
+
+void DetailViewModel::setFullScreen(bool on) {
+    if (on == fullScreen_) return;
+    fullScreen_ = on;
+    emit fullScreenChanged();
+    // Behind the full-screen view the strip goes back to its default height, so that coming
+    // back does not open it again.
+    if (on) QTimer::singleShot(400, this, [this] { setStripHeight(defaultHeight()); });
+}
+
+qreal DetailViewModel::minimumZoom(qreal viewWidth, qreal viewHeight, qreal imageWidth, qreal imageHeight) {
+    if (imageWidth <= 0 || imageHeight <= 0) return 1.0;
+    return std::min(viewWidth / imageWidth, viewHeight / imageHeight);
+}
+
+qreal DetailViewModel::maximumZoom(qreal viewWidth, qreal viewHeight, qreal imageWidth, qreal imageHeight) {
+    return std::min(minimumZoom(viewWidth, viewHeight, imageWidth, imageHeight) * 7, 1.5);
+}
+
+// -- the current item --
+
+int DetailViewModel::currentIndex() const { return TSEnvironment::currentAlbum()->actualIndex(); }
+
+int DetailViewModel::count() const { return TSEnvironment::currentAlbum()->count(); }
+
+bool DetailViewModel::currentIsVideo() const {
+    const auto asset = TSEnvironment::currentAlbum()->currentAsset;
+    return asset && asset->isVideo();
+}
+
+QUrl DetailViewModel::currentSource() const {
+    const auto asset = TSEnvironment::currentAlbum()->currentAsset;
+    return asset ? QUrl::fromLocalFile(asset->path()) : QUrl();
+}
+
+QString DetailViewModel::imageSource(int index) const {
+    const auto album = std::dynamic_pointer_cast<TSFilesAlbum>(TSEnvironment::currentAlbum());
+    const auto path = album ? album->imageUrl(index) : std::nullopt;
+    return path ? GroupViewModel::thumbnailSource(*path) : QString();
+}
+
+bool DetailViewModel::isVideo(int index) const {
+    const auto album = TSEnvironment::currentAlbum();
+    return index >= 0 && index < album->count() && album->isVideo(index);
+}
+
+int DetailViewModel::indexAt(qreal offset, qreal inset, qreal itemWidth) {
+    const int index = int(std::lround((offset + inset) / (itemWidth + lineSpacing)));
+    Log::debug("🗂 CurrentIndex: " + QString::number(index));
+    return index;
+}
+
+void DetailViewModel::setActualIndex(int index) {
+    const auto album = TSEnvironment::currentAlbum();
+    if (album->isEmpty()) return;
+    album->setActualIndex(std::clamp(index, 0, album->count() - 1));
+}
+
+void DetailViewModel::dragBegan() { setBar(false, true); }
+
+void DetailViewModel::decelerationEnded(qreal offset, qreal inset, qreal itemWidth) {
+    const auto album = TSEnvironment::currentAlbum();
+    if (album->isEmpty()) return;
+    const int index = std::clamp(indexAt(offset, inset, itemWidth), 0, album->count() - 1);
+    if (index != album->actualIndex() || !album->hasValidIndex()) {
+        album->setActualIndex(index);
+        emit alignRequested();
+    } else {
+        setBar(true, false);
+    }
+    if (!albumId_.isSameAlbum(*album)) emit reloadTables();
+    albumId_.update(*album);
+}
+
+void DetailViewModel::next() { setActualIndex(currentIndex() + 1); }
+
+void DetailViewModel::previous() { setActualIndex(currentIndex() - 1); }
+
+void DetailViewModel::setBar(bool enabled, bool overlay) {
+    if (enabled == barEnabled_ && overlay == overlayShown_) return;
+    barEnabled_ = enabled;
+    overlayShown_ = overlay;
+    emit barChanged();
+}
+
+// -- notifications --
+
+void DetailViewModel::beginLoading(const std::shared_ptr<TSAlbum>& album) {
+    const auto a = album ? album : TSEnvironment::currentAlbum();
+    setBar(false, !(albumId_.isSameAlbum(*a) && albumId_.isSameIndex(*a)));
+}
+
+void DetailViewModel::processedMetaData(const std::shared_ptr<TSAlbum>&) {
+    setBar(true, false);
+    albumId_.update(*TSEnvironment::currentAlbum());
+    emit currentChanged();
+    emit alignRequested();
+}
+
+void DetailViewModel::progress(float value) {
+    // Only a download that the album waits for shows its bar.
+    cloudProgress_ = TSEnvironment::currentAlbum()->needDownload() ? value : -1;
+    emit cloudChanged();
+}
+
+void DetailViewModel::done(const std::shared_ptr<TSAlbum>&) {
+    cloudProgress_ = -1;
+    emit cloudChanged();
+    emit alignRequested();
+}
+
+void DetailViewModel::failure(const QString& message) {
+    cloudProgress_ = -1;
+    emit cloudChanged();
+    if (!message.isEmpty()) emit alert(QStringLiteral("Alert"), message);
+}
+
+void DetailViewModel::albumChanged() {
+    Log::debug("## InTabViewController albumChanged() ##");
+    emit currentChanged();
+    emit alignRequested();
+}

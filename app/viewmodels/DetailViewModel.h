@@ -1,9 +1,135 @@
 #pragma once
-// (placeholder: filled in by the screen's own change)
-#include <QObject>
+// The detail screen as a whole: the strip of images above the tables, its height as the user
+// drags it, the switch between the detail and the tag table, the bars' state while an item
+// loads, paging with the keys, and the full-screen view with its zoom limits.
+#include "TSAlbum.h"
+#include "TSMetaDataObservable.h"
 
-class DetailViewModel : public QObject {
+#include <QObject>
+#include <QSizeF>
+#include <QUrl>
+
+class DetailViewModel : public QObject,
+                        public TSMetaDataObserver,
+                        public TSCloudObserver,
+                        public TSViewControllerObserver {
     Q_OBJECT
+    Q_PROPERTY(QString title READ title NOTIFY showTagsChanged)
+    Q_PROPERTY(bool showTags READ showTags WRITE setShowTags NOTIFY showTagsChanged)
+    // The window's size: the strip's default height follows it.
+    Q_PROPERTY(QSizeF screenSize READ screenSize WRITE setScreenSize NOTIFY geometryChanged)
+    Q_PROPERTY(qreal minimumHeight READ minimumHeight CONSTANT)
+    Q_PROPERTY(qreal defaultHeight READ defaultHeight NOTIFY geometryChanged)
+    // Past this height the strip opens the full-screen view; the page sets it from its layout.
+    Q_PROPERTY(qreal maximumHeight READ maximumHeight WRITE setMaximumHeight NOTIFY geometryChanged)
+    Q_PROPERTY(qreal stripHeight READ stripHeight WRITE setStripHeight NOTIFY stripHeightChanged)
+    Q_PROPERTY(bool bouncing READ bouncing NOTIFY bouncingChanged)
+    Q_PROPERTY(bool fullScreen READ fullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
+    Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
+    Q_PROPERTY(int count READ count NOTIFY currentChanged)
+    Q_PROPERTY(bool currentIsVideo READ currentIsVideo NOTIFY currentChanged)
+    Q_PROPERTY(QUrl currentSource READ currentSource NOTIFY currentChanged)
+    Q_PROPERTY(bool barEnabled READ barEnabled NOTIFY barChanged)
+    // A veil over the tables while they still show the previous item.
+    Q_PROPERTY(bool overlayShown READ overlayShown NOTIFY barChanged)
+    // The cloud download's progress, 0 to 1; below 0 when there is none to show.
+    Q_PROPERTY(qreal cloudProgress READ cloudProgress NOTIFY cloudChanged)
 public:
+    static constexpr qreal lineSpacing = 10.0;
+
     explicit DetailViewModel(QObject* parent = nullptr);
+
+    QString title() const { return showTags_ ? QStringLiteral("All Tags") : QStringLiteral("Details"); }
+    bool showTags() const { return showTags_; }
+    void setShowTags(bool on);
+    Q_INVOKABLE void toggleTables() { setShowTags(!showTags_); }
+
+    QSizeF screenSize() const { return screenSize_; }
+    void setScreenSize(const QSizeF& size);
+    qreal minimumHeight() const { return 100.0; }
+    qreal defaultHeight() const;
+    static qreal defaultHeight(const QSizeF& screen, bool pad);
+    qreal maximumHeight() const { return maximumHeight_; }
+    void setMaximumHeight(qreal height);
+    qreal stripHeight() const;
+    void setStripHeight(qreal height);
+    bool bouncing() const { return bouncing_; }
+
+    // The table or the strip moved by dy: the strip grows when pulled past the top, shrinks
+    // (down to the minimum) when pushed up, and opens the full-screen view past the maximum.
+    Q_INVOKABLE void offsetChanged(qreal dy);
+    // A vertical pan on the strip: only upward moves count.
+    Q_INVOKABLE void panChanged(qreal translationY);
+    // The drag ended: the strip snaps to the default height, or to the minimum when released
+    // below the default. The page animates to stripHeight and then calls bounceFinished().
+    Q_INVOKABLE void dragEnded();
+    Q_INVOKABLE void bounceFinished();
+    qreal bounceTarget() const;
+
+    bool fullScreen() const { return fullScreen_; }
+    void setFullScreen(bool on);
+    // ZoomPanView's limits for an image in a view: it fits at the minimum, and is never shown
+    // larger than 1.5 times its size or seven times the fit.
+    Q_INVOKABLE static qreal minimumZoom(qreal viewWidth, qreal viewHeight, qreal imageWidth, qreal imageHeight);
+    Q_INVOKABLE static qreal maximumZoom(qreal viewWidth, qreal viewHeight, qreal imageWidth, qreal imageHeight);
+
+    int currentIndex() const;
+    int count() const;
+    bool currentIsVideo() const;
+    QUrl currentSource() const;
+
+    // The strip's picture of an item, and whether the item is a video.
+    Q_INVOKABLE QString imageSource(int index) const;
+    Q_INVOKABLE bool isVideo(int index) const;
+
+    // The strip's item under its centre for a scroll offset (the strip's left inset included).
+    Q_INVOKABLE static int indexAt(qreal offset, qreal inset, qreal itemWidth);
+    Q_INVOKABLE void dragBegan();
+    // The strip came to rest: a new index becomes the album's; the same one only lifts the veil.
+    Q_INVOKABLE void decelerationEnded(qreal offset, qreal inset, qreal itemWidth);
+    // The arrow keys.
+    Q_INVOKABLE void next();
+    Q_INVOKABLE void previous();
+
+    bool barEnabled() const { return barEnabled_; }
+    bool overlayShown() const { return overlayShown_; }
+    qreal cloudProgress() const { return cloudProgress_; }
+
+    void beginLoading(const std::shared_ptr<TSAlbum>& album) override;
+    void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
+    void progress(float value) override;
+    void done(const std::shared_ptr<TSAlbum>& album) override;
+    void failure(const QString& message) override;
+    void albumChanged() override;
+
+signals:
+    void showTagsChanged();
+    void geometryChanged();
+    void stripHeightChanged();
+    void bouncingChanged();
+    void fullScreenChanged();
+    void currentChanged();
+    void barChanged();
+    void cloudChanged();
+    // The strip should scroll to the album's current index.
+    void alignRequested();
+    // Another album came into view: the tables start over.
+    void reloadTables();
+    void alert(const QString& title, const QString& message);
+
+private:
+    bool showTags_ = false;
+    QSizeF screenSize_{390, 844};
+    qreal maximumHeight_ = 1e9;
+    qreal stripHeight_ = -1;  // below 0: the default, until the user moves it
+    qreal precOffset_ = 0;
+    bool bouncing_ = false;
+    bool fullScreen_ = false;
+    bool barEnabled_ = true;
+    bool overlayShown_ = false;
+    qreal cloudProgress_ = -1;
+    TSAlbumId albumId_;
+
+    void setBar(bool enabled, bool overlay);
+    void setActualIndex(int index);
 };

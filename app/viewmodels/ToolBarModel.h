@@ -1,9 +1,59 @@
 #pragma once
-// (placeholder: filled in by the screen's own change)
-#include <QObject>
+// Which tools the detail toolbar has for the current item and album, in their fixed order, and
+// the more menu's setting toggles. The decision is a plain function of the state, so a library
+// item's tools follow the same rules once the library fills in what it knows.
+#include "TSMetaDataObservable.h"
 
-class ToolBarModel : public QObject {
+#include <QObject>
+#include <QStringList>
+#include <QVariantList>
+#include <optional>
+
+class ToolBarModel : public QObject, public TSMetaDataObserver, public TSViewControllerObserver {
     Q_OBJECT
+    // Tool names, in the order they are shown: "share", "burst", "prefer", "delete", "more", "edit", "tags".
+    Q_PROPERTY(QStringList tools READ tools NOTIFY toolsChanged)
+    // The more menu: {title, symbol, checked} per toggle.
+    Q_PROPERTY(QVariantList moreMenu READ moreMenu NOTIFY moreMenuChanged)
 public:
+    // What the photo library knows of its item; a picked file has none.
+    struct LibraryItem {
+        bool canDelete = false;
+        bool canEdit = false;
+        bool representsBurst = false;
+    };
+    struct State {
+        bool albumEmpty = true;
+        bool burstAlbum = false;
+        std::optional<int> collectionSubtype;
+        std::optional<LibraryItem> libraryItem;
+        bool subtypesReady = false;
+        bool timeLapse = false;
+    };
+
     explicit ToolBarModel(QObject* parent = nullptr);
+
+    static QStringList toolsFor(const State& state);
+    // The state of the current album and its current item.
+    static State currentState();
+
+    QStringList tools() const { return tools_; }
+    QVariantList moreMenu() const;
+    // Flips the setting of a more-menu entry and has the visible table reloaded.
+    Q_INVOKABLE void toggleMore(int index);
+    // The page calls it when it appears: an album can change without telling its items' screens.
+    Q_INVOKABLE void refresh();
+
+    void beginLoading(const std::shared_ptr<TSAlbum>& album) override;
+    void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
+    void albumChanged() override;
+
+signals:
+    void toolsChanged();
+    void moreMenuChanged();
+    // A toggle changed what the detail and tag tables show.
+    void reloadTables();
+
+private:
+    QStringList tools_;
 };

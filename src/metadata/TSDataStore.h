@@ -93,10 +93,12 @@ public:
 
     static const QList<TSKey>& stackKeys();
 
-private:
-    std::optional<QString> text(TSKey key) const;
+    // At least two dates recorded and one a second or more from the first; locations: a metre.
     bool datesDisagree() const;
     bool locationsDisagree() const;
+
+private:
+    std::optional<QString> text(TSKey key) const;
     void tellDisplayer();
     void startPlaceLookup(const GeoLocation& location);
     void fillDates(const TSMetaData& md);
