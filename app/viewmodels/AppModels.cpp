@@ -35,6 +35,13 @@ AppModels::AppModels(QObject* parent)
     connect(app, &AppController::popped, settings, [this](const QString& screen) {
         if (screen == QLatin1String("settings")) settings->close();
     });
+    // A setting that changes what the detail tables show, or another album in the strip.
+    connect(toolBar, &ToolBarModel::reloadTables, detailTable, &DetailTableModel::reload);
+    connect(toolBar, &ToolBarModel::reloadTables, tagTable, &TagTableModel::reload);
+    connect(detail, &DetailViewModel::reloadTables, detailTable, &DetailTableModel::reload);
+    connect(detail, &DetailViewModel::reloadTables, tagTable, &TagTableModel::reload);
+    connect(settings, &SettingsViewModel::humanChanged, detailTable, &DetailTableModel::reload);
+    connect(settings, &SettingsViewModel::humanChanged, tagTable, &TagTableModel::reload);
 }
 
 void AppModels::registerWithQml() {

@@ -1,0 +1,328 @@
+// The summary of the current item: date and location (with a mark when their sources
+// disagree), badges, the exposure stack, camera, file, user fields and the place. Pulling the
+// list past its top grows the strip; a press and hold copies the details.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Tessorin
+
+ListView {
+    id: table
+    signal sourcesRequested(int row, Item anchor)
+    signal focalRequested(Item anchor)
+
+    model: DetailTable
+    boundsBehavior: Flickable.DragAndOvershootBounds
+    ScrollIndicator.vertical: ScrollIndicator {}
+
+    onContentYChanged: if (dragging) Detail.offsetChanged(contentY - originY)
+    onDragEnded: Detail.dragEnded()
+
+    delegate: Item {
+        id: rowItem
+        required property int index
+        required property string kind
+        required property string label
+        required property string value
+        required property real alpha
+        required property bool collapsed
+        required property bool infoMark
+        required property var stack
+        required property bool focalAccent
+        required property string fileName
+        required property string fileType
+        required property string sizes
+        required property var badges
+        required property string coordinate
+
+        width: table.width
+        height: collapsed ? 0 : loader.height
+        visible: !collapsed
+        clip: true
+
+        Loader {
+            id: loader
+            width: parent.width
+            sourceComponent: ({
+                date: dateRow, location: dateRow, badges: badgesRow, stack: stackRow, sizes: sizesRow,
+                map: mapRow, separator: separatorRow, details: detailsRow
+            })[rowItem.kind]
+        }
+
+        TapHandler {
+            acceptedButtons: Qt.RightButton
+            onTapped: copyMenu.popup()
+        }
+        TapHandler {
+            onLongPressed: copyMenu.popup()
+        }
+        Menu {
+            id: copyMenu
+            MenuItem { text: "Copy"; onTriggered: DetailTable.copy() }
+        }
+
+        Component {
+            id: dateRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: Math.max(48, dateText.implicitHeight + 20)
+                Image {
+                    id: dateIcon
+                    anchors.left: parent.left
+                    anchors.leftMargin: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    source: rowItem.kind === "date" ? "qrc:/icons/calendar.svg" : "qrc:/icons/mappin.and.ellipse.svg"
+                    sourceSize: Qt.size(22, 22)
+                }
+                Label {
+                    id: dateText
+                    anchors.left: dateIcon.right
+                    anchors.leftMargin: 12
+                    anchors.right: info.visible ? info.left : parent.right
+                    anchors.rightMargin: 12
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: rowItem.value.trim()
+                    opacity: rowItem.alpha
+                    wrapMode: Text.Wrap
+                    font.pixelSize: 17
+                    font.weight: rowItem.kind === "date" ? Font.DemiBold : Font.Normal
+                    color: "#1C1C1E"
+                }
+                ToolButton {
+                    id: info
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    visible: rowItem.infoMark
+                    icon.source: "qrc:/icons/info.circle.svg"
+                    icon.color: "#1E6FD9"
+                    onClicked: table.sourcesRequested(rowItem.index, info)
+                }
+            }
+        }
+
+        Component {
+            id: badgesRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: 52
+                Rectangle {
+                    anchors.centerIn: parent
+                    width: badgeRow.implicitWidth + 24
+                    height: 36
+                    radius: 18
+                    color: "#F2F2F7"
+                    visible: rowItem.badges.length > 0
+                    Row {
+                        id: badgeRow
+                        anchors.centerIn: parent
+                        spacing: 14
+                        Repeater {
+                            model: rowItem.badges
+                            delegate: Item {
+                                required property var modelData
+                                width: modelData.symbol ? 22 : badgeText.implicitWidth + 8
+                                height: 22
+                                Image {
+                                    visible: !!modelData.symbol
+                                    anchors.fill: parent
+                                    source: modelData.symbol ? "qrc:/icons/" + modelData.symbol + ".svg" : ""
+                                    sourceSize: Qt.size(22, 22)
+                                }
+                                Rectangle {
+                                    visible: !modelData.symbol
+                                    anchors.fill: parent
+                                    radius: 4
+                                    border.color: "#3C3C43"
+                                    border.width: 1.5
+                                    color: "transparent"
+                                    Label {
+                                        id: badgeText
+                                        anchors.centerIn: parent
+                                        text: modelData.text
+                                        font.pixelSize: 11
+                                        font.weight: Font.Bold
+                                        color: "#3C3C43"
+                                    }
+                                }
+                            }
+                        }
+                    }
+                }
+            }
+        }
+
+        Component {
+            id: stackRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: 44
+                RowLayout {
+                    anchors.fill: parent
+                    anchors.leftMargin: 12
+                    anchors.rightMargin: 12
+                    spacing: 0
+                    Repeater {
+                        model: rowItem.stack
+                        delegate: Label {
+                            id: stackLabel
+                            required property int index
+                            required property string modelData
+                            Layout.fillWidth: true
+                            Layout.preferredWidth: 1
+                            horizontalAlignment: Text.AlignHCenter
+                            text: modelData
+                            elide: Text.ElideRight
+                            font.pixelSize: 15
+                            color: index === 1 && rowItem.focalAccent ? "#1E6FD9" : "#1C1C1E"
+                            TapHandler {
+                                enabled: stackLabel.index === 1 && rowItem.focalAccent
+                                onTapped: table.focalRequested(stackLabel)
+                            }
+                        }
+                    }
+                }
+            }
+        }
+
+        Component {
+            id: sizesRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: sizesColumn.implicitHeight + 20
+                ColumnLayout {
+                    id: sizesColumn
+                    anchors.left: parent.left
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    anchors.leftMargin: 16
+                    anchors.rightMargin: 16
+                    spacing: 4
+                    RowLayout {
+                        spacing: 8
+                        Label {
+                            Layout.fillWidth: true
+                            text: rowItem.fileName
+                            elide: Text.ElideMiddle
+                            font.pixelSize: 15
+                            font.weight: Font.DemiBold
+                            color: "#1C1C1E"
+                        }
+                        Rectangle {
+                            implicitWidth: typeLabel.implicitWidth + 12
+                            implicitHeight: typeLabel.implicitHeight + 4
+                            radius: 4
+                            color: "#1E6FD9"
+                            Label {
+                                id: typeLabel
+                                anchors.centerIn: parent
+                                text: rowItem.fileType
+                                font.pixelSize: 12
+                                font.weight: Font.Bold
+                                color: "#FFFFFF"
+                            }
+                        }
+                    }
+                    Label {
+                        Layout.fillWidth: true
+                        text: rowItem.sizes
+                        elide: Text.ElideRight
+                        font.pixelSize: 14
+                        color: "#6C6C70"
+                    }
+                }
+            }
+        }
+
+        Component {
+            id: mapRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: mapColumn.implicitHeight + 24
+                Rectangle {
+                    id: pin
+                    anchors.left: parent.left
+                    anchors.leftMargin: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: 44
+                    height: 44
+                    radius: 10
+                    color: "#E5EEFB"
+                    Image {
+                        anchors.centerIn: parent
+                        source: "qrc:/icons/mappin.and.ellipse.svg"
+                        sourceSize: Qt.size(26, 26)
+                    }
+                }
+                ColumnLayout {
+                    id: mapColumn
+                    anchors.left: pin.right
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    anchors.leftMargin: 12
+                    anchors.rightMargin: 16
+                    spacing: 2
+                    Label {
+                        Layout.fillWidth: true
+                        text: rowItem.value
+                        wrapMode: Text.Wrap
+                        font.pixelSize: 15
+                        color: "#1C1C1E"
+                    }
+                    Label {
+                        Layout.fillWidth: true
+                        text: rowItem.coordinate
+                        elide: Text.ElideRight
+                        font.pixelSize: 13
+                        color: "#6C6C70"
+                    }
+                }
+            }
+        }
+
+        Component {
+            id: separatorRow
+            Item { height: 8 }
+        }
+
+        Component {
+            id: detailsRow
+            Rectangle {
+                color: "#FFFFFF"
+                height: Math.max(40, detailValue.implicitHeight + 16)
+                Label {
+                    id: detailLabel
+                    anchors.left: parent.left
+                    anchors.leftMargin: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: Math.min(implicitWidth, parent.width * 0.4)
+                    text: rowItem.label
+                    elide: Text.ElideRight
+                    font.pixelSize: 15
+                    color: "#6C6C70"
+                }
+                Label {
+                    id: detailValue
+                    anchors.left: detailLabel.right
+                    anchors.right: parent.right
+                    anchors.leftMargin: 12
+                    anchors.rightMargin: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    horizontalAlignment: Text.AlignRight
+                    text: rowItem.value
+                    opacity: rowItem.alpha
+                    wrapMode: Text.Wrap
+                    font.pixelSize: 15
+                    color: "#1C1C1E"
+                }
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    anchors.left: parent.left
+                    anchors.leftMargin: 16
+                    anchors.right: parent.right
+                    height: 1
+                    color: "#E5E5EA"
+                }
+            }
+        }
+    }
+}

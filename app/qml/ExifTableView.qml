@@ -1,0 +1,188 @@
+// Every tag of the current item in collapsible sections. A header's tap opens or closes its
+// section (for every item after this one too); the list button jumps to a section; a press
+// and hold copies a value.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Controls.Material
+import QtQuick.Layouts
+import Tessorin
+
+Item {
+    id: root
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        model: TagTable
+        boundsBehavior: Flickable.DragAndOvershootBounds
+        ScrollIndicator.vertical: ScrollIndicator {}
+        onContentYChanged: if (dragging) Detail.offsetChanged(contentY - originY)
+        onDragEnded: Detail.dragEnded()
+
+        add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 180 } }
+        displaced: Transition { NumberAnimation { property: "y"; duration: 180 } }
+
+        delegate: Loader {
+            id: entry
+            required property int index
+            required property string kind
+            required property int section
+            required property string title
+            required property bool open
+            required property string label
+            required property string value
+            width: list.width
+            sourceComponent: kind === "header" ? header : kind === "download" ? download : tagRow
+
+            Component {
+                id: header
+                Rectangle {
+                    height: 44
+                    color: "#F2F2F7"
+                    RowLayout {
+                        anchors.fill: parent
+                        anchors.leftMargin: 16
+                        anchors.rightMargin: 56
+                        spacing: 8
+                        Image {
+                            source: entry.open ? "qrc:/icons/chevron.down.svg" : "qrc:/icons/chevron.right.svg"
+                            sourceSize: Qt.size(14, 14)
+                        }
+                        Label {
+                            Layout.fillWidth: true
+                            text: entry.title
+                            elide: Text.ElideRight
+                            font.pixelSize: 15
+                            font.weight: Font.DemiBold
+                            color: "#1C1C1E"
+                        }
+                    }
+                    TapHandler { onTapped: TagTable.toggle(entry.section) }
+                }
+            }
+
+            Component {
+                id: tagRow
+                Rectangle {
+                    height: Math.max(36, tagValue.implicitHeight + 12)
+                    color: "#FFFFFF"
+                    Label {
+                        id: tagLabel
+                        anchors.left: parent.left
+                        anchors.leftMargin: 16
+                        anchors.top: parent.top
+                        anchors.topMargin: 6
+                        width: parent.width * 0.42
+                        text: entry.label
+                        wrapMode: Text.Wrap
+                        font.pixelSize: 14
+                        color: "#6C6C70"
+                    }
+                    Label {
+                        id: tagValue
+                        anchors.left: tagLabel.right
+                        anchors.right: parent.right
+                        anchors.leftMargin: 8
+                        anchors.rightMargin: 16
+                        anchors.top: parent.top
+                        anchors.topMargin: 6
+                        text: entry.value
+                        wrapMode: Text.WrapAnywhere
+                        font.pixelSize: 14
+                        color: "#1C1C1E"
+                    }
+                    Rectangle {
+                        anchors.bottom: parent.bottom
+                        anchors.left: parent.left
+                        anchors.leftMargin: 16
+                        anchors.right: parent.right
+                        height: 1
+                        color: "#E5E5EA"
+                    }
+                    TapHandler {
+                        acceptedButtons: Qt.RightButton
+                        onTapped: copyMenu.popup()
+                    }
+                    TapHandler { onLongPressed: copyMenu.popup() }
+                    Menu {
+                        id: copyMenu
+                        MenuItem { text: "Copy"; onTriggered: TagTable.copy(entry.index) }
+                    }
+                }
+            }
+
+            Component {
+                id: download
+                Rectangle {
+                    height: 44
+                    color: "#FFFFFF"
+                    Image {
+                        anchors.left: parent.left
+                        anchors.leftMargin: 16
+                        anchors.verticalCenter: parent.verticalCenter
+                        source: "qrc:/icons/xmark.icloud.svg"
+                        sourceSize: Qt.size(24, 24)
+                    }
+                }
+            }
+        }
+    }
+
+    RoundButton {
+        id: listButton
+        anchors.top: parent.top
+        anchors.right: parent.right
+        anchors.margins: 6
+        width: 36
+        height: 36
+        padding: 0
+        icon.source: "qrc:/icons/list.bullet.svg"
+        icon.color: "#1E6FD9"
+        icon.width: 18
+        icon.height: 18
+        Material.background: "#FFFFFF"
+        Material.elevation: 2
+        onClicked: goTo.open()
+    }
+
+    Popup {
+        id: goTo
+        x: root.width - width - 8
+        y: listButton.y + listButton.height + 4
+        width: 200
+        height: 250
+        padding: 0
+        modal: true
+        ListView {
+            anchors.fill: parent
+            clip: true
+            model: TagTable.sectionTitles
+            headerPositioning: ListView.OverlayHeader
+            header: Rectangle {
+                z: 2
+                width: ListView.view.width
+                height: 44
+                color: "#F9F9F9"
+                Label {
+                    anchors.left: parent.left
+                    anchors.leftMargin: 16
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: "Go To:"
+                    font.pixelSize: 15
+                    font.weight: Font.DemiBold
+                }
+            }
+            delegate: ItemDelegate {
+                required property int index
+                required property string modelData
+                width: ListView.view.width
+                text: modelData
+                font.pixelSize: 14
+                onClicked: {
+                    list.positionViewAtIndex(TagTable.goTo(index), ListView.Beginning)
+                    goTo.close()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,88 @@
+// The album's items side by side, the current one centred. Flicking settles on an item, which
+// then becomes the album's current item; an upward drag shrinks the strip.
+import QtQuick
+import QtQuick.Controls
+import Tessorin
+
+Rectangle {
+    id: strip
+    color: "#FFFFFF"
+    clip: true
+
+    readonly property real side: Math.floor(Math.min(height - 12, width))
+    readonly property real inset: (width - side) / 2
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        anchors.topMargin: 6
+        anchors.bottomMargin: 6
+        orientation: ListView.Horizontal
+        spacing: 10
+        model: Detail.count
+        currentIndex: Detail.currentIndex
+        highlightRangeMode: ListView.StrictlyEnforceRange
+        preferredHighlightBegin: strip.inset
+        preferredHighlightEnd: strip.inset + strip.side
+        highlightMoveDuration: 250
+        snapMode: ListView.SnapOneItem
+        flickDeceleration: 4000
+        boundsBehavior: Flickable.StopAtBounds
+
+        delegate: Item {
+            required property int index
+            width: strip.side
+            height: strip.side
+
+            Image {
+                id: thumb
+                anchors.fill: parent
+                source: Detail.imageSource(index)
+                sourceSize: Qt.size(strip.side * 2, strip.side * 2)
+                fillMode: Image.PreserveAspectFit
+                asynchronous: true
+                smooth: true
+            }
+            BusyIndicator {
+                anchors.centerIn: parent
+                running: thumb.status === Image.Loading
+                visible: running
+            }
+            Image {
+                visible: Detail.isVideo(index)
+                anchors.centerIn: parent
+                source: "qrc:/icons/play.circle.fill.svg"
+                sourceSize: Qt.size(48, 48)
+            }
+            TapHandler {
+                onDoubleTapped: Detail.fullScreen = true
+            }
+        }
+
+        onMovementStarted: Detail.dragBegan()
+        onMovementEnded: Detail.decelerationEnded(contentX - originX, strip.inset, strip.side)
+    }
+
+    Connections {
+        target: Detail
+        function onAlignRequested() { list.currentIndex = Detail.currentIndex }
+    }
+
+    // A vertical drag on the strip resizes it.
+    DragHandler {
+        target: null
+        xAxis.enabled: false
+        onTranslationChanged: Detail.panChanged(translation.y)
+        onActiveChanged: if (!active) Detail.dragEnded()
+    }
+
+    Rectangle {
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 2
+        width: 36
+        height: 4
+        radius: 2
+        color: "#C7C7CC"
+    }
+}
