@@ -1,3 +1,137 @@
 #include "ShareViewModel.h"
 
+#include "Log.h"
+#include "TSAlbum.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QStandardPaths>
+
+#include <functional>
+
+namespace {
+
+using sharing::ShareAction;
+
+struct Row {
+    const char* kind;
+    const char* title;
+    const char* name;  // of the action, as QML names it
+    ShareAction action;
+};
+
+// The menu as the toolbar's share button opens it.
+constexpr Row kRows[] = {
+    {"title", "Share Photo", "", {}},
+    {"button", "With Metadata", "shareMeta", ShareAction::shareMeta},
+    {"button", "Without Metadata", "shareWithoutMeta", ShareAction::shareWithoutMeta},
+    {"separator", "", "", {}},
+    {"title", "Share Details Only", "", {}},
+    {"button", "Details", "shareDetails", ShareAction::shareDetails},
+    {"separator", "", "", {}},
+    {"title", "Share All Tags as", "", {}},
+    {"button", "Human Readable", "hrShare", ShareAction::hrShare},
+    {"button", "JSON", "jsonShare", ShareAction::jsonShare},
+    {"button", "Raw", "rawShare", ShareAction::rawShare},
+};
+
+const Row* buttonOf(const std::function<bool(const Row&)>& match) {
+    for (const Row& r : kRows)
+        if (QLatin1String(r.kind) == QLatin1String("button") && match(r)) return &r;
+    return nullptr;
+}
+
+}  // namespace
+
 ShareViewModel::ShareViewModel(QObject* parent) : QObject(parent) {}
+
+void ShareViewModel::setMenuOpen(bool open) {
+    if (open == menuOpen_) return;
+    menuOpen_ = open;
+    emit menuOpenChanged();
+}
+
+QVariantList ShareViewModel::rows() const {
+    QVariantList list;
+    for (const Row& r : kRows)
+        list << QVariantMap{{"kind", QString::fromLatin1(r.kind)},
+                            {"title", QString::fromLatin1(r.title)},
+                            {"action", QString::fromLatin1(r.name)}};
+    return list;
+}
+
+QUrl ShareViewModel::saveFolder() const {
+    for (auto location : {QStandardPaths::DocumentsLocation, QStandardPaths::PicturesLocation}) {
+        const QString folder = QStandardPaths::writableLocation(location);
+        if (!folder.isEmpty() && QFileInfo(folder).isDir()) return QUrl::fromLocalFile(folder);
+    }
+    return QUrl::fromLocalFile(QDir::homePath());
+}
+
+void ShareViewModel::shareMeta() { run(ShareAction::shareMeta); }
+void ShareViewModel::shareWithoutMeta() { run(ShareAction::shareWithoutMeta); }
+void ShareViewModel::shareDetails() { run(ShareAction::shareDetails); }
+void ShareViewModel::hrShare() { run(ShareAction::hrShare); }
+void ShareViewModel::jsonShare() { run(ShareAction::jsonShare); }
+void ShareViewModel::rawShare() { run(ShareAction::rawShare); }
+
+void ShareViewModel::trigger(const QString& action) {
+    if (const Row* row = buttonOf([&](const Row& r) { return action == QLatin1String(r.name); }))
+        run(row->action);
+    else
+        Log::error(QStringLiteral("📤 no share action %1").arg(action));
+}
+
+void ShareViewModel::run(ShareAction action) {
+    setMenuOpen(false);
+    const auto album = TSEnvironment::currentAlbum();
+    QString error;
+    auto items = sharing::shareItems(action, *album, &error);
+    if (!items) {
+        if (!error.isEmpty()) showError(error);
+        return;
+    }
+    // The summary that goes with the file, or the text itself, is ready to paste.
+    if (!items->text.isEmpty()) {
+        if (QClipboard* clipboard = QGuiApplication::clipboard()) clipboard->setText(items->text);
+        if (items->data.isEmpty()) items->data = items->text.toUtf8();
+    }
+    pending_ = *items;
+    saveTitle_ = QStringLiteral("Save ") +
+                 QLatin1String(buttonOf([&](const Row& r) { return r.action == action; })->title);
+    emit saveChanged();
+    emit saveRequested();
+}
+
+bool ShareViewModel::saveTo(const QUrl& file) {
+    if (pending_.data.isEmpty()) return false;
+    const QString path = file.isLocalFile() ? file.toLocalFile() : file.toString();
+    QString error;
+    if (!sharing::saveToFile(path, pending_.data, &error)) {
+        Log::error(QStringLiteral("📤 saving failed: %1").arg(error));
+        showError(error);
+        return false;
+    }
+    Log::info(QStringLiteral("📤 saved %1").arg(path));
+    cancelSave();
+    return true;
+}
+
+void ShareViewModel::cancelSave() {
+    pending_ = {};
+    saveTitle_.clear();
+    emit saveChanged();
+}
+
+void ShareViewModel::showError(const QString& message) {
+    errorMessage_ = message;
+    emit errorChanged();
+}
+
+void ShareViewModel::dismissError() {
+    if (errorMessage_.isEmpty()) return;
+    errorMessage_.clear();
+    emit errorChanged();
+}
