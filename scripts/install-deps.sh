@@ -11,6 +11,9 @@ packages=(
   qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
   qml6-module-qtquick-window qml6-module-qtqml-workerscript qml6-module-qtquick-templates
   qml6-module-qtquick-dialogs qml6-module-qtmultimedia
+  # video playback in the full-screen view: Qt Multimedia's GStreamer backend, its QuickTime/MP4
+  # demuxer and FFmpeg's decoders
+  gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
   # the file dialog's own view, where the desktop offers none; a font for offscreen screenshots
   qml6-module-qt-labs-folderlistmodel fonts-dejavu-core
   # TIFF and WebP pixels for QImage (redrawing photos, and the tests' pixel checks)
