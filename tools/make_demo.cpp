@@ -359,6 +359,22 @@ bool fail(const QString& what) {
     return false;
 }
 
+// A copied camera file keeps the time it was taken as its modification time; so do ours, so that
+// lists sorted or labelled by file date read like a real album.
+bool stampTime(const QString& path, const QDateTime& taken) {
+    QFile file(path);
+    return (file.open(QIODevice::ReadWrite) && file.setFileTime(taken, QFileDevice::FileModificationTime)) ||
+           fail(path + ": cannot set its time");
+}
+
+QDateTime takenAt(const Demo& d) {
+    if (!d.date) return QDateTime(QDate(2024, 6, 1), QTime(10, 0), Qt::UTC);
+    const QDateTime local = QDateTime::fromString(QString::fromLatin1(d.date), "yyyy:MM:dd HH:mm:ss");
+    const QString offset = QString::fromLatin1(d.offset);
+    const int seconds = (offset.mid(1, 2).toInt() * 60 + offset.mid(4, 2).toInt()) * 60;
+    return QDateTime(local.date(), local.time(), QTimeZone(offset.startsWith('-') ? -seconds : seconds));
+}
+
 bool saveBytes(const QString& path, const QByteArray& bytes) {
     QSaveFile out(path);
     if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
@@ -431,7 +447,7 @@ bool makePhoto(const QDir& dir, const Demo& d) {
         if (!tagged) return fail(file + ": " + error);
         bytes = *tagged;
     }
-    return saveBytes(dir.filePath(file), bytes);
+    return saveBytes(dir.filePath(file), bytes) && stampTime(dir.filePath(file), takenAt(d));
 }
 
 // A few seconds of a sunset over the river with the soft hum of a chord: H.264 video when
@@ -558,7 +574,8 @@ bool makeMovie(const QDir& dir) {
     auto movie = media::readMovie(bytes, &error);
     if (!movie) return fail(plain + ": " + error);
     TagsVideoModifier modifier(movie->metadata);
-    modifier.setDate(QDateTime(QDate(2023, 9, 21), QTime(19, 32, 10), QTimeZone(3600)));
+    const QDateTime taken(QDate(2023, 9, 21), QTime(19, 32, 10), QTimeZone(3600));
+    modifier.setDate(taken);
     GeoLocation place(38.7075, -9.1364);
     place.altitude = 12;
     place.verticalAccuracy = 5;
@@ -569,7 +586,7 @@ bool makeMovie(const QDir& dir) {
     QFile::remove(tagged);
     const bool ok = media::writeMovie(plain, tagged, {modifier.items, true}, &error);
     QFile::remove(plain);
-    return ok || fail(tagged + ": " + error);
+    return ok ? stampTime(tagged, taken) : fail(tagged + ": " + error);
 }
 
 }  // namespace

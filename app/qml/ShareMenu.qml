@@ -18,7 +18,7 @@ Item {
         topPadding: 6
         bottomPadding: 6
         modal: true
-        dim: false
+        Overlay.modal: Rectangle { color: "#1F000000" }
         // Beside the toolbar that opened it: above the bottom bar on a phone, below the top bar
         // on a tablet.
         x: App.pad ? parent.width - width - 12 : 12
@@ -26,10 +26,20 @@ Item {
         onClosed: Share.menuOpen = false
         Component.onCompleted: if (Share.menuOpen) open()
 
-        background: Rectangle {
-            radius: 14
-            color: "#FFFFFF"
-            border.color: "#D1D1D6"
+        background: Item {
+            Rectangle {  // a soft shadow, drawn plainly so that every platform shows it
+                anchors.fill: parent
+                anchors.topMargin: 3
+                anchors.bottomMargin: -3
+                radius: 15
+                color: "#26000000"
+            }
+            Rectangle {
+                anchors.fill: parent
+                radius: 14
+                color: "#FFFFFF"
+                border.color: "#D1D1D6"
+            }
         }
 
         ColumnLayout {
