@@ -28,6 +28,10 @@ ApplicationWindow {
     RowLayout {
         anchors.fill: parent
         spacing: 0
+        // Keys that no screen took: Escape goes back; beside the list, the arrows page the detail.
+        Keys.onEscapePressed: App.back()
+        Keys.onLeftPressed: event => { if (App.pad) Detail.previous(); else event.accepted = false }
+        Keys.onRightPressed: event => { if (App.pad) Detail.next(); else event.accepted = false }
 
         StackView {
             id: stack
@@ -36,7 +40,6 @@ ApplicationWindow {
             Layout.preferredWidth: App.pad ? 360 : window.width
             initialItem: albumsPage
             focus: true
-            Keys.onEscapePressed: App.back()
         }
         Rectangle {
             visible: App.pad

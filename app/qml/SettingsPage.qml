@@ -59,8 +59,31 @@ Page {
                     visible: row.kind === "switch"
                     // The row's model value is the truth: a tap asks for the change.
                     checkable: false
+                    padding: 0
                     checked: row.on === true
                     onClicked: SettingsScreen.setSwitch(row.tag, !row.on)
+                    // Drawn here: the style's knob is a shadowed shader item that the software
+                    // renderer (screenshots, machines without a GPU) leaves out.
+                    indicator: Rectangle {
+                        implicitWidth: 48
+                        implicitHeight: 28
+                        x: toggle.leftPadding
+                        y: (toggle.height - height) / 2
+                        radius: height / 2
+                        color: toggle.checked ? "#1E6FD9" : "#E5E5EA"
+                        Behavior on color { ColorAnimation { duration: 150 } }
+                        Rectangle {
+                            width: 24
+                            height: 24
+                            radius: 12
+                            y: 2
+                            x: toggle.checked ? parent.width - width - 2 : 2
+                            color: "#FFFFFF"
+                            border.color: "#D1D1D6"
+                            border.width: toggle.checked ? 0 : 1
+                            Behavior on x { NumberAnimation { duration: 150 } }
+                        }
+                    }
                 }
                 Image {
                     visible: row.kind === "disclosure"

@@ -45,7 +45,7 @@ QVariantMap GroupViewModel::item(int index) const {
             map["name"] = QFileInfo(*path).fileName();
         }
     if (auto date = album_->date(index)) {
-        map["date"] = Formatter::format(*date, Formatter::Style::mediumDate);
+        map["date"] = Formatter::format(*date, Formatter::Style::longDate);
         map["time"] = Formatter::format(*date, Formatter::Style::timeOnly);
     }
     return map;

@@ -2,8 +2,6 @@
 
 #include "Log.h"
 #include "Settings.h"
-#include "TSAlbum.h"
-#include "TSMetaDataObservable.h"
 
 SettingsViewModel::SettingsViewModel(QObject* parent) : QAbstractListModel(parent) {}
 
@@ -54,10 +52,7 @@ void SettingsViewModel::setSwitch(int tag, bool on) {
         Settings::setValue(row.key, on);
         Log::info(QStringLiteral("Switch: %1 is %2").arg(tag).arg(on ? "true" : "false"));
         emit dataChanged(index(i), index(i), {OnRole});
-        if (row.key == QLatin1String("human")) {
-            emit humanChanged();
-            TSEnvironment::observable().sendMetaData(MetaSelector::rowsChanged, TSEnvironment::currentAlbum());
-        }
+        if (row.key == QLatin1String("human")) emit humanChanged();
         return;
     }
 }
