@@ -21,6 +21,9 @@ Page {
             event.accepted = false
     }
 
+    // The album may have changed while the page was away.
+    Component.onCompleted: ToolBar.refresh()
+
     Binding {
         target: Detail
         property: "screenSize"

@@ -122,6 +122,11 @@ ListView {
                                 required property var modelData
                                 width: modelData.symbol ? 22 : badgeText.implicitWidth + 8
                                 height: 22
+                                // The video badge plays the video.
+                                TapHandler {
+                                    enabled: modelData.symbol === "forward.frame"
+                                    onTapped: Detail.fullScreen = true
+                                }
                                 Image {
                                     visible: !!modelData.symbol
                                     anchors.fill: parent

@@ -18,7 +18,6 @@ Rectangle {
     Item {
         id: stage
         anchors.fill: parent
-        visible: !Detail.currentIsVideo
         clip: true
 
         readonly property real minZoom: Detail.minimumZoom(width, height, photo.implicitWidth, photo.implicitHeight)
@@ -28,7 +27,8 @@ Rectangle {
             id: photo
             x: (stage.width - width) / 2
             y: (stage.height - height) / 2
-            source: view.visible && !Detail.currentIsVideo ? Detail.imageSource(Detail.currentIndex) : ""
+            // A video's first frame stands under the player until it plays.
+            source: view.visible ? Detail.imageSource(Detail.currentIndex) : ""
             sourceSize: Qt.size(2048, 2048)
             asynchronous: true
             smooth: true
@@ -40,9 +40,10 @@ Rectangle {
             running: photo.status === Image.Loading
         }
         PinchHandler {
+            enabled: !Detail.currentIsVideo
             target: photo
             minimumScale: stage.minZoom
-            maximumScale: stage.maxZoom
+            maximumScale: Math.max(stage.minZoom, stage.maxZoom)
             minimumRotation: 0
             maximumRotation: 0
         }
@@ -51,6 +52,7 @@ Rectangle {
             enabled: photo.scale > stage.minZoom * 1.01
         }
         TapHandler {
+            enabled: !Detail.currentIsVideo
             onDoubleTapped: {
                 photo.scale = photo.scale > stage.minZoom * 1.01 ? stage.minZoom : stage.maxZoom
                 photo.x = (stage.width - photo.width) / 2
