@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QImage>
+#include <QTemporaryDir>
+#include <exiv2/exiv2.hpp>
 #include <thread>
 
 namespace {
@@ -82,6 +85,46 @@ TEST(Thumbnail, TurnedCameraFilesAreUprightFromEmbeddedAndDecodedPictures) {
     const QImage turned = TSFilesAlbum::thumbnail(testsupport::video("apple_meta_rot90.mov"), 160);
     const QImage straight = TSFilesAlbum::thumbnail(testsupport::video("apple_meta.mov"), 160);
     EXPECT_EQ(turned.size(), straight.size().transposed());
+}
+
+QByteArray jpeg(QSize size, Qt::GlobalColor colour) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 90);
+    return bytes;
+}
+
+// A blue 400 x 300 JPEG that carries a red EXIF thumbnail of the given size.
+QString withRedThumbnail(const QTemporaryDir& dir, QSize thumbSize) {
+    const QString path = dir.filePath(QStringLiteral("thumb_%1x%2.jpg").arg(thumbSize.width()).arg(thumbSize.height()));
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(jpeg({400, 300}, Qt::blue));
+    file.close();
+    auto image = Exiv2::ImageFactory::open(path.toStdString());
+    image->readMetadata();
+    const QByteArray thumb = jpeg(thumbSize, Qt::red);
+    Exiv2::ExifThumb(image->exifData()).setJpegThumbnail(reinterpret_cast<const Exiv2::byte*>(thumb.constData()),
+                                                          long(thumb.size()));
+    image->writeMetadata();
+    return path;
+}
+
+bool isRed(const QImage& image) { return qRed(image.pixel(image.width() / 2, image.height() / 2)) > 200; }
+
+TEST(Thumbnail, TheEmbeddedThumbnailServesWhenBigEnoughAndOfTheImagesShape) {
+    QTemporaryDir dir;
+    const QString fitting = withRedThumbnail(dir, {160, 120});
+    EXPECT_TRUE(isRed(TSFilesAlbum::thumbnail(fitting, 160)));
+    EXPECT_TRUE(isRed(TSFilesAlbum::thumbnail(fitting, 100)));
+    const QImage decoded = TSFilesAlbum::thumbnail(fitting, 200);  // too small: the image itself
+    EXPECT_EQ(decoded.size(), QSize(200, 150));
+    EXPECT_FALSE(isRed(decoded));
+    // A square thumbnail of a 4:3 image would show bars.
+    EXPECT_FALSE(isRed(TSFilesAlbum::thumbnail(withRedThumbnail(dir, {160, 160}), 100)));
 }
 
 TEST(Thumbnail, BrokenAndHostileFilesNeverCrash) {
