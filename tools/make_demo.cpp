@@ -26,6 +26,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/imgutils.h>
+#include <libavutil/log.h>
 #include <libavutil/opt.h>
 #include <libswscale/swscale.h>
 }
@@ -599,6 +600,7 @@ int main(int argc, char** argv) {
     }
     QDir dir(QString::fromLocal8Bit(argv[1]));
     dir.mkpath(".");
+    av_log_set_level(AV_LOG_ERROR);  // the encoders' statistics are noise in a build log
     const auto at = [](double lat, double lon) { return std::optional<QPointF>(QPointF(lat, lon)); };
     const Camera canon{"Canon", "Canon EOS R6", "RF24-105mm F4 L IS USM", "Canon", "Firmware Version 1.8.1",
                        1.0 / 250, 8, 58, 200, 58, 16};
