@@ -9,6 +9,7 @@
 #include <QColorSpace>
 #include <QFileInfo>
 #include <QImageWriter>
+#include <QPainter>
 #include <QSaveFile>
 
 namespace sharing {
@@ -27,13 +28,17 @@ std::optional<QByteArray> strippedJpeg(const QByteArray& imageData, int orientat
     // libheif turns HEIF and AVIF pictures by their container's rotation already; their EXIF
     // orientation only repeats it.
     const imageio::Format format = imageio::detectFormat(imageData);
-    const bool turned = format == imageio::Format::Heif || format == imageio::Format::Avif;
-    const QImage upright =
-        (turned ? decoded : imageio::applyOrientation(decoded, orientation)).convertToFormat(QImage::Format_RGB32);
-    // A bare copy of the pixels: Qt writes an image's text entries (a PNG's tEXt, say) into the
-    // JPEG as comments, and the point here is to share nothing but the picture and its colours.
-    QImage bare(upright.constBits(), upright.width(), upright.height(), upright.bytesPerLine(), upright.format());
-    bare = bare.copy();
+    const bool containerTurns = format == imageio::Format::Heif || format == imageio::Format::Avif;
+    const QImage upright = containerTurns ? decoded : imageio::applyOrientation(decoded, orientation);
+    // Drawn on white into a bare image: a JPEG has no transparency (transparent pixels would turn
+    // black), and Qt writes an image's text entries (a PNG's tEXt, say) into the JPEG as comments,
+    // while the point here is to share nothing but the picture and its colours.
+    QImage bare(upright.size(), QImage::Format_RGB32);
+    bare.fill(Qt::white);
+    {
+        QPainter painter(&bare);
+        painter.drawImage(0, 0, upright);
+    }
     bare.setColorSpace(upright.colorSpace());
     QByteArray out;
     QBuffer buffer(&out);

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -119,6 +120,24 @@ TEST(StrippedCopy, EveryOrientationStandsUpright) {
             }
         }
     }
+}
+
+// A JPEG has no transparency: what was transparent comes out white, not black.
+TEST(StrippedCopy, TransparencyBecomesWhite) {
+    QImage picture(64, 48, QImage::Format_ARGB32);
+    picture.fill(Qt::transparent);
+    for (int y = 16; y < 32; ++y)
+        for (int x = 24; x < 40; ++x) picture.setPixel(x, y, qRgb(200, 30, 30));
+    QByteArray png;
+    QBuffer buffer(&png);
+    ASSERT_TRUE(buffer.open(QIODevice::WriteOnly) && picture.save(&buffer, "PNG"));
+    const auto jpeg = strippedJpeg(png);
+    ASSERT_TRUE(jpeg);
+    const QImage out = QImage::fromData(*jpeg, "JPEG");
+    ASSERT_EQ(out.size(), QSize(64, 48));
+    EXPECT_GT(qGray(out.pixel(2, 2)), 245);
+    EXPECT_GT(qRed(out.pixel(32, 24)), 180);
+    EXPECT_LT(qGreen(out.pixel(32, 24)), 60);
 }
 
 // "With Metadata": the file's bytes as they are, and the summary sentence beside them.
