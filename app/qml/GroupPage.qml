@@ -35,7 +35,7 @@ Page {
     Connections {
         target: Group
         function onSelectionChanged() {
-            if (Group.selectedRow >= 0) list.positionViewAtIndex(Group.selectedRow, ListView.Contain)
+            if (Group.selectedRow >= 0) list.positionViewAtIndex(Group.selectedRow, ListView.Center)
         }
     }
 

@@ -147,6 +147,7 @@ TEST_F(ShellTest, LinkHostOpensTheAlbumOfThatNameWhateverTheCase) {
     models.albumList->openPaths(samples(2));
     models.app->back();
     ASSERT_EQ(models.app->screens(), QStringList{"albums"});
+    EXPECT_EQ(TSEnvironment::currentAlbum()->count(), 0) << "leaving the group by back resets the album";
 
     QSignalSpy opened(models.albumList, &AlbumListViewModel::albumOpened);
     models.app->openUrl(QStringLiteral("tessorin://FROM%20Files/ignored/path?x#y"));
