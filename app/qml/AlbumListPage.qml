@@ -82,6 +82,7 @@ Page {
 
     FileDialog {
         id: picker
+        objectName: "documentPicker"
         title: "Open photos and videos"
         fileMode: FileDialog.OpenFiles
         nameFilters: AlbumList.nameFilters
