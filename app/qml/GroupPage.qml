@@ -18,6 +18,7 @@ Page {
 
     ListView {
         id: list
+        objectName: "folderTable"
         anchors.fill: parent
         clip: true
         model: Group
@@ -50,6 +51,7 @@ Page {
             required property var time
             required property var thumbnail
             required property bool video
+            objectName: "cell_" + index
             width: ListView.view.width
             height: 76
             highlighted: Group.selectedIndex === firstIndex && App.pad

@@ -16,6 +16,8 @@
 #include <gtest/gtest.h>
 
 #include <QGuiApplication>
+#include <QMimeDatabase>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -138,6 +140,24 @@ TEST_F(ShellTest, CollapsedSectionsAreRestoredAndKept) {
     EXPECT_TRUE(again.isHidden(1));
     EXPECT_FALSE(again.isHidden(2));
     EXPECT_FALSE(again.isHidden(0));
+}
+
+TEST_F(ShellTest, LauncherEntryOffersEveryTypeThePickerOpens) {
+    QHash<QString, QString> entry;
+    for (const QString& line : QString::fromUtf8(testsupport::readFile(TESSORIN_DESKTOP_FILE)).split('\n'))
+        if (const qsizetype eq = line.indexOf('='); eq > 0) entry.insert(line.left(eq), line.mid(eq + 1));
+    const QStringList types = entry.value("MimeType").split(';', Qt::SkipEmptyParts);
+    EXPECT_TRUE(types.contains("x-scheme-handler/tessorin"));
+    EXPECT_EQ(entry.value("Exec"), "tessorin %U");
+    const QString all = AlbumListViewModel::nameFilters().first();
+    const QRegularExpression pattern(QStringLiteral("\\*\\.([a-z0-9]+)"));
+    int checked = 0;
+    for (auto it = pattern.globalMatch(all); it.hasNext(); ++checked) {
+        const QString extension = it.next().captured(1);
+        const QMimeType type = QMimeDatabase().mimeTypeForFile("x." + extension, QMimeDatabase::MatchExtension);
+        EXPECT_TRUE(types.contains(type.name())) << extension.toStdString() << " is " << type.name().toStdString();
+    }
+    EXPECT_GT(checked, 15);
 }
 
 // --- links and navigation
