@@ -82,6 +82,18 @@ QImage heifThumbnail(const QByteArray& bytes, int maxSide) {
     return decodeHeifHandle(primary.get());
 }
 
+// Qt decodes, at the reduced size from the start where the format allows it.
+QImage scaledDecode(const QByteArray& bytes, int maxSide) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(false);
+    const QSize size = reader.size();
+    if (size.isValid() && qMax(size.width(), size.height()) > maxSide)
+        reader.setScaledSize(size.scaled(maxSide, maxSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    return reader.read();
+}
+
 int exifOrientation(const Exiv2::ExifData& exif) {
     auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
     if (it == exif.end() || it->count() < 1) return 1;
@@ -99,22 +111,12 @@ QImage embeddedPreview(Exiv2::Image& image, int maxSide) {
         if (int(qMax(p.width_, p.height_)) < maxSide || p.width_ == 0 || p.height_ == 0) continue;
         if (imageAspect > 0 && std::abs(double(p.width_) / p.height_ - imageAspect) > 0.03 * imageAspect) continue;
         const Exiv2::PreviewImage preview = previews.getPreviewImage(p);
-        QImage decoded = QImage::fromData(preview.pData(), int(preview.size()));
+        // A raw file's preview may be full-sized: it too is decoded at the reduced size.
+        QImage decoded = scaledDecode(
+            QByteArray::fromRawData(reinterpret_cast<const char*>(preview.pData()), qsizetype(preview.size())), maxSide);
         if (!decoded.isNull() && qMax(decoded.width(), decoded.height()) >= maxSide) return decoded;
     }
     return {};
-}
-
-// Qt decodes, at the reduced size from the start where the format allows it.
-QImage scaledDecode(const QByteArray& bytes, int maxSide) {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    reader.setAutoTransform(false);
-    const QSize size = reader.size();
-    if (size.isValid() && qMax(size.width(), size.height()) > maxSide)
-        reader.setScaledSize(size.scaled(maxSide, maxSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    return reader.read();
 }
 
 }  // namespace
