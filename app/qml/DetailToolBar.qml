@@ -39,22 +39,33 @@ Rectangle {
 
         Repeater {
             model: ToolBar.tools
-            delegate: ToolButton {
-                id: tool
+            // A phone's bar spreads the tools from edge to edge; a tablet's packs them.
+            delegate: Item {
+                id: cell
+                required property int index
                 required property string modelData
-                Layout.alignment: Qt.AlignVCenter
-                text: modelData === "edit" ? "Edit" : ""
-                icon.source: modelData === "tags" ? (Detail.showTags ? "qrc:/icons/tag.fill.svg" : "qrc:/icons/tag.svg")
-                           : bar.symbols[modelData] ? "qrc:/icons/" + bar.symbols[modelData] + ".svg" : ""
-                icon.color: "#1E6FD9"
-                Material.foreground: "#1E6FD9"
-                onClicked: {
-                    if (modelData === "share")
-                        Share.menuOpen = true
-                    else if (modelData === "tags")
-                        Detail.toggleTables()
-                    else if (modelData === "more")
-                        moreMenu.popup(tool)
+                Layout.fillWidth: !bar.flat
+                Layout.fillHeight: true
+                implicitWidth: tool.implicitWidth
+
+                ToolButton {
+                    id: tool
+                    anchors.verticalCenter: parent.verticalCenter
+                    x: bar.flat || cell.index === 0 ? 0
+                       : cell.index === ToolBar.tools.length - 1 ? cell.width - width : (cell.width - width) / 2
+                    text: cell.modelData === "edit" ? "Edit" : ""
+                    icon.source: cell.modelData === "tags" ? (Detail.showTags ? "qrc:/icons/tag.fill.svg" : "qrc:/icons/tag.svg")
+                               : bar.symbols[cell.modelData] ? "qrc:/icons/" + bar.symbols[cell.modelData] + ".svg" : ""
+                    icon.color: "#1E6FD9"
+                    Material.foreground: "#1E6FD9"
+                    onClicked: {
+                        if (cell.modelData === "share")
+                            Share.menuOpen = true
+                        else if (cell.modelData === "tags")
+                            Detail.toggleTables()
+                        else if (cell.modelData === "more")
+                            moreMenu.popup(tool)
+                    }
                 }
             }
         }
