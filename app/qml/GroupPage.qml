@@ -54,7 +54,7 @@ Page {
             objectName: "cell_" + index
             width: ListView.view.width
             height: 76
-            highlighted: Group.selectedIndex === firstIndex && App.pad
+            highlighted: Group.selectedIndex === firstIndex
             onClicked: Group.show(firstIndex)
 
             contentItem: RowLayout {
@@ -116,7 +116,7 @@ Page {
                         height: row.side
                         source: modelData.thumbnail || ""
                         video: modelData.video
-                        selected: Group.selectedIndex === modelData.index && App.pad
+                        selected: Group.selectedIndex === modelData.index
                         TapHandler { onTapped: Group.show(modelData.index) }
                     }
                 }

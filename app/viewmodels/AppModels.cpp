@@ -32,8 +32,9 @@ AppModels::AppModels(QObject* parent)
     connect(group, &GroupViewModel::detailRequested, app, &AppController::openDetail);
     connect(settings, &SettingsViewModel::aboutRequested, app, &AppController::openAbout);
     connect(settings, &SettingsViewModel::closed, albumList, &AlbumListViewModel::load);
-    connect(app, &AppController::popped, settings, [this](const QString& screen) {
+    connect(app, &AppController::popped, this, [this](const QString& screen) {
         if (screen == QLatin1String("settings")) settings->close();
+        if (screen == QLatin1String("detail")) group->appear();
     });
     // A setting that changes what the detail tables show, or another album in the strip.
     connect(toolBar, &ToolBarModel::reloadTables, detailTable, &DetailTableModel::reload);

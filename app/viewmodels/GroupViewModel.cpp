@@ -86,7 +86,11 @@ void GroupViewModel::attach() {
     endResetModel();
     emit albumChanged();
     emit selectionChanged();
-    // A tablet shows the current item beside the list at once; a phone only marks it.
+    appear();
+}
+
+void GroupViewModel::appear() {
+    if (!album_) return;
     if (TSEnvironment::isPad()) show(album_->actualIndex());
     else if (album_->hasValidIndex()) select(album_->actualIndex());
 }

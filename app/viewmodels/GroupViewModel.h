@@ -47,8 +47,11 @@ public:
     // The thumbnail source of a file: image://thumb/ and the percent-encoded path.
     static QString thumbnailSource(const QString& path);
 
-    // Takes the current album and becomes its group observer.
+    // Takes the current album and becomes its group observer, then appears.
     Q_INVOKABLE void attach();
+    // The screen is on view again: a tablet shows the album's current item beside it, a phone
+    // marks the item it comes back from.
+    Q_INVOKABLE void appear();
     Q_INVOKABLE void toggleView();
     // Opens an item: nothing in an empty album; otherwise the album moves there, and on a
     // tablet the item is marked here while the detail beside follows, on a phone the detail opens.

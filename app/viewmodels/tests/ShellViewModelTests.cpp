@@ -212,6 +212,11 @@ TEST_F(ShellTest, NavigationStacksOnAPhoneAndSplitsOnATablet) {
     models.albumList->openPaths(samples(3));
     models.group->show(1);
     EXPECT_EQ(app.screens(), (QStringList{"albums", "group", "detail"}));
+    EXPECT_EQ(models.group->selectedIndex(), -1);
+    // Back from the detail: the group marks the item it comes back from.
+    app.back();
+    EXPECT_EQ(models.group->selectedIndex(), 1);
+    models.group->show(1);
 
     // Widening the window hands the detail to the right-hand side.
     QSignalSpy popped(&app, &AppController::popped);
