@@ -203,6 +203,8 @@ TEST_F(ShellTest, CommandLineOpensFilesAndLinks) {
 
     models.app->openArguments({"tessorin://from files"});
     EXPECT_EQ(models.app->screens(), (QStringList{"albums", "group"}));
+    // Starting and browsing read the defaults and write nothing.
+    EXPECT_TRUE(QSettings(Settings::organisation, Settings::application).allKeys().isEmpty());
 }
 
 TEST_F(ShellTest, NavigationStacksOnAPhoneAndSplitsOnATablet) {
