@@ -23,6 +23,10 @@ Page {
 
     // The album may have changed while the page was away.
     Component.onCompleted: ToolBar.refresh()
+    Connections {
+        target: App
+        function onPadChanged() { Detail.layoutChanged() }
+    }
 
     Binding {
         target: Detail

@@ -23,8 +23,13 @@ void DetailViewModel::setShowTags(bool on) {
 void DetailViewModel::setScreenSize(const QSizeF& size) {
     if (size == screenSize_) return;
     screenSize_ = size;
+    layoutChanged();
+}
+
+void DetailViewModel::layoutChanged() {
+    stripHeight_ = -1;
     emit geometryChanged();
-    if (stripHeight_ < 0) emit stripHeightChanged();
+    emit stripHeightChanged();
 }
 
 qreal DetailViewModel::defaultHeight(const QSizeF& screen, bool pad) {
@@ -45,8 +50,9 @@ void DetailViewModel::setMaximumHeight(qreal height) {
 }
 
 void DetailViewModel::setStripHeight(qreal height) {
-    if (height == stripHeight_) return;
-    stripHeight_ = height;
+    if (height == stripHeight()) return;
+    // At the default the strip keeps following it.
+    stripHeight_ = height == defaultHeight() ? -1 : height;
     emit stripHeightChanged();
 }
 

@@ -46,6 +46,8 @@ public:
 
     QSizeF screenSize() const { return screenSize_; }
     void setScreenSize(const QSizeF& size);
+    // The window turned from phone to tablet size or back: the strip goes to its new default.
+    Q_INVOKABLE void layoutChanged();
     qreal minimumHeight() const { return 100.0; }
     qreal defaultHeight() const;
     static qreal defaultHeight(const QSizeF& screen, bool pad);
@@ -121,7 +123,7 @@ private:
     bool showTags_ = false;
     QSizeF screenSize_{390, 844};
     qreal maximumHeight_ = 1e9;
-    qreal stripHeight_ = -1;  // below 0: the default, until the user moves it
+    qreal stripHeight_ = -1;  // below 0: the default, which follows the window
     qreal precOffset_ = 0;
     bool bouncing_ = false;
     bool fullScreen_ = false;

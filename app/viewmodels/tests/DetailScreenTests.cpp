@@ -464,6 +464,12 @@ TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum)
     EXPECT_TRUE(detail.fullScreen());
     // Behind the full-screen view the strip goes back to the default.
     EXPECT_TRUE(waitFor([&] { return detail.stripHeight() == standard; }));
+
+    // Another window size brings the strip to that size's default.
+    detail.setStripHeight(150);
+    TSEnvironment::isPad() = false;
+    detail.setScreenSize({390, 844});
+    EXPECT_NEAR(detail.stripHeight(), 844 * 0.5 - 0.15 * 844 - 44, 1e-9);
 }
 
 TEST_F(DetailScreenTest, StripReleasedOnTheSameIndexLoadsNothing) {
