@@ -36,6 +36,9 @@ HeifHandle primaryHandle(heif_context* ctx) {
 
 // libheif applies the item's rotation and mirroring while decoding.
 QImage decodeHeifHandle(heif_image_handle* handle) {
+    // A hostile header may claim any size; no camera comes near this many pixels.
+    constexpr qint64 maxPixels = qint64(1) << 28;
+    if (qint64(heif_image_handle_get_width(handle)) * heif_image_handle_get_height(handle) > maxPixels) return {};
     heif_image* rawImage = nullptr;
     if (heif_decode_image(handle, &rawImage, heif_colorspace_RGB, heif_chroma_interleaved_RGBA, nullptr).code !=
         heif_error_Ok)
