@@ -6,7 +6,9 @@
 
 namespace imageio {
 
-// The stored pixels, with no orientation applied: a null image when the bytes can't be decoded.
+// The stored pixels, with no EXIF orientation applied (HEIF and AVIF come turned by their own
+// rotation and mirror properties, which libheif applies): a null image when the bytes can't be
+// decoded.
 QImage decodeImage(const QByteArray& bytes);
 
 // An upright picture of the primary image whose larger side is at most maxSide, for lists and
