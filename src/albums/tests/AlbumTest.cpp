@@ -1,4 +1,3 @@
-#include "AlbumTestSupport.h"
 #include "TSFilesAlbum.h"
 
 #include <gtest/gtest.h>
@@ -50,27 +49,6 @@ TEST(TSEnvironment, AnEmptyUntitledAlbumStandsInWhenNoneIsChosen) {
     EXPECT_TRUE(empty->isEmpty());
     EXPECT_FALSE(empty->hasValidIndex());
     EXPECT_EQ(empty->actualIndex(), 0);
-    EXPECT_EQ(TSEnvironment::currentAlbum(), empty);  // the same one each time
-
-    auto files = std::make_shared<TSFilesAlbum>();
-    TSEnvironment::setCurrentAlbum(files);
-    EXPECT_EQ(TSEnvironment::currentAlbum(), files);
-    TSEnvironment::setCurrentAlbum(nullptr);
-    EXPECT_EQ(TSEnvironment::currentAlbum(), empty);
-}
-
-TEST(AbstractAlbum, TheLastLiveGroupObserverIsTheGroupOnView) {
-    TSFilesAlbum album;
-    EXPECT_EQ(album.lastGroupObserver(), nullptr);
-    Recorder first;
-    auto second = std::make_unique<Recorder>();
-    album.addGroupObserver(&first);
-    album.addGroupObserver(second.get());
-    EXPECT_EQ(album.lastGroupObserver(), static_cast<GroupObserver*>(second.get()));
-    second.reset();
-    EXPECT_EQ(album.lastGroupObserver(), static_cast<GroupObserver*>(&first));
-    album.pruneGroupObservers();
-    EXPECT_EQ(album.groupObserver.size(), 1);
 }
 
 }  // namespace
