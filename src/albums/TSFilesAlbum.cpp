@@ -102,9 +102,9 @@ std::optional<QDateTime> TSFilesAlbum::date(int index) const {
     const std::optional<QString> url = imageUrl(index);
     if (!url) return std::nullopt;
     const QFileInfo info(*url);
-    // Not every file system keeps a creation time; the last change is the next best date.
-    const QDateTime born = info.birthTime();
-    return born.isValid() ? born : info.lastModified();
+    // A Linux birth time is when the file landed on this disk (any plain copy resets it), so the
+    // modification time, which cameras, phones and `cp -p` carry along, is the file's own date.
+    return info.lastModified();
 }
 
 QImage TSFilesAlbum::thumbnail(const QString& path, int maxSide) {

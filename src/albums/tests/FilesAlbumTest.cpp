@@ -110,10 +110,16 @@ TEST_F(FilesAlbumTest, IndexesOutsideTheListAreClampedAndMissingFilesShowNothing
     EXPECT_EQ(album->displayedIndex, 0);
     EXPECT_EQ(album->currentAsset->path(), files[0]);
 
+    // A copy is dated by the time it carries, not by when it landed here.
     QTemporaryDir dir;
     const QString gone = dir.filePath("gone.jpg");
     ASSERT_TRUE(QFile::copy(files[0], gone));
+    const QDateTime taken(QDate(2019, 7, 14), QTime(9, 30));
+    QFile copy(gone);
+    ASSERT_TRUE(copy.open(QIODevice::ReadWrite) && copy.setFileTime(taken, QFileDevice::FileModificationTime));
+    copy.close();
     album->loadBookmarks({gone});
+    EXPECT_EQ(album->date(0), taken);
     ASSERT_TRUE(QFile::remove(gone));
     album->setActualIndex(0);
     EXPECT_FALSE(album->hasValidIndex());
