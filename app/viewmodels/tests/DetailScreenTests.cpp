@@ -537,11 +537,3 @@ TEST_F(DetailScreenTest, CloudFailureAlertsOnlyWithText) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    // Also when the test runner lists the tests, without the tests' environment.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

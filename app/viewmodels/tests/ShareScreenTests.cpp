@@ -138,11 +138,3 @@ TEST_F(ShareScreen, NothingToShareDoesNothing) {
     EXPECT_FALSE(share.errorVisible());
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "before");
 }
-
-int main(int argc, char** argv) {
-    // Also when the test list is gathered at build time, where no display may be.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

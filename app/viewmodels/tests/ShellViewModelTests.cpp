@@ -365,11 +365,3 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
 }
 
 }  // namespace
-
-int main(int argc, char** argv) {
-    // Also when the test runner lists the tests, where no display is set.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}
