@@ -5,8 +5,8 @@
 
 SettingsViewModel::SettingsViewModel(QObject* parent) : QAbstractListModel(parent) {}
 
-// The rows that apply to picked files; the photo-access and live-photo rows come with the
-// library, in their own sections (3 and 5), so the tags of these stay put.
+// Every row but photo access, which comes with the library in its own section (5), so the tags
+// of the others stay put.
 const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
     static const QList<Row> table{
         {0, 0, QStringLiteral("About"), QStringLiteral("About Tessorin"), {}, QStringLiteral("info.circle")},
@@ -14,6 +14,8 @@ const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
          QStringLiteral("arrow.up.arrow.down.circle")},
         {2, 0, QStringLiteral("Tags"), QStringLiteral("Human Readable"), QStringLiteral("human"),
          QStringLiteral("accessibility")},
+        {3, 0, QStringLiteral("Live Photos"), QStringLiteral("Show Live Photos preview"),
+         QStringLiteral("showLivePhotos"), QStringLiteral("livephoto")},
         {4, 0, QStringLiteral("Video"), QStringLiteral("Show Videos"), QStringLiteral("video"),
          QStringLiteral("film.circle")},
         {6, 0, QStringLiteral("Modified Images"), QStringLiteral("Save in Tessorin album"),

@@ -336,8 +336,8 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
         tags << row.tag();
         keys << row.key;
     }
-    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 4, 6}));
-    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "video", "saveInTessorin"}));
+    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 3, 4, 6}));
+    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "showLivePhotos", "video", "saveInTessorin"}));
     EXPECT_EQ(cell(settings, 2, SettingsViewModel::OnRole), true);
     EXPECT_EQ(cell(settings, 0, SettingsViewModel::KindRole), "disclosure");
 
@@ -350,12 +350,13 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
     EXPECT_EQ(changed.count(), 1);
     settings.setSwitch(4, false);
     EXPECT_FALSE(Settings::flag(SettingsFlag::video));
+    EXPECT_TRUE(Settings::flag(SettingsFlag::showLivePhotos));
     EXPECT_EQ(human.count(), 1);
     EXPECT_TRUE(logged("Switch: 2 is false"));
     EXPECT_TRUE(logged("Switch: 4 is false"));
 
     // Tags of no switch change nothing.
-    for (int tag : {0, 3, 5, 102, -1}) settings.setSwitch(tag, false);
+    for (int tag : {0, 5, 102, -1}) settings.setSwitch(tag, false);
     EXPECT_EQ(QSettings(Settings::organisation, Settings::application).allKeys(), (QStringList{"human", "video"}));
 
     QSignalSpy about(&settings, &SettingsViewModel::aboutRequested);
