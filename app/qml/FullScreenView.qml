@@ -100,7 +100,7 @@ Rectangle {
         contentItem: Label {
             text: "𝗫"
             font.pixelSize: 20
-            color: "#8E8E93"
+            color: "#48484A"
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
         }
