@@ -36,7 +36,7 @@ Page {
     }
     Binding {
         target: Detail
-        property: "maximumHeight"
+        property: "availableHeight"
         value: page.availableHeight
         when: page.availableHeight > 0
     }

@@ -43,9 +43,9 @@ qreal DetailViewModel::defaultHeight() const {
     return std::max(minimumHeight(), defaultHeight(screenSize_, TSEnvironment::isPad()));
 }
 
-void DetailViewModel::setMaximumHeight(qreal height) {
-    if (height == maximumHeight_) return;
-    maximumHeight_ = height;
+void DetailViewModel::setAvailableHeight(qreal height) {
+    if (height == availableHeight_) return;
+    availableHeight_ = height;
     emit geometryChanged();
 }
 
@@ -64,7 +64,7 @@ void DetailViewModel::offsetChanged(qreal dy) {
     const qreal h = dy <= 0 ? c - dy : std::max(c - std::abs(dy - precOffset_), minimumHeight());
     precOffset_ = dy;
     setStripHeight(h);
-    if (h > maximumHeight_) setFullScreen(true);
+    if (h > maximumHeight()) setFullScreen(true);
 }
 
 void DetailViewModel::panChanged(qreal translationY) { offsetChanged(-std::min(translationY, 0.0)); }

@@ -20,8 +20,10 @@ class DetailViewModel : public QObject,
     Q_PROPERTY(QSizeF screenSize READ screenSize WRITE setScreenSize NOTIFY geometryChanged)
     Q_PROPERTY(qreal minimumHeight READ minimumHeight CONSTANT)
     Q_PROPERTY(qreal defaultHeight READ defaultHeight NOTIFY geometryChanged)
-    // Past this height the strip opens the full-screen view; the page sets it from its layout.
-    Q_PROPERTY(qreal maximumHeight READ maximumHeight WRITE setMaximumHeight NOTIFY geometryChanged)
+    // The height below the bars that strip and table share, set by the page from its layout.
+    Q_PROPERTY(qreal availableHeight READ availableHeight WRITE setAvailableHeight NOTIFY geometryChanged)
+    // Past this height the strip opens the full-screen view.
+    Q_PROPERTY(qreal maximumHeight READ maximumHeight NOTIFY geometryChanged)
     Q_PROPERTY(qreal stripHeight READ stripHeight WRITE setStripHeight NOTIFY stripHeightChanged)
     Q_PROPERTY(bool bouncing READ bouncing NOTIFY bouncingChanged)
     Q_PROPERTY(bool fullScreen READ fullScreen WRITE setFullScreen NOTIFY fullScreenChanged)
@@ -36,6 +38,8 @@ class DetailViewModel : public QObject,
     Q_PROPERTY(qreal cloudProgress READ cloudProgress NOTIFY cloudChanged)
 public:
     static constexpr qreal lineSpacing = 10.0;
+    // The strip's own bar under the images, which stays in view when the strip is at its largest.
+    static constexpr qreal toolbarHeight = 19.0;
 
     explicit DetailViewModel(QObject* parent = nullptr);
 
@@ -51,8 +55,9 @@ public:
     qreal minimumHeight() const { return 100.0; }
     qreal defaultHeight() const;
     static qreal defaultHeight(const QSizeF& screen, bool pad);
-    qreal maximumHeight() const { return maximumHeight_; }
-    void setMaximumHeight(qreal height);
+    qreal availableHeight() const { return availableHeight_; }
+    void setAvailableHeight(qreal height);
+    qreal maximumHeight() const { return availableHeight_ - toolbarHeight; }
     qreal stripHeight() const;
     void setStripHeight(qreal height);
     bool bouncing() const { return bouncing_; }
@@ -122,7 +127,7 @@ signals:
 private:
     bool showTags_ = false;
     QSizeF screenSize_{390, 844};
-    qreal maximumHeight_ = 1e9;
+    qreal availableHeight_ = 1e9;
     qreal stripHeight_ = -1;  // below 0: the default, which follows the window
     qreal precOffset_ = 0;
     bool bouncing_ = false;

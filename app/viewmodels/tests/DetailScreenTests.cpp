@@ -456,7 +456,8 @@ TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum)
     detail.panChanged(80);
     EXPECT_EQ(detail.stripHeight(), standard);
 
-    detail.setMaximumHeight(600);
+    // The maximum leaves room for the strip's bar.
+    detail.setAvailableHeight(619);
     EXPECT_FALSE(detail.fullScreen());
     detail.offsetChanged(-(600 - standard));
     EXPECT_FALSE(detail.fullScreen()) << "at the maximum, not past it";
