@@ -64,7 +64,7 @@ Item {
             Component {
                 id: tagRow
                 Rectangle {
-                    height: Math.max(36, tagValue.implicitHeight + 12)
+                    height: Math.max(36, Math.max(tagLabel.implicitHeight, tagValue.implicitHeight) + 12)
                     color: "#FFFFFF"
                     Label {
                         id: tagLabel
@@ -87,7 +87,8 @@ Item {
                         anchors.top: parent.top
                         anchors.topMargin: 6
                         text: entry.value
-                        wrapMode: Text.WrapAnywhere
+                        // Words stay whole; a long run without spaces (hex, base64) still breaks.
+                        wrapMode: Text.Wrap
                         font.pixelSize: 14
                         color: "#1C1C1E"
                     }
@@ -153,16 +154,26 @@ Item {
         height: 250
         padding: 0
         modal: true
+        background: CardBackground { radius: 10 }
         ListView {
             anchors.fill: parent
+            anchors.margins: 1
             clip: true
+            boundsBehavior: Flickable.StopAtBounds
             model: TagTable.sectionTitles
             headerPositioning: ListView.OverlayHeader
             header: Rectangle {
                 z: 2
                 width: ListView.view.width
                 height: 44
-                color: "#F9F9F9"
+                color: "#FFFFFF"
+                radius: 10
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    width: parent.width
+                    height: 1
+                    color: "#E5E5EA"
+                }
                 Label {
                     anchors.left: parent.left
                     anchors.leftMargin: 16

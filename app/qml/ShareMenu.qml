@@ -26,21 +26,7 @@ Item {
         onClosed: Share.menuOpen = false
         Component.onCompleted: if (Share.menuOpen) open()
 
-        background: Item {
-            Rectangle {  // a soft shadow, drawn plainly so that every platform shows it
-                anchors.fill: parent
-                anchors.topMargin: 3
-                anchors.bottomMargin: -3
-                radius: 15
-                color: "#26000000"
-            }
-            Rectangle {
-                anchors.fill: parent
-                radius: 14
-                color: "#FFFFFF"
-                border.color: "#D1D1D6"
-            }
-        }
+        background: CardBackground {}
 
         ColumnLayout {
             width: menu.width

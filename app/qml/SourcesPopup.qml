@@ -19,6 +19,7 @@ Popup {
     width: 280
     padding: 16
     modal: true
+    background: CardBackground { radius: 10 }
 
     ColumnLayout {
         width: parent.width

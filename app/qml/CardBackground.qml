@@ -1,0 +1,21 @@
+// The background of the menus and popovers: a white card with a soft shadow, drawn plainly
+// because the style's elevated background needs effects the software renderer lacks.
+import QtQuick
+
+Item {
+    property real radius: 14
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.topMargin: 3
+        anchors.bottomMargin: -3
+        radius: parent.radius + 1
+        color: "#26000000"
+    }
+    Rectangle {
+        anchors.fill: parent
+        radius: parent.radius
+        color: "#FFFFFF"
+        border.color: "#D1D1D6"
+    }
+}
