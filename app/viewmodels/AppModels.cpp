@@ -32,6 +32,11 @@ AppModels::AppModels(QObject* parent)
     connect(group, &GroupViewModel::detailRequested, app, &AppController::openDetail);
     connect(settings, &SettingsViewModel::aboutRequested, app, &AppController::openAbout);
     connect(settings, &SettingsViewModel::closed, albumList, &AlbumListViewModel::load);
+    // A window grown to a tablet's width with the group on top shows its current item beside it
+    // (with the detail on top, the detail is popped and the group appears again below).
+    connect(app, &AppController::padChanged, this, [this] {
+        if (TSEnvironment::isPad() && app->screens().last() == QLatin1String("group")) group->appear();
+    });
     connect(app, &AppController::popped, this, [this](const QString& screen) {
         if (screen == QLatin1String("settings")) settings->close();
         if (screen == QLatin1String("detail")) group->appear();

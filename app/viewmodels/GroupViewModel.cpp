@@ -8,7 +8,9 @@
 #include <QFileInfo>
 #include <QUrl>
 
-GroupViewModel::GroupViewModel(QObject* parent) : QAbstractListModel(parent) {}
+GroupViewModel::GroupViewModel(QObject* parent) : QAbstractListModel(parent) {
+    TSEnvironment::observable().addObserver(this);
+}
 
 QString GroupViewModel::title() const { return album_ ? album_->title() : QString(); }
 
@@ -126,6 +128,11 @@ void GroupViewModel::leave() {
     TSEnvironment::observable().albumChangedReset();
     emit albumChanged();
     emit selectionChanged();
+}
+
+void GroupViewModel::processedMetaData(const std::shared_ptr<TSAlbum>& album) {
+    if (TSEnvironment::isPad() && album && album == album_ && album->actualIndex() != selectedIndex_)
+        select(album->actualIndex());
 }
 
 void GroupViewModel::reload(bool) {

@@ -3,11 +3,12 @@
 // "gridView" is on. One model row is one list cell or one grid row; its `items` carry each
 // item's index, thumbnail source and video flag. It is the album's group observer.
 #include "TSAlbum.h"
+#include "TSMetaDataObservable.h"
 
 #include <QAbstractListModel>
 #include <memory>
 
-class GroupViewModel : public QAbstractListModel, public GroupObserver {
+class GroupViewModel : public QAbstractListModel, public GroupObserver, public TSMetaDataObserver {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY albumChanged)
     Q_PROPERTY(bool gridView READ gridView NOTIFY gridViewChanged)
@@ -62,6 +63,8 @@ public:
 
     // GroupObserver: the album's contents changed.
     void reload(bool changed) override;
+    // On a tablet the detail beside may page on its own (strip, arrow keys): the mark follows.
+    void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
 
 signals:
     void albumChanged();

@@ -20,6 +20,7 @@
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTest>
 #include <QTemporaryDir>
 
 // Readable failure messages.
@@ -244,6 +245,17 @@ TEST_F(ShellTest, NavigationStacksOnAPhoneAndSplitsOnATablet) {
     EXPECT_EQ(closed.count(), 1);
 }
 
+TEST_F(ShellTest, WideningTheWindowOverTheGroupShowsItsItemBeside) {
+    AppModels models;
+    models.app->setWindowWidth(390);
+    models.albumList->openPaths(samples(3));
+    EXPECT_EQ(models.app->screens(), (QStringList{"albums", "group"}));
+    EXPECT_FALSE(TSEnvironment::currentAlbum()->hasValidIndex());
+    models.app->setWindowWidth(1180);
+    EXPECT_TRUE(TSEnvironment::currentAlbum()->hasValidIndex());
+    EXPECT_EQ(models.group->selectedIndex(), 0);
+}
+
 // --- group
 
 TEST_F(ShellTest, GroupRowsAndGridPlaces) {
@@ -317,6 +329,9 @@ TEST_F(ShellTest, ShowingAnItem) {
     group.attach();
     EXPECT_EQ(group.selectedIndex(), 2);
     EXPECT_EQ(detail.count(), 1);
+    // Paged from the detail beside, the mark follows once the item is in.
+    album->setActualIndex(0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return group.selectedIndex() == 0; }));
 
     // Back resets the album: the screens are told, the environment has none.
     group.leave();
