@@ -112,6 +112,7 @@ Item {
         id: saveDialog
         title: Share.saveTitle
         fileMode: FileDialog.SaveFile
+        acceptLabel: "Save"
         currentFolder: Share.saveFolder
         onAccepted: Share.saveTo(selectedFile)
         onRejected: Share.cancelSave()
