@@ -85,6 +85,7 @@ Page {
         objectName: "documentPicker"
         title: "Open photos and videos"
         fileMode: FileDialog.OpenFiles
+        currentFolder: AlbumList.pickerFolder
         nameFilters: AlbumList.nameFilters
         onAccepted: AlbumList.documentPicked(selectedFiles)
     }

@@ -1,5 +1,6 @@
 #include "AlbumListViewModel.h"
 
+#include "Folders.h"
 #include "Log.h"
 #include "Settings.h"
 #include "TSFilesAlbum.h"
@@ -21,6 +22,8 @@ AlbumListViewModel::AlbumListViewModel(QObject* parent) : QAbstractListModel(par
     hiddenSections_ = QSet<int>(stored.begin(), stored.end());
     rebuild();
 }
+
+QUrl AlbumListViewModel::pickerFolder() { return firstExistingFolder({QStandardPaths::PicturesLocation}); }
 
 QStringList AlbumListViewModel::nameFilters() {
     const QString images = patterns({"jpg", "jpeg", "heic", "heif", "avif", "png", "tif", "tiff", "gif", "webp",

@@ -13,6 +13,8 @@ class AlbumListViewModel : public QAbstractListModel {
     Q_PROPERTY(QString title READ title CONSTANT)
     // The document picker's name filters: images, plus videos while "video" is on.
     Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY nameFiltersChanged)
+    // Where the document picker starts: the Pictures folder, else home.
+    Q_PROPERTY(QUrl pickerFolder READ pickerFolder CONSTANT)
 public:
     enum Role { KindRole = Qt::UserRole + 1, SectionRole, TitleRole, SymbolRole, CountRole, CollapsedRole };
     Q_ENUM(Role)
@@ -34,6 +36,7 @@ public:
 
     QString title() const { return QStringLiteral("All albums"); }
     static QStringList nameFilters();
+    static QUrl pickerFolder();
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;

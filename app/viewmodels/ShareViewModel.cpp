@@ -1,5 +1,6 @@
 #include "ShareViewModel.h"
 
+#include "Folders.h"
 #include "Log.h"
 #include "TSAlbum.h"
 
@@ -63,11 +64,7 @@ QVariantList ShareViewModel::rows() const {
 }
 
 QUrl ShareViewModel::saveFolder() const {
-    for (auto location : {QStandardPaths::DocumentsLocation, QStandardPaths::PicturesLocation}) {
-        const QString folder = QStandardPaths::writableLocation(location);
-        if (!folder.isEmpty() && QFileInfo(folder).isDir()) return QUrl::fromLocalFile(folder);
-    }
-    return QUrl::fromLocalFile(QDir::homePath());
+    return firstExistingFolder({QStandardPaths::DocumentsLocation, QStandardPaths::PicturesLocation});
 }
 
 void ShareViewModel::shareMeta() { run(ShareAction::shareMeta); }
