@@ -5,8 +5,6 @@
 #include "TSAlbum.h"
 
 #include <QClipboard>
-#include <QDir>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QStandardPaths>
 
