@@ -146,6 +146,7 @@ TEST_F(Editing, LocationAndOrientationRules) {
 
     m.setOrientationTag("6");
     EXPECT_EQ(m.tiffData.value(kCGImagePropertyTIFFOrientation).typeId(), QMetaType::QString);
+    ASSERT_TRUE(m.metaData);
     EXPECT_EQ(m.metaData->value(kCGImagePropertyOrientation), QVariant(QStringLiteral("6")));
 }
 
@@ -159,6 +160,7 @@ TEST_F(Editing, NoTagsDropsTheDateWishesAndClearsEveryTag) {
     EXPECT_TRUE(s.properties.properties.isEmpty());
     const auto& tags = modifier.modifing.first().tags;
     EXPECT_TRUE(tags->changed);
+    ASSERT_TRUE(tags->metaData);
     for (const QVariant& v : tags->metaData->value(kCGImagePropertyExifDictionary).toMap()) EXPECT_TRUE(v.isNull());
     EXPECT_FALSE(tags->tiffData.value(kCGImagePropertyTIFFSoftware).isValid() &&
                  !tags->tiffData.value(kCGImagePropertyTIFFSoftware).isNull())
