@@ -1,6 +1,7 @@
 #include "Library.h"
 
 #include "FileFacts.h"
+#include "FolderWatcher.h"
 #include "Index.h"
 #include "Log.h"
 #include "Settings.h"
@@ -387,12 +388,6 @@ ScanReport Library::scan() {
     return report;
 }
 
-QString Library::rescanPaths(const QStringList&) {
-    // A scan only reads what changed, so after our own writes the whole library is scanned.
-    const ScanReport r = scan();
-    return r.problems.join('\n');
-}
-
 namespace {
 
 // Every asset of the library's folders, loaded in two statements.
@@ -599,5 +594,21 @@ std::optional<Collection> Library::createAlbum(const QString& title, QString* er
     }
     return Collection{QStringLiteral("folder:") + path, title, CollectionType::album, 2, {}};
 }
+
+}  // namespace library
+
+namespace library {
+
+void Library::startWatching() {
+    if (watcher_) return;
+    watcher_ = std::make_unique<FolderWatcher>();
+    watcher_->watch(folders_);
+    connect(watcher_.get(), &FolderWatcher::changed, this, [this] {
+        scan();
+        watcher_->watch(folders_);  // folders made since
+    });
+}
+
+void Library::stopWatching() { watcher_.reset(); }
 
 }  // namespace library

@@ -155,6 +155,7 @@ struct ScanReport {
 };
 
 class Index;
+class FolderWatcher;
 
 // One library over a list of folders. Every method runs on the calling thread; one object per
 // thread. Failures come back as texts, never as exceptions.
@@ -223,15 +224,20 @@ public:
     static QString adjustmentFormatVersion() { return QStringLiteral("1.0"); }
     std::optional<QByteArray> adjustmentData(const QString& localIdentifier) const;
 
+    // Watches the folders: a file another program adds, changes, moves or deletes leads to a
+    // scan and `libraryDidChange`. Needs the thread's event loop.
+    void startWatching();
+    void stopWatching();
+
 signals:
     // After a scan or a change of our own that altered the index.
     void libraryDidChange();
 
 private:
-    QString rescanPaths(const QStringList& paths);
     bool ensureOpen(QString* error) const;
     QStringList folders_;
     std::unique_ptr<Index> index_;
+    std::unique_ptr<FolderWatcher> watcher_;
 };
 
 // Text of a resource type, as logs and the resource list show it.

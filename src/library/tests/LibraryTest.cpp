@@ -3,6 +3,7 @@
 #include "FileFacts.h"
 #include "LibraryFixture.h"
 
+#include <QSignalSpy>
 #include <QTimeZone>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -258,4 +259,31 @@ TEST(ResourceTypeText, NamesByRawValue) {
     EXPECT_EQ(resourceTypeText(9), "Original Live Photo");
     EXPECT_EQ(resourceTypeText(19), "proxy");
     EXPECT_EQ(resourceTypeText(13), "Unknown");
+}
+
+TEST_F(LibraryFixture, AnotherProgramsChangesAreNoticed) {
+    const QString kept = add("jpeg/Canon_40D.jpg", "kept.jpg");
+    const QString doomed = add("jpeg/Nikon_D70.jpg", "doomed.jpg");
+    lib->scan();
+    lib->startWatching();
+    QSignalSpy spy(lib.get(), &Library::libraryDidChange);
+    const FetchResult before = lib->fetchAssets();
+
+    // Rewritten in place, deleted, and a new one in a new folder.
+    {
+        QFile f(kept);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite | QIODevice::Append));
+        f.write("trailing bytes after the picture");
+    }
+    ASSERT_TRUE(QFile::remove(doomed));
+    QDir().mkpath(root() + "/New");
+    ASSERT_TRUE(spy.wait(10000));
+    add("jpeg/jolla.jpg", "New/new.jpg");  // in a folder made after the watch began
+    for (int i = 0; i < 50 && !lib->assetForPath(root() + "/New/new.jpg"); ++i) spy.wait(200);
+
+    ChangeDetails d = lib->changeDetails(before);
+    EXPECT_EQ(d.removedObjects.value(0).resources.value(0).originalFilename, "doomed.jpg");
+    EXPECT_EQ(d.insertedObjects.value(0).resources.value(0).originalFilename, "new.jpg");
+    ASSERT_EQ(d.changedObjects.size(), 1);
+    EXPECT_EQ(d.changedObjects[0].resources.value(0).fileSize, QFileInfo(kept).size());
 }
