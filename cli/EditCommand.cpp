@@ -130,7 +130,7 @@ int editCommand(const QStringList& args) {
         if (withValue.contains(a)) {
             if (i + 1 >= args.size()) return usage(a + " needs a value");
             value = args[++i];
-            passOn << a << value;
+            if (a != "--template") passOn << a << value;  // movies carry no IPTC
         } else if (a.startsWith('-')) {
             passOn << a;
         }
