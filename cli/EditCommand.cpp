@@ -4,9 +4,11 @@
 #include "ExifModifier.h"
 #include "Formatter.h"
 #include "HRLocation.h"
+#include "IptcKeys.h"
 #include "ImageWriter.h"
 #include "TSAsset.h"
 #include "TSError.h"
+#include "TemplateModel.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -31,7 +33,9 @@ int usage(const QString& problem) {
                "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
                "  --orientation N                        1 to 8\n"
                "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
-               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n");
+               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\"); creator contact\n"
+               "                                         fields as \"CiAdrCity\" or \"IPTC_CREATOR_CONTACT_INFO_CITY\"\n"
+               "  --template FILE                        the IPTC values of a template file, before --set\n");
     return 2;
 }
 
@@ -48,6 +52,7 @@ struct Wishes {
     bool noLocation = false, noDate = false, noTags = false;
     std::optional<int> orientation;
     QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
+    std::optional<TemplateModel> iptcTemplate;
 };
 
 void applyWishes(const Wishes& w, UserSettings& settings) {
@@ -60,9 +65,11 @@ void applyWishes(const Wishes& w, UserSettings& settings) {
     settings.switchers.set(Sections::location, w.noLocation);
     settings.switchers.set(Sections::noTags, w.noTags);
     if (w.orientation) settings.setOrientation(*w.orientation);
+    if (w.iptcTemplate) w.iptcTemplate->apply(settings);
     for (const auto& [key, text] : w.tags) {
         if (key == TSKey::IPTC_CREATOR_CONTACT_INFO) continue;
-        settings.properties.set(text, coord(key)->key);
+        if (TSKeys::iptcContactKeys().contains(key)) settings.creatorContactInfo.properties.set(text, coord(key)->key);
+        else settings.properties.set(text, coord(key)->key);
     }
 }
 
@@ -118,12 +125,12 @@ int editCommand(const QStringList& args) {
     QStringList files, passOn;
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
-        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
+        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o", "--template"};
         QString value;
         if (withValue.contains(a)) {
             if (i + 1 >= args.size()) return usage(a + " needs a value");
             value = args[++i];
-            passOn << a << value;
+            if (a != "--template") passOn << a << value;  // movies carry no IPTC
         } else if (a.startsWith('-')) {
             passOn << a;
         }
@@ -145,9 +152,15 @@ int editCommand(const QStringList& args) {
             const qsizetype eq = value.indexOf('=');
             if (a == "--set" && eq <= 0) return usage("--set takes KEY=VALUE");
             const QString name = a == "--set" ? value.left(eq) : value;
-            const auto key = EditKeys::editableKey(name);
+            auto key = EditKeys::editableKey(name);
+            if (!key) key = iptc::contactKey(name);
             if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
             wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
+        } else if (a == "--template") {
+            QFile file(value);
+            const auto values = file.open(QIODevice::ReadOnly) ? TemplateModel::decode(file.readAll()) : std::nullopt;
+            if (!values) return usage("'" + value + "' is no template file");
+            wishes.iptcTemplate.emplace(TemplateModel::fromValues(*values));
         } else if (a == "-o") {
             target.outputDir = value;
         } else if (a == "--no-location") {
