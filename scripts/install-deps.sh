@@ -29,6 +29,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
+  # the command-line tool's manual page and shell completions, checked by the tests
+  man-db zsh
 )
 
 missing=()
