@@ -82,10 +82,9 @@ QString toolHelp() {
         "       tessorin-cli (-h | --help | --version)\n\n"
         "Sees and fixes the metadata of photos and movies.\n\n"
         "commands:\n");
-    for (const auto& [name, text] : texts()) {
-        const QString usage = usageText(name).section('\n', 0, 0).mid(QStringLiteral("usage: tessorin-cli ").size());
-        out += "  " + usage + "\n";
-    }
+    for (const auto& [name, text] : texts())
+        for (const QString& line : usageText(name).split(u'\n', Qt::SkipEmptyParts))
+            out += "  " + line.section(QStringLiteral("tessorin-cli "), 1) + "\n";
     out += QStringLiteral(
         "\n"
         "  --no-human          raw values instead of words\n"
