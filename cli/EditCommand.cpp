@@ -1,5 +1,7 @@
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
+#include "Arguments.h"
 #include "Commands.h"
+#include "FileArgs.h"
 
 #include "ExifModifier.h"
 #include "Formatter.h"
@@ -23,21 +25,14 @@ std::function<int(const QStringList&)>& movieEditor() {
     return editor;
 }
 
-int usage(const QString& problem) {
-    printError("tessorin-cli edit: " + problem + "\n"
-               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n"
-               "wishes:\n"
-               "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
-               "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
-               "  --location TEXT                        a place, in degrees or decimal\n"
-               "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
-               "  --orientation N                        1 to 8\n"
-               "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
-               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\"); creator contact\n"
-               "                                         fields as \"CiAdrCity\" or \"IPTC_CREATOR_CONTACT_INFO_CITY\"\n"
-               "  --template FILE                        the IPTC values of a template file, before --set\n");
-    return 2;
-}
+int usage(const QString& problem) { return cli::usageError("edit", problem); }
+
+// Every option of `edit`, for photos and movies alike.
+const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
+    {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
+    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},         {"--no-location"},
+    {"--no-date"},            {"--no-tags"},                  {"--in-place"},           {"--keep-original"},
+    {"--render"},             {"--template", "", true}};
 
 struct Target {
     QString outputDir;
@@ -119,21 +114,17 @@ bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
 
 void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor() = std::move(editor); }
 
-int editCommand(const QStringList& args) {
+int editCommand(const QStringList& rawArgs) {
+    cli::Arguments parsed;
+    if (auto rc = cli::parse("edit", rawArgs, editOptions, parsed)) return *rc;
     Wishes wishes;
     Target target;
-    QStringList files, passOn;
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o", "--template"};
-        QString value;
-        if (withValue.contains(a)) {
-            if (i + 1 >= args.size()) return usage(a + " needs a value");
-            value = args[++i];
-            if (a != "--template") passOn << a << value;  // movies carry no IPTC
-        } else if (a.startsWith('-')) {
-            passOn << a;
-        }
+    QStringList passOn;  // what the movie editor is given besides the movies
+    for (const auto& [a, value] : parsed.options) {
+        // movies carry no IPTC, and the file list is the movie editor's own
+        const bool forMovies = a != "--recursive" && a != "--list" && a != "--ext" && a != "--template";
+        if (forMovies) passOn << a;
+        if (forMovies && !value.isNull()) passOn << value;
         if (a == "--date" || a == "--digitized-date") {
             auto date = Formatter::exifDate(value);
             if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
@@ -175,18 +166,15 @@ int editCommand(const QStringList& args) {
             target.keepOriginal = true;
         } else if (a == "--render") {
             target.render = true;
-        } else if (a.startsWith('-')) {
-            return usage("unknown option " + a);
-        } else {
-            files << a;
         }
     }
-    if (files.isEmpty()) return usage("no files given");
     if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())
         return usage("no folder " + target.outputDir);
+    const auto files = cli::expandFiles("edit", parsed);
+    if (!files) return 2;
 
     // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -195,7 +183,7 @@ int editCommand(const QStringList& args) {
     QStringList movies;
     std::optional<UserSettings> settings;
     bool wroteAny = false;
-    for (const QString& path : files) {
+    for (const QString& path : *files) {
         if (target.outputDir.isEmpty() ? false
                                        : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
                                              QFileInfo(path)) {
@@ -237,7 +225,7 @@ int editCommand(const QStringList& args) {
             for (const QString& m : movies) printError(m + ": movies can't be edited here\n");
             return 1;
         }
-        const int movieStatus = movieEditor()(passOn + movies);
+        const int movieStatus = movieEditor()(passOn + QStringList{"--"} + movies);
         status = std::max(status, movieStatus);
     }
     return status;

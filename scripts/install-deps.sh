@@ -33,6 +33,8 @@ packages=(
   libimage-exiftool-perl exiv2 ffmpeg
   # a second locale the tests run under, to show they depend on none
   locales
+  # the command-line tool's manual page and shell completions, checked by the tests
+  man-db zsh
 )
 
 missing=()
