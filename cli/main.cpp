@@ -22,6 +22,7 @@ int usage() {
                "  place --search TEXT        places by name, best first, with their coordinates\n"
                "  edit [WISHES] FILE... (-o DIR | --in-place | --render -o DIR)\n"
                "                             rewrites the files with the wishes applied (edit --help)\n"
+               "  resources FILE... [--extract DIR]  each file's resources and auxiliary images\n"
                "--no-human shows raw values instead of words.\n");
     return 2;
 }
@@ -50,6 +51,7 @@ int main(int argc, char** argv) {
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
         {"edit", editCommand},
+        {"resources", resourcesCommand},
     };
     auto it = commands.find(args.first());
     if (it == commands.end()) {

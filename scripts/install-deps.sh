@@ -29,6 +29,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
+  # heif-convert, to check the auxiliary images we take out of HEIF files
+  libheif-examples
 )
 
 missing=()
