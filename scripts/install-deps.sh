@@ -35,6 +35,8 @@ packages=(
   locales
   # the command-line tool's manual page and shell completions, checked by the tests
   man-db zsh
+  # heif-convert, to check the auxiliary images we take out of HEIF files
+  libheif-examples
 )
 
 missing=()
