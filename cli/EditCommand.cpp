@@ -1,6 +1,8 @@
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
 #include "Commands.h"
 
+#include "BatchEdit.h"
+#include "DateShift.h"
 #include "ExifModifier.h"
 #include "Formatter.h"
 #include "HRLocation.h"
@@ -31,7 +33,14 @@ int usage(const QString& problem) {
                "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
                "  --orientation N                        1 to 8\n"
                "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
-               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n");
+               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n"
+               "each photo from its own values:\n"
+               "  --shift [+-][D ]H:MM[:SS]               move every date (\"+0:52\", \"-1 2:00:00\")\n"
+               "  --zone +HH:MM|ZONE [--keep-instant]     set the time zone (\"Europe/Rome\"), keeping the\n"
+               "                                         local times or, with --keep-instant, the instant\n"
+               "  --geotag TRACK [--geotag-offset [+-]H:MM[:SS]] [--max-gap 5m]\n"
+               "                                         the place from a GPX, KML or NMEA log\n"
+               "  --strip private|location|dates          remove private data, the place or the dates\n");
     return 2;
 }
 
@@ -72,11 +81,16 @@ QString backupPath(const QString& path) {
 }
 
 // One photo from its wishes to its file. Returns false after reporting a failure.
-bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const Target& target, bool& wrote) {
+bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
+               const Target& target, bool& wrote) {
     const QString path = asset->path();
     UserSettings settings = base;
     ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
     ExifModifier modifier({photo});
+    if (batch.any())
+        modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
+            for (const QString& problem : applyBatch(*p.tags, batch)) printOut(path + ": " + problem + "\n");
+        };
     modifier.modify(settings, false);
     if (!modifier.anyChanged()) {
         printOut(path + ": Nothing changed\n");
@@ -114,17 +128,20 @@ void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor
 
 int editCommand(const QStringList& args) {
     Wishes wishes;
+    BatchWishes batch;
+    QString trackPath;
     Target target;
     QStringList files, passOn;
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
         static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
+        static const QStringList batchWithValue{"--shift", "--zone", "--geotag", "--geotag-offset", "--max-gap", "--strip"};
         QString value;
-        if (withValue.contains(a)) {
+        if (withValue.contains(a) || batchWithValue.contains(a)) {
             if (i + 1 >= args.size()) return usage(a + " needs a value");
             value = args[++i];
-            passOn << a << value;
-        } else if (a.startsWith('-')) {
+            if (withValue.contains(a)) passOn << a << value;
+        } else if (a.startsWith('-') && a != "--keep-instant") {
             passOn << a;
         }
         if (a == "--date" || a == "--digitized-date") {
@@ -148,6 +165,28 @@ int editCommand(const QStringList& args) {
             const auto key = EditKeys::editableKey(name);
             if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
             wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
+        } else if (a == "--shift" || a == "--geotag-offset") {
+            const auto seconds = DateShift::parseOffset(value);
+            if (!seconds) return usage("'" + value + "' is no offset of the form [+-][D ]H:MM[:SS]");
+            if (a == "--shift") batch.shiftSeconds = seconds;
+            else batch.geotag.clockOffsetSeconds = *seconds;
+        } else if (a == "--zone") {
+            const bool keep = batch.zone && batch.zone->keepInstant;
+            batch.zone = TimeZones::parseZone(value);
+            if (!batch.zone) return usage("'" + value + "' is no time zone (\"+02:00\", \"Europe/Rome\")");
+            batch.zone->keepInstant = keep;
+        } else if (a == "--keep-instant") {
+            if (!batch.zone) return usage("--keep-instant follows --zone");
+            batch.zone->keepInstant = true;
+        } else if (a == "--geotag") {
+            trackPath = value;
+        } else if (a == "--max-gap") {
+            const auto seconds = Geotagger::parseDuration(value);
+            if (!seconds) return usage("'" + value + "' is no duration (\"5m\", \"90s\", \"1h\")");
+            batch.geotag.maxGapSeconds = *seconds;
+        } else if (a == "--strip") {
+            batch.strip = PrivacyStrip::parseKind(value);
+            if (!batch.strip) return usage("--strip takes private, location or dates");
         } else if (a == "-o") {
             target.outputDir = value;
         } else if (a == "--no-location") {
@@ -174,6 +213,16 @@ int editCommand(const QStringList& args) {
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())
         return usage("no folder " + target.outputDir);
+
+    if (!trackPath.isEmpty()) {
+        QString problem;
+        auto log = TrackLog::readFile(trackPath, &problem);
+        if (!log) {
+            printError("tessorin-cli edit: " + trackPath + ": " + problem + "\n");
+            return 2;
+        }
+        batch.trackLog = std::make_shared<const TrackLog>(std::move(*log));
+    }
 
     // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -216,12 +265,13 @@ int editCommand(const QStringList& args) {
             settings.emplace(asset->metaData(), asset->ddStore());
             applyWishes(wishes, *settings);
         }
-        if (!editPhoto(asset, *settings, target, wroteAny)) status = 1;
+        if (!editPhoto(asset, *settings, batch, target, wroteAny)) status = 1;
     }
     if (settings && wroteAny) settings->saveRecents();
     if (!movies.isEmpty()) {
-        if (!movieEditor()) {
-            for (const QString& m : movies) printError(m + ": movies can't be edited here\n");
+        if (!movieEditor() || batch.any()) {
+            for (const QString& m : movies)
+                printError(m + (batch.any() ? ": movies take no shift, zone, track log or strip yet\n" : ": movies can't be edited here\n"));
             return 1;
         }
         const int movieStatus = movieEditor()(passOn + movies);
