@@ -34,7 +34,7 @@ protected:
 }  // namespace
 
 TEST_F(BatchCommand, ShiftGeotagAndStripFromTheCommandLine) {
-    const QString a = copy("a.jpg", {"-DateTimeOriginal=2024:02:28 23:30:00", "-SerialNumber=42"});
+    const QString a = copy("a.jpg", {"-DateTimeOriginal=2024:02:28 23:30:00", "-ExifIFD:SerialNumber=42"});
     const QString b = copy("b.jpg", {"-DateTimeOriginal=2024:03:05 10:00:00"});
     QFile gpx(dir_.filePath("t.gpx"));
     ASSERT_TRUE(gpx.open(QIODevice::WriteOnly));

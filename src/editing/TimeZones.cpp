@@ -73,8 +73,11 @@ std::optional<QString> applyZone(TagsPhotoModifier& tags, const ZoneWish& wish) 
             results.append({&p, {value.toString(), offsetText(offsetAt(wish, local, false))}});
             continue;
         }
-        const auto old = parseOffsetText(tags.exifData.value(p.offsetKey).toString());
-        if (!old) return QStringLiteral("no time zone on %1 to keep the instant from").arg(p.dateKey);
+        // A date without its own zone was taken in the photo's zone, as the capture date says.
+        auto old = parseOffsetText(tags.exifData.value(p.offsetKey).toString());
+        for (const QString& k : {QString(kCGImagePropertyExifOffsetTimeOriginal), QString(kCGImagePropertyExifOffsetTime)})
+            if (!old) old = parseOffsetText(tags.exifData.value(k).toString());
+        if (!old) return QStringLiteral("the photo has no time zone to keep the instant from");
         const QDateTime instant = local.addSecs(-*old);
         const int now = offsetAt(wish, instant, true);
         results.append({&p, {instant.addSecs(now).toString(kDateFormat), offsetText(now)}});

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -37,8 +38,8 @@ void readGpx(QXmlStreamReader& xml, QList<TrackPoint>& out) {
         const bool waypoint = xml.name() == u"wpt";
         TrackPoint p;
         bool okLat = false, okLon = false;
-        p.latitude = xml.attributes().value(u"lat").toDouble(&okLat);
-        p.longitude = xml.attributes().value(u"lon").toDouble(&okLon);
+        p.latitude = xml.attributes().value(QLatin1String("lat")).toDouble(&okLat);
+        p.longitude = xml.attributes().value(QLatin1String("lon")).toDouble(&okLon);
         std::optional<qint64> time;
         const auto element = xml.name().toString();
         while (!xml.atEnd() && !(xml.isEndElement() && xml.name() == element)) {
@@ -83,7 +84,7 @@ void readKml(QXmlStreamReader& xml, QList<TrackPoint>& out) {
     int segment = 0;
     QList<qint64> whens;
     QList<std::optional<TrackPoint>> coords;
-    std::optional<qint64> stamp;
+    qint64 stamp = std::numeric_limits<qint64>::min();  // none yet
     std::optional<TrackPoint> point;
     bool inTrack = false;
     while (!xml.atEnd()) {
@@ -94,12 +95,12 @@ void readKml(QXmlStreamReader& xml, QList<TrackPoint>& out) {
                 whens.clear();
                 coords.clear();
             } else if (xml.name() == u"Placemark") {
-                stamp.reset();
+                stamp = std::numeric_limits<qint64>::min();
                 point.reset();
             } else if (xml.name() == u"when") {
                 const auto t = isoTime(xml.readElementText());
                 if (inTrack) whens << t.value_or(std::numeric_limits<qint64>::min());
-                else stamp = t;
+                else stamp = t.value_or(std::numeric_limits<qint64>::min());
             } else if (xml.name() == u"coord" && inTrack) {
                 coords << kmlCoordinate(xml.readElementText(), ' ');
             } else if (xml.name() == u"coordinates" && !inTrack) {
@@ -116,9 +117,9 @@ void readKml(QXmlStreamReader& xml, QList<TrackPoint>& out) {
                     p.segment = segment;
                     out << p;
                 }
-            } else if (xml.name() == u"Placemark" && stamp && point) {
+            } else if (xml.name() == u"Placemark" && stamp != std::numeric_limits<qint64>::min() && point) {
                 TrackPoint p = *point;
-                p.msecs = *stamp;
+                p.msecs = stamp;
                 p.segment = -1 - int(out.size());  // a moment of its own, like a GPX waypoint
                 out << p;
             }
