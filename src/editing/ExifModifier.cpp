@@ -117,9 +117,8 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
         else if (mode != SaveMode::modify) dict = photo.tags->strippedFallback();
         photo.tags->destMutable = dict;
         ModifyingPhotoAsset written = ImageModifier::modifiedAsset(mode == SaveMode::modify, photo);
-        // What was read from the source is the baseline; a redrawn image has none worth keeping.
-        const imageio::PropertyDict before =
-            mode == SaveMode::modify ? imageio::PropertyDict{} : photo.tags->fallbackData.value_or(imageio::PropertyDict{});
+        // What was read from the source is the baseline: the values the wishes change are checked.
+        const imageio::PropertyDict before = photo.tags->fallbackData.value_or(imageio::PropertyDict{});
         if (const auto difference = WriteCheck::readBackDifference(before, dict, std::get<QByteArray>(written.dataSource)))
             throw TSError("The written file differs from the wishes: " + *difference);
         done << written;
