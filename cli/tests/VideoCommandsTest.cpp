@@ -122,7 +122,7 @@ TEST(VideoInfo, CutMovieShowsPlaceholders) {
     const QString out = QString::fromUtf8(r.out);
     EXPECT_EQ(line(out, "Duration:"), "??");
     EXPECT_EQ(line(out, "FPS:"), "--");
-    EXPECT_EQ(cli({"tags", "--json", cut}).out, "{}\n");
+    EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", cut}).out).array().at(0)["tags"], QJsonObject());
 }
 
 TEST(VideoProps, DescribesTracksAndItems) {
@@ -145,7 +145,7 @@ TEST(VideoTags, ExportsByKeySpace) {
     EXPECT_TRUE(human.contains("\nmake: Apple\n"));
     const QString raw = QString::fromUtf8(cli({"tags", "--raw", file}).out);
     EXPECT_TRUE(raw.startsWith("mdta\n====\nmdta/com.apple.quicktime.location.ISO6709: +45.4640+009.1900+120.000/\n"));
-    EXPECT_EQ(cli({"tags", "--json", file}).out, "{}\n");
+    EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", file}).out).array().at(0)["tags"], QJsonObject());
     EXPECT_TRUE(cli({"summary", file}).out.contains("This video was taken on "));
 }
 

@@ -1,14 +1,15 @@
 // The geo tests run inside an application object, as the geocoder's answers come through the
-// event loop; names are checked in English.
+// event loop (a GUI one: the offline map draws text); names are checked in English.
 #include "Isolation.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLocale>
 
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
     testsupport::Isolation::setTestLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
