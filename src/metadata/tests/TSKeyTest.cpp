@@ -58,23 +58,6 @@ TEST(TSKey, Coordinates) {
     EXPECT_EQ(fallbackCoord(AUTHOR), (TagCoord{"By-line", SubDictionary::iptc}));
 }
 
-QList<TSKey> range(TSKey first, TSKey last) {
-    QList<TSKey> keys;
-    for (int i = int(first); i <= int(last); ++i) keys << TSKey(i);
-    return keys;
-}
-
-TEST(TSKey, PerDictionaryListsInVocabularyOrder) {
-    const QList<TSKey> exif = QList{EXIF_DATE} + range(EXIF_DIGITIZED_DATE, EXIF_OFFSET_TIME_DIGITIZED) +
-                              QList{LENS, LENS_MAKER} + range(LENS_SERIAL, BODY_SERIAL) + QList{USER_COMMENT} +
-                              range(ISO_SPEED, EXPOSURE_TIME) + range(FLASH, AWB) + QList{NightMode};
-    EXPECT_EQ(TSKeys::exifKeys(), exif);
-    EXPECT_EQ(TSKeys::tiffKeys(), (QList{CAMERA, CAM_MAKER, AUTHOR, COPYRIGHT, DESCRIPTION, SOFTWARE}));
-    EXPECT_EQ(TSKeys::iptcContactKeys(), range(IPTC_CREATOR_CONTACT_INFO_ADDRESS, IPTC_CREATOR_CONTACT_INFO_URLS));
-    EXPECT_EQ(TSKeys::iptcKeys(), range(IPTC_AUTHOR_TITLE, IPTC_CREATOR_CONTACT_INFO) +
-                                      range(IPTC_CITY, IPTC_DIGITAL_CREATION_TIME));
-}
-
 // An item without a location drops exactly the last two rows.
 TEST(TSKey, DetailRowsEndWithTheMapAndASeparator) {
     for (const QList<TSKey>& rows : {TSKeys::photoRows(), TSKeys::videoRows()})
