@@ -1,5 +1,6 @@
 // How every command takes its files and reports back, run against the built tool: folders with
 // and without -r, lists from -@, --ext, `--`, exit codes, error lines and the JSON array.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -49,22 +50,11 @@ QStringList filesOf(const QJsonArray& entries) {
 
 QStringList errorLines(const ProcessResult& r) { return QString::fromUtf8(r.err).split(u'\n', Qt::SkipEmptyParts); }
 
-// Each run gets settings, caches and a home of its own, and no way to the network.
-class CommandLine : public ::testing::Test {
+// Each test has settings, caches and a home of its own, and no way to the network; its files
+// go in a tree beside them.
+class CommandLine : public IsolatedTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(home_.isValid());
-        for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
-            const QString dir = home_.filePath(name);
-            QDir().mkpath(dir);
-            qputenv(name, dir.toUtf8());
-        }
-        qputenv("LC_ALL", "C.UTF-8");
-        qputenv("TZ", "UTC");
-        qputenv("http_proxy", "http://127.0.0.1:9");
-        qputenv("https_proxy", "http://127.0.0.1:9");
-        ASSERT_TRUE(tree_.isValid());
-    }
+    void SetUp() override { ASSERT_TRUE(tree_.isValid()); }
 
     // A copy of a sample file at `relative` under the tree.
     QString copy(const QString& sample, const QString& relative) {
@@ -85,7 +75,7 @@ protected:
     QString photo() { return corpusDir() + "/jpeg/gps/DSCN0010.jpg"; }
     QString missing() { return tree_.filePath("no such photo.jpg"); }
 
-    QTemporaryDir home_, tree_;
+    QTemporaryDir tree_;
 };
 
 }  // namespace

@@ -1,5 +1,6 @@
 // `edit` over every writable sample: exiftool and exiv2, run live, must read exactly what was
 // wished; every other tag exiftool read before must read the same; the image data must not move.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -258,7 +259,7 @@ void expectOthersKept(const QString& file, const QJsonObject& before, const QJso
 
 }  // namespace
 
-class EditCommand : public ::testing::Test {
+class EditCommand : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(config_.isValid());

@@ -1,4 +1,5 @@
 // Help, version, the manual page and the shell completions, as a user and the shells meet them.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,11 @@ namespace {
 
 ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
 
+// Each test runs away from the user's settings, folders and the network.
+using Help = IsolatedTest;
+using Manual = IsolatedTest;
+using Completion = IsolatedTest;
+
 const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit"};
 
 QString pkgVersion(const QString& module) {
@@ -21,7 +27,7 @@ QString pkgVersion(const QString& module) {
 
 }  // namespace
 
-TEST(Help, ToolAndEveryCommandHelpOnStandardOutput) {
+TEST_F(Help, ToolAndEveryCommandHelpOnStandardOutput) {
     for (const QString& flag : QStringList{"-h", "--help"}) {
         const ProcessResult r = cli({flag});
         EXPECT_EQ(r.exitCode, 0);
@@ -41,7 +47,7 @@ TEST(Help, ToolAndEveryCommandHelpOnStandardOutput) {
     }
 }
 
-TEST(Help, VersionNamesTheLibrariesInUse) {
+TEST_F(Help, VersionNamesTheLibrariesInUse) {
     const ProcessResult r = cli({"--version"});
     EXPECT_EQ(r.exitCode, 0);
     const QStringList lines = QString::fromUtf8(r.out).split(u'\n', Qt::SkipEmptyParts);
@@ -54,11 +60,12 @@ TEST(Help, VersionNamesTheLibrariesInUse) {
     EXPECT_TRUE(lines[3].contains("libavformat " + pkgVersion("libavformat"))) << lines[3].toStdString();
 }
 
-TEST(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
+TEST_F(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
     const QString page = QStringLiteral(MANUAL_PAGE);
     ASSERT_TRUE(QFile::exists(page));
     qputenv("MANWIDTH", "80");
     const ProcessResult man = run("man", {"-l", page});
+    qunsetenv("MANWIDTH");
     EXPECT_EQ(man.exitCode, 0) << man.err.toStdString();
     EXPECT_EQ(man.err, "");
     const QString text = QString::fromUtf8(man.out);
@@ -71,7 +78,7 @@ TEST(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
     EXPECT_EQ(groff.err, "");
 }
 
-TEST(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
+TEST_F(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     QDir(dir.path()).mkdir("album");
@@ -102,7 +109,7 @@ TEST(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
                            "1 2 3 4 5 6 7 8", "--search", ""}));
 }
 
-TEST(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
+TEST_F(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(QFile::copy(QStringLiteral(CLI_SOURCE_DIR "/completion/_tessorin-cli"), dir.filePath("_tessorin-cli")));

@@ -1,6 +1,7 @@
 // `info`, `tags` and `location` over the sample media, with exiftool, run live, as the oracle for
 // what the details must show.
 #include "Formatter.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -37,7 +38,13 @@ QStringList groupsOf(const QString& file) {
 
 }  // namespace
 
-TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
+// Every test runs away from the user's settings, folders and the network.
+using TagsCommand = testsupport::IsolatedTest;
+using InfoCommand = testsupport::IsolatedTest;
+using HumanSwitch = testsupport::IsolatedTest;
+using LocationCommand = testsupport::IsolatedTest;
+
+TEST_F(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
     const QStringList files = corpusFiles();
     ASSERT_FALSE(files.isEmpty());
     for (const QString& file : files) {
@@ -61,7 +68,7 @@ TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
     }
 }
 
-TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
+TEST_F(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
     const QStringList files = images();
     ASSERT_FALSE(files.isEmpty());
     const ProcessResult et = run("exiftool", QStringList{"-j", "-G1", "-IFD0:Model", "-ExifIFD:LensModel",
@@ -108,7 +115,7 @@ TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
     EXPECT_GT(checkedDates, 20);
 }
 
-TEST(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
+TEST_F(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
     QTemporaryDir dir;
     const QString good = corpusDir() + "/jpeg/Canon_40D.jpg";
     const ProcessResult r = cli({"info", dir.filePath("missing.jpg"), good});
@@ -117,14 +124,14 @@ TEST(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
     EXPECT_TRUE(r.out.contains("Camera: Canon EOS 40D"));
 }
 
-TEST(HumanSwitch, NoHumanShowsRawValues) {
+TEST_F(HumanSwitch, NoHumanShowsRawValues) {
     const QString file = corpusDir() + "/jpeg/Canon_40D.jpg";
     EXPECT_TRUE(cli({"tags", file}).out.contains("Flash: Flash fired, Compulsory flash firing"));
     EXPECT_TRUE(cli({"--no-human", "tags", file}).out.contains("Flash: 9\n"));
     EXPECT_TRUE(cli({"--no-human", "tags", file}).out.contains("**{Exif}**"));
 }
 
-TEST(LocationCommand, ReadsDegreesThenDecimals) {
+TEST_F(LocationCommand, ReadsDegreesThenDecimals) {
     const ProcessResult dms = cli({"location", "12°30'15\" N 9°10'5\" E"});
     EXPECT_EQ(dms.exitCode, 0);
     // Seconds are truncated, so a value a hair below 15" shows 14".

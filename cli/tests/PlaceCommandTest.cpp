@@ -1,6 +1,7 @@
 // `place` by position and by name, and the place names that `info` and `summary` show for the
 // sample photos with GPS positions, checked against exiftool's reading of those positions.
 #include "GeoLocation.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ using namespace testsupport;
 
 namespace {
 
-class PlaceCommand : public ::testing::Test {
+class PlaceCommand : public testsupport::IsolatedTest {
 protected:
     // English names, and settings of our own: no online service is configured, so nothing
     // here reaches the network.

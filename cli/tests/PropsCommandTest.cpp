@@ -1,5 +1,6 @@
 // `tessorin-cli props` against exiftool, run live on the sample media: every field that both
 // read from the same EXIF, TIFF, GPS or IPTC source must agree, converted to our conventions.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -191,7 +192,10 @@ void compareWithExiftool(const QString& file, const QJsonObject& props, const QJ
     EXPECT_EQ(props["FileSize"].toInteger(-1), QFileInfo(file).size()) << file.toStdString() << ": FileSize";
 }
 
-TEST(PropsCommand, AgreesWithExiftoolOnEveryImage) {
+// Every test runs away from the user's settings, folders and the network.
+using PropsCommand = testsupport::IsolatedTest;
+
+TEST_F(PropsCommand, AgreesWithExiftoolOnEveryImage) {
     const Readings& r = readings();
     ASSERT_FALSE(r.images.isEmpty());
     ASSERT_EQ(r.props.size(), r.images.size() + r.movies.size()) << r.ours.err.toStdString();
@@ -205,7 +209,7 @@ TEST(PropsCommand, AgreesWithExiftoolOnEveryImage) {
 }
 
 // Movies go to the movie reader: their tracks and items, not an image reader's error.
-TEST(PropsCommand, ReadsMoviesWithTheMovieReader) {
+TEST_F(PropsCommand, ReadsMoviesWithTheMovieReader) {
     const Readings& r = readings();
     ASSERT_FALSE(r.movies.isEmpty());
     EXPECT_EQ(r.ours.exitCode, 0) << r.ours.err.toStdString();
@@ -218,7 +222,7 @@ TEST(PropsCommand, ReadsMoviesWithTheMovieReader) {
 }
 
 // A file is what its bytes say: a JPEG named .png is still read as a JPEG.
-TEST(PropsCommand, TrustsBytesNotNames) {
+TEST_F(PropsCommand, TrustsBytesNotNames) {
     QTemporaryDir dir;
     const QString misnamed = dir.filePath("photo.png");
     ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", misnamed));

@@ -2,6 +2,7 @@
 // shows, what `props` and `tags` give, and what `edit` writes.
 #include "Formatter.h"
 #include "HRLocation.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +52,13 @@ QString editedFile(const ProcessResult& r) {
 
 }  // namespace
 
-TEST(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
+// Every test runs away from the user's settings, folders and the network.
+using VideoInfo = testsupport::IsolatedTest;
+using VideoProps = testsupport::IsolatedTest;
+using VideoTags = testsupport::IsolatedTest;
+using VideoEdit = testsupport::IsolatedTest;
+
+TEST_F(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
     const QStringList files = movies();
     ASSERT_GE(files.size(), 4);
     // Without place data the location row keeps the coordinates, which exiftool can confirm.
@@ -110,7 +117,7 @@ TEST(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
     EXPECT_TRUE(cli({"summary", video("apple_meta.mov")}).out.contains(" in Milan, "));
 }
 
-TEST(VideoInfo, CutMovieShowsPlaceholders) {
+TEST_F(VideoInfo, CutMovieShowsPlaceholders) {
     QTemporaryDir dir;
     const QString cut = dir.filePath("cut.mov");
     QFile f(cut);
@@ -125,7 +132,7 @@ TEST(VideoInfo, CutMovieShowsPlaceholders) {
     EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", cut}).out).array().at(0)["tags"], QJsonObject());
 }
 
-TEST(VideoProps, DescribesTracksAndItems) {
+TEST_F(VideoProps, DescribesTracksAndItems) {
     const ProcessResult r = cli({"props", video("apple_meta_rot90.mov")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QJsonObject props = QJsonDocument::fromJson(r.out).array()[0].toObject()["properties"].toObject();
@@ -138,7 +145,7 @@ TEST(VideoProps, DescribesTracksAndItems) {
     EXPECT_EQ(props["Metadata"][2]["Value"].toString(), "Apple");
 }
 
-TEST(VideoTags, ExportsByKeySpace) {
+TEST_F(VideoTags, ExportsByKeySpace) {
     const QString file = video("apple_meta.mov");
     const QString human = QString::fromUtf8(cli({"tags", file}).out);
     EXPECT_TRUE(human.startsWith("**mdta**\nlocation.ISO6709: \n\tLatitude: 45.464°\n\tLongitude: 9.19°\n")) << human.toStdString();
@@ -149,7 +156,7 @@ TEST(VideoTags, ExportsByKeySpace) {
     EXPECT_TRUE(cli({"summary", file}).out.contains("This video was taken on "));
 }
 
-TEST(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
+TEST_F(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
     // The wished date is the user's local time; the file holds the instant.
     qputenv("TZ", "Asia/Kolkata");
     QTemporaryDir out;
@@ -177,7 +184,7 @@ TEST(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
     qunsetenv("TZ");
 }
 
-TEST(VideoEdit, RemovalsAndNoTags) {
+TEST_F(VideoEdit, RemovalsAndNoTags) {
     QTemporaryDir out;
     const QString file = video("apple_meta_rot90.mov");
     const ProcessResult bare = cli({"edit", "--no-date", "--no-location", file, "-o", out.path()});
@@ -196,7 +203,7 @@ TEST(VideoEdit, RemovalsAndNoTags) {
     EXPECT_EQ(et["Keys:Software"].toString(), "Tessorin");
 }
 
-TEST(VideoEdit, WhatAMovieCantDo) {
+TEST_F(VideoEdit, WhatAMovieCantDo) {
     QTemporaryDir out;
     const QString file = video("apple_meta.mov");
     const ProcessResult inPlace = cli({"edit", "--no-date", "--in-place", file});
