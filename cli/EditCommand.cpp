@@ -116,8 +116,10 @@ int editCommand(const QStringList& rawArgs) {
     Target target;
     QStringList passOn;  // what the movie editor is given besides the movies
     for (const auto& [a, value] : parsed.options) {
-        if (a != "--recursive" && a != "--list" && a != "--ext") passOn << a;
-        if (!value.isNull() && a != "--list" && a != "--ext") passOn << value;
+        if (a != "--recursive" && a != "--list" && a != "--ext") {
+            passOn << a;
+            if (!value.isNull()) passOn << value;
+        }
         if (a == "--date" || a == "--digitized-date") {
             auto date = Formatter::exifDate(value);
             if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
