@@ -40,6 +40,7 @@ int main(int argc, char** argv) {
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
         {"edit", editCommand},
+        {"resources", resourcesCommand},
     };
     auto it = commands.find(args.first());
     if (it == commands.end()) return cli::usageError({}, "unknown command '" + args.first() + "'");

@@ -1,6 +1,5 @@
 // How every command takes its files and reports back, run against the built tool: folders with
 // and without -r, lists from -@, --ext, `--`, exit codes, error lines and the JSON array.
-#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -50,9 +49,8 @@ QStringList filesOf(const QJsonArray& entries) {
 
 QStringList errorLines(const ProcessResult& r) { return QString::fromUtf8(r.err).split(u'\n', Qt::SkipEmptyParts); }
 
-// Each test has settings, caches and a home of its own, and no way to the network; its files
-// go in a tree beside them.
-class CommandLine : public IsolatedTest {
+// Each test (isolated like every test) makes its files in a tree of its own.
+class CommandLine : public ::testing::Test {
 protected:
     void SetUp() override { ASSERT_TRUE(tree_.isValid()); }
 

@@ -14,11 +14,6 @@ namespace {
 
 ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
 
-// Each test runs away from the user's settings, folders and the network.
-using Help = IsolatedTest;
-using Manual = IsolatedTest;
-using Completion = IsolatedTest;
-
 const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit"};
 
 QString pkgVersion(const QString& module) {
@@ -27,7 +22,7 @@ QString pkgVersion(const QString& module) {
 
 }  // namespace
 
-TEST_F(Help, ToolAndEveryCommandHelpOnStandardOutput) {
+TEST(Help, ToolAndEveryCommandHelpOnStandardOutput) {
     for (const QString& flag : QStringList{"-h", "--help"}) {
         const ProcessResult r = cli({flag});
         EXPECT_EQ(r.exitCode, 0);
@@ -47,7 +42,7 @@ TEST_F(Help, ToolAndEveryCommandHelpOnStandardOutput) {
     }
 }
 
-TEST_F(Help, VersionNamesTheLibrariesInUse) {
+TEST(Help, VersionNamesTheLibrariesInUse) {
     const ProcessResult r = cli({"--version"});
     EXPECT_EQ(r.exitCode, 0);
     const QStringList lines = QString::fromUtf8(r.out).split(u'\n', Qt::SkipEmptyParts);
@@ -60,12 +55,11 @@ TEST_F(Help, VersionNamesTheLibrariesInUse) {
     EXPECT_TRUE(lines[3].contains("libavformat " + pkgVersion("libavformat"))) << lines[3].toStdString();
 }
 
-TEST_F(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
+TEST(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
     const QString page = QStringLiteral(MANUAL_PAGE);
     ASSERT_TRUE(QFile::exists(page));
-    qputenv("MANWIDTH", "80");
+    Isolation::current()->setEnv("MANWIDTH", "80");
     const ProcessResult man = run("man", {"-l", page});
-    qunsetenv("MANWIDTH");
     EXPECT_EQ(man.exitCode, 0) << man.err.toStdString();
     EXPECT_EQ(man.err, "");
     const QString text = QString::fromUtf8(man.out);
@@ -78,7 +72,7 @@ TEST_F(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
     EXPECT_EQ(groff.err, "");
 }
 
-TEST_F(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
+TEST(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     QDir(dir.path()).mkdir("album");
@@ -109,7 +103,7 @@ TEST_F(Completion, BashCompletesCommandsOptionsAndMediaFiles) {
                            "1 2 3 4 5 6 7 8", "--search", ""}));
 }
 
-TEST_F(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
+TEST(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     ASSERT_TRUE(QFile::copy(QStringLiteral(CLI_SOURCE_DIR "/completion/_tessorin-cli"), dir.filePath("_tessorin-cli")));

@@ -1,7 +1,5 @@
 // `info`, `tags` and `location` over the sample media, with exiftool, run live, as the oracle for
 // what the details must show.
-#include "Formatter.h"
-#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -38,15 +36,9 @@ QStringList groupsOf(const QString& file) {
 
 }  // namespace
 
-// Every test runs away from the user's settings, folders and the network.
-using TagsCommand = testsupport::IsolatedTest;
-using InfoCommand = testsupport::IsolatedTest;
-using HumanSwitch = testsupport::IsolatedTest;
-using LocationCommand = testsupport::IsolatedTest;
-
-TEST_F(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
+TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
     const QStringList files = corpusFiles();
-    ASSERT_FALSE(files.isEmpty());
+    ASSERT_EQ(files.size(), 60);
     for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
         const ProcessResult json = cli({"tags", "--json", file});
@@ -68,9 +60,9 @@ TEST_F(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
     }
 }
 
-TEST_F(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
+TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
     const QStringList files = images();
-    ASSERT_FALSE(files.isEmpty());
+    ASSERT_EQ(files.size(), 56);
     const ProcessResult et = run("exiftool", QStringList{"-j", "-G1", "-IFD0:Model", "-ExifIFD:LensModel",
                                                          "-ExifIFD:DateTimeOriginal", "-XMP-exif:DateTimeOriginal",
                                                          "-XMP-photoshop:DateCreated", "-IFD0:ModifyDate"} + files);
@@ -103,10 +95,13 @@ TEST_F(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
                                 "IFD0:ModifyDate"}) {
             QString text = o[tag].toString().left(19);  // XMP dates may carry a zone
             if (text.size() == 10) text += " 00:00:00";
-            if ((d = Formatter::exifDate(text))) break;
+            if (const QDateTime t = QDateTime::fromString(text, "yyyy:MM:dd HH:mm:ss"); t.isValid()) {
+                d = t;
+                break;
+            }
         }
         if (d) {
-            EXPECT_EQ(line("Original Date:"), Formatter::format(*d, Formatter::Style::fullDate));
+            EXPECT_EQ(line("Original Date:"), fullDateText(*d));
             ++checkedDates;
         } else {
             EXPECT_EQ(line("Original Date:"), "--");
@@ -115,7 +110,7 @@ TEST_F(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
     EXPECT_GT(checkedDates, 20);
 }
 
-TEST_F(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
+TEST(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
     QTemporaryDir dir;
     const QString good = corpusDir() + "/jpeg/Canon_40D.jpg";
     const ProcessResult r = cli({"info", dir.filePath("missing.jpg"), good});
@@ -124,14 +119,14 @@ TEST_F(InfoCommand, ReportsUnreadableFilesAndGoesOn) {
     EXPECT_TRUE(r.out.contains("Camera: Canon EOS 40D"));
 }
 
-TEST_F(HumanSwitch, NoHumanShowsRawValues) {
+TEST(HumanSwitch, NoHumanShowsRawValues) {
     const QString file = corpusDir() + "/jpeg/Canon_40D.jpg";
     EXPECT_TRUE(cli({"tags", file}).out.contains("Flash: Flash fired, Compulsory flash firing"));
     EXPECT_TRUE(cli({"--no-human", "tags", file}).out.contains("Flash: 9\n"));
     EXPECT_TRUE(cli({"--no-human", "tags", file}).out.contains("**{Exif}**"));
 }
 
-TEST_F(LocationCommand, ReadsDegreesThenDecimals) {
+TEST(LocationCommand, ReadsDegreesThenDecimals) {
     const ProcessResult dms = cli({"location", "12°30'15\" N 9°10'5\" E"});
     EXPECT_EQ(dms.exitCode, 0);
     // Seconds are truncated, so a value a hair below 15" shows 14".

@@ -1,6 +1,5 @@
 // `tessorin-cli props` against exiftool, run live on the sample media: every field that both
 // read from the same EXIF, TIFF, GPS or IPTC source must agree, converted to our conventions.
-#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -192,10 +191,7 @@ void compareWithExiftool(const QString& file, const QJsonObject& props, const QJ
     EXPECT_EQ(props["FileSize"].toInteger(-1), QFileInfo(file).size()) << file.toStdString() << ": FileSize";
 }
 
-// Every test runs away from the user's settings, folders and the network.
-using PropsCommand = testsupport::IsolatedTest;
-
-TEST_F(PropsCommand, AgreesWithExiftoolOnEveryImage) {
+TEST(PropsCommand, AgreesWithExiftoolOnEveryImage) {
     const Readings& r = readings();
     ASSERT_FALSE(r.images.isEmpty());
     ASSERT_EQ(r.props.size(), r.images.size() + r.movies.size()) << r.ours.err.toStdString();
@@ -209,7 +205,7 @@ TEST_F(PropsCommand, AgreesWithExiftoolOnEveryImage) {
 }
 
 // Movies go to the movie reader: their tracks and items, not an image reader's error.
-TEST_F(PropsCommand, ReadsMoviesWithTheMovieReader) {
+TEST(PropsCommand, ReadsMoviesWithTheMovieReader) {
     const Readings& r = readings();
     ASSERT_FALSE(r.movies.isEmpty());
     EXPECT_EQ(r.ours.exitCode, 0) << r.ours.err.toStdString();
@@ -222,7 +218,7 @@ TEST_F(PropsCommand, ReadsMoviesWithTheMovieReader) {
 }
 
 // A file is what its bytes say: a JPEG named .png is still read as a JPEG.
-TEST_F(PropsCommand, TrustsBytesNotNames) {
+TEST(PropsCommand, TrustsBytesNotNames) {
     QTemporaryDir dir;
     const QString misnamed = dir.filePath("photo.png");
     ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", misnamed));

@@ -1,6 +1,5 @@
 // The commands over movies, with exiftool and ffprobe, run live, as the oracles: what `info`
 // shows, what `props` and `tags` give, and what `edit` writes.
-#include "Formatter.h"
 #include "HRLocation.h"
 #include "Isolation.h"
 #include "TestSupport.h"
@@ -52,19 +51,13 @@ QString editedFile(const ProcessResult& r) {
 
 }  // namespace
 
-// Every test runs away from the user's settings, folders and the network.
-using VideoInfo = testsupport::IsolatedTest;
-using VideoProps = testsupport::IsolatedTest;
-using VideoTags = testsupport::IsolatedTest;
-using VideoEdit = testsupport::IsolatedTest;
-
-TEST_F(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
+TEST(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
     const QStringList files = movies();
-    ASSERT_GE(files.size(), 4);
+    ASSERT_EQ(files.size(), 4);
     // Without place data the location row keeps the coordinates, which exiftool can confirm.
-    qputenv("TESSORIN_PLACES", "/nonexistent/places.bin");
+    Isolation::current()->setEnv("TESSORIN_PLACES", "/nonexistent/places.bin");
     const ProcessResult info = cli(QStringList{"info"} + files);
-    qunsetenv("TESSORIN_PLACES");
+    Isolation::current()->unsetEnv("TESSORIN_PLACES");
     ASSERT_EQ(info.exitCode, 0) << info.err.toStdString();
     const QString out = QString::fromUtf8(info.out);
     int withTags = 0;
@@ -103,7 +96,7 @@ TEST_F(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
         }
         ++withTags;
         EXPECT_EQ(line(details, "Original Date:"),
-                  Formatter::format(exiftoolInstant(created).toLocalTime(), Formatter::Style::fullDate));
+                  fullDateText(exiftoolInstant(created).toLocalTime()));
         const QStringList gps = et["Keys:GPSCoordinates"].toString().split(' ');
         ASSERT_GE(gps.size(), 2);
         const auto place = hrl::coordinatesText(GeoLocation(gps[0].toDouble(), gps[1].toDouble()), false);
@@ -117,7 +110,7 @@ TEST_F(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
     EXPECT_TRUE(cli({"summary", video("apple_meta.mov")}).out.contains(" in Milan, "));
 }
 
-TEST_F(VideoInfo, CutMovieShowsPlaceholders) {
+TEST(VideoInfo, CutMovieShowsPlaceholders) {
     QTemporaryDir dir;
     const QString cut = dir.filePath("cut.mov");
     QFile f(cut);
@@ -132,7 +125,7 @@ TEST_F(VideoInfo, CutMovieShowsPlaceholders) {
     EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", cut}).out).array().at(0)["tags"], QJsonObject());
 }
 
-TEST_F(VideoProps, DescribesTracksAndItems) {
+TEST(VideoProps, DescribesTracksAndItems) {
     const ProcessResult r = cli({"props", video("apple_meta_rot90.mov")});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QJsonObject props = QJsonDocument::fromJson(r.out).array()[0].toObject()["properties"].toObject();
@@ -145,7 +138,7 @@ TEST_F(VideoProps, DescribesTracksAndItems) {
     EXPECT_EQ(props["Metadata"][2]["Value"].toString(), "Apple");
 }
 
-TEST_F(VideoTags, ExportsByKeySpace) {
+TEST(VideoTags, ExportsByKeySpace) {
     const QString file = video("apple_meta.mov");
     const QString human = QString::fromUtf8(cli({"tags", file}).out);
     EXPECT_TRUE(human.startsWith("**mdta**\nlocation.ISO6709: \n\tLatitude: 45.464°\n\tLongitude: 9.19°\n")) << human.toStdString();
@@ -156,10 +149,11 @@ TEST_F(VideoTags, ExportsByKeySpace) {
     EXPECT_TRUE(cli({"summary", file}).out.contains("This video was taken on "));
 }
 
-TEST_F(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
+TEST(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
     // The wished date is the user's local time; the file holds the instant.
-    qputenv("TZ", "Asia/Kolkata");
+    Isolation::current()->setEnv("TZ", "Asia/Kolkata");
     QTemporaryDir out;
+    ASSERT_EQ(movies().size(), 4);
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         const ProcessResult r = cli({"edit", "--date", "2024:01:02 03:04:05", "--location", "45°30'0\" N 122°15'0\" W", file,
@@ -178,13 +172,11 @@ TEST_F(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
         EXPECT_EQ(streamHashes(edited), streamHashes(file));
         // info reads the new file back as the user wished it.
         const QString details = QString::fromUtf8(cli({"info", edited}).out);
-        EXPECT_EQ(line(details, "Original Date:"),
-                  Formatter::format(QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5)), Formatter::Style::fullDate));
+        EXPECT_EQ(line(details, "Original Date:"), "Tuesday, 2 January 2024 03:04:05");
     }
-    qunsetenv("TZ");
 }
 
-TEST_F(VideoEdit, RemovalsAndNoTags) {
+TEST(VideoEdit, RemovalsAndNoTags) {
     QTemporaryDir out;
     const QString file = video("apple_meta_rot90.mov");
     const ProcessResult bare = cli({"edit", "--no-date", "--no-location", file, "-o", out.path()});
@@ -203,7 +195,7 @@ TEST_F(VideoEdit, RemovalsAndNoTags) {
     EXPECT_EQ(et["Keys:Software"].toString(), "Tessorin");
 }
 
-TEST_F(VideoEdit, WhatAMovieCantDo) {
+TEST(VideoEdit, WhatAMovieCantDo) {
     QTemporaryDir out;
     const QString file = video("apple_meta.mov");
     const ProcessResult inPlace = cli({"edit", "--no-date", "--in-place", file});
