@@ -153,7 +153,7 @@ TEST_F(CommandLine, ExitCodesAndErrorLinesAreTheSameForEveryCommand) {
     QDir().mkpath(tree_.filePath("out"));
     const QStringList editTail{"--orientation", "6", "-o", tree_.filePath("out")};
 
-    for (const QString& command : QStringList{"props", "info", "summary", "tags", "edit"}) {
+    for (const QString& command : QStringList{"props", "info", "summary", "tags", "resources", "edit"}) {
         SCOPED_TRACE(command.toStdString());
         const QStringList tail = command == "edit" ? editTail : QStringList();
         auto runWith = [&](const QStringList& files) { return cli(QStringList{command} + files + tail); };
@@ -228,7 +228,7 @@ TEST_F(CommandLine, DoubleDashEndsTheOptions) {
 
 TEST_F(CommandLine, JsonIsOneArrayForAllFilesWithTheFailedOnesInside) {
     const QString good = photo();
-    for (const QString& command : QStringList{"props", "info", "summary", "tags"}) {
+    for (const QString& command : QStringList{"props", "info", "summary", "tags", "resources"}) {
         SCOPED_TRACE(command.toStdString());
         const ProcessResult r = cli({command, "-j", good, missing()});
         EXPECT_EQ(r.exitCode, 1);
