@@ -32,11 +32,11 @@ int usage(const QString& problem) { return cli::usageError("edit", problem); }
 // Every option of `edit`, for photos and movies alike.
 const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
     {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
-    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},         {"--no-location"},
-    {"--no-date"},            {"--no-tags"},                  {"--in-place"},           {"--keep-original"},
-    {"--render"},             {"--template", "", true},
-    {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},   {"--geotag-offset", "", true},
-    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant"}};
+    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},          {"--no-location", "", false},
+    {"--no-date", "", false}, {"--no-tags", "", false},       {"--in-place", "", false}, {"--keep-original", "", false},
+    {"--render", "", false},  {"--template", "", true},
+    {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},    {"--geotag-offset", "", true},
+    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant", "", false}};
 
 struct Target {
     QString outputDir;

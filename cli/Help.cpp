@@ -55,6 +55,12 @@ const QList<std::pair<QString, QString>>& texts() {
                         "  --search TEXT       places by name\n"
                         "  -j, --json          as JSON\n"
                         "  --pretty            indent the JSON\n")},
+        {"resources",
+         QStringLiteral("usage: tessorin-cli resources [OPTIONS] FILE... [--extract DIR]\n\n"
+                        "Each file's resource and the auxiliary images inside it (depth and\n"
+                        "disparity maps, gain maps, mattes), one line each: label, file name, size,\n"
+                        "pixel size.\n\n"
+                        "  --extract DIR       write the auxiliary images into DIR under those names\n") + jsonHelp + fileOptionsHelp},
         {"edit",
          QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n\n"
                         "Rewrites the files with the wishes applied, one line per file of what\n"

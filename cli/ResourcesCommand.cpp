@@ -2,9 +2,13 @@
 // one line each (label, file name, size, pixel size); --extract writes the auxiliary images
 // into DIR under the names the resource list gives them.
 #include "Commands.h"
+#include "ExitStatus.h"
+#include "FileArgs.h"
+#include "JsonOutput.h"
 
 #include "FileBytes.h"
 #include "FileTypes.h"
+#include "ImageProperties.h"
 #include "ImageDecoder.h"
 #include "Resources.h"
 #include "TSResourceAuxiliary.h"
@@ -25,53 +29,59 @@ QString pixelSize(const QByteArray& bytes) {
     return size.isValid() ? QString("%1 x %2").arg(size.width()).arg(size.height()) : QStringLiteral("--");
 }
 
-bool writeInto(const QString& dir, const QString& name, const QByteArray& data, const QString& source) {
+// Nothing, or why the file could not be written.
+std::optional<QString> writeInto(const QString& dir, const QString& name, const QByteArray& data) {
     QSaveFile file(QDir(dir).filePath(name));
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return true;
-    printError("tessorin-cli: " + source + ": can't write " + file.fileName() + ": " + file.errorString() + "\n");
-    return false;
+    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return std::nullopt;
+    return "can't write " + file.fileName() + ": " + file.errorString();
 }
 
 }  // namespace
 
-int resourcesCommand(const QStringList& args) {
-    QStringList files;
-    QString extractDir;
-    for (int i = 0; i < args.size(); ++i) {
-        if (args[i] == "--extract") {
-            if (++i >= args.size()) return printError("tessorin-cli resources: --extract needs a folder\n"), 2;
-            extractDir = args[i];
-        } else {
-            files << args[i];
-        }
-    }
-    if (files.isEmpty()) return printError("usage: tessorin-cli resources FILE... [--extract DIR]\n"), 2;
+int resourcesCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    const QList<cli::Option> own{{"--extract", "", true}};
+    if (auto rc = cli::parse("resources", rawArgs, own + cli::fileOptions + cli::jsonOptions, args)) return *rc;
+    const auto files = cli::expandFiles("resources", args);
+    if (!files) return 2;
+    const QString extractDir = args.value("--extract");
     if (!extractDir.isEmpty() && !QDir().mkpath(extractDir))
         return printError("tessorin-cli resources: can't make " + extractDir + "\n"), 1;
 
-    int status = 0;
-    for (const QString& path : files) {
+    cli::JsonOutput out(args);
+    cli::ExitStatus status;
+    for (const QString& path : *files) {
         imageio::FileBytes file;
         QString error;
         if (!file.open(path, &error)) {
-            printError("tessorin-cli: " + path + ": " + error + "\n");
-            status = 1;
+            status.fail(path, error, &out);
             continue;
         }
         const QByteArray& bytes = file.bytes();
+        if (imageio::detectFormat(bytes) == imageio::Format::Unknown) {
+            status.fail(path, QStringLiteral("not an image format that can be read"), &out);
+            continue;
+        }
         const QString name = QFileInfo(path).fileName();
+        const QString size = pixelSize(bytes);
         QString text = "==> " + path + " <==\n";
-        text += name + "  " + filetypes::fileSizeText(bytes.size()) + "  " + pixelSize(bytes) + "\n";
+        text += name + "  " + filetypes::fileSizeText(bytes.size()) + "  " + size + "\n";
+        QJsonArray auxiliaries;
+        std::optional<QString> failure;
         TSResourceAuxiliary auxiliary(bytes);
         for (AuxiliaryImageType type : allAuxiliaryImageTypes) {
             const std::optional<QByteArray> data = auxiliary.auxiliaryData(type);
             if (!data) continue;
             const QString auxName = auxiliaryFileName(name, type);
-            text += "  " + label(type) + "  " + auxName + "  " + filetypes::fileSizeText(data->size()) + "  " +
-                    pixelSize(*data) + "\n";
-            if (!extractDir.isEmpty() && !writeInto(extractDir, auxName, *data, path)) status = 1;
+            const QString auxSize = pixelSize(*data);
+            text += "  " + label(type) + "  " + auxName + "  " + filetypes::fileSizeText(data->size()) + "  " + auxSize + "\n";
+            auxiliaries.append(QJsonObject{{"label", label(type)}, {"name", auxName}, {"bytes", data->size()}, {"pixelSize", auxSize}});
+            if (!extractDir.isEmpty() && !failure) failure = writeInto(extractDir, auxName, *data);
         }
-        printOut(text);
+        if (!out.on()) printOut(text);
+        if (failure) status.fail(path, *failure, &out);
+        else out.add({{"file", path}, {"bytes", bytes.size()}, {"pixelSize", size}, {"auxiliaryImages", auxiliaries}});
     }
-    return status;
+    out.print();
+    return status.code();
 }

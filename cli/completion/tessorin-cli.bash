@@ -31,17 +31,19 @@ _tessorin_cli() {
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W "--no-human -h --help --version" -- "$cur"))
         else
-            COMPREPLY=($(compgen -W "props info summary tags location place edit" -- "$cur"))
+            COMPREPLY=($(compgen -W "props info summary tags location place edit resources" -- "$cur"))
         fi
         return 0
     fi
 
     case $prev in
         -@) COMPREPLY=($(compgen -f -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
-        -o) COMPREPLY=($(compgen -d -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
+        -o | --extract) COMPREPLY=($(compgen -d -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
         --ext) COMPREPLY=($(compgen -W "jpg jpeg tif tiff dng png webp heic heif avif cr3 mov mp4 m4v" -- "$cur")); return 0 ;;
         --orientation) COMPREPLY=($(compgen -W "1 2 3 4 5 6 7 8" -- "$cur")); return 0 ;;
-        --date | --digitized-date | --location | --set | --remove | --search) return 0 ;;
+        --template | --geotag) COMPREPLY=($(compgen -f -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
+        --strip) COMPREPLY=($(compgen -W "private location dates" -- "$cur")); return 0 ;;
+        --date | --digitized-date | --location | --set | --remove | --search | --shift | --zone | --geotag-offset | --max-gap) return 0 ;;
     esac
 
     local files="-r --recursive -@ --ext --" json="-j --json --pretty" opts
@@ -49,10 +51,12 @@ _tessorin_cli() {
         props) opts="--pretty $files" ;;
         info | summary) opts="$json $files" ;;
         tags) opts="--raw $json $files" ;;
+        resources) opts="--extract $json $files" ;;
         location) opts="$json --" ;;
         place) opts="--search $json --" ;;
         edit) opts="--date --digitized-date --location --orientation --set --remove --no-location
-                    --no-date --no-tags -o --in-place --keep-original --render $files" ;;
+                    --no-date --no-tags -o --in-place --keep-original --render --template --shift --zone
+                    --keep-instant --geotag --geotag-offset --max-gap --strip $files" ;;
         *) return 0 ;;
     esac
     if [[ $cur == -* ]]; then

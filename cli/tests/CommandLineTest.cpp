@@ -49,22 +49,10 @@ QStringList filesOf(const QJsonArray& entries) {
 
 QStringList errorLines(const ProcessResult& r) { return QString::fromUtf8(r.err).split(u'\n', Qt::SkipEmptyParts); }
 
-// Each run gets settings, caches and a home of its own, and no way to the network.
+// Each test (isolated like every test) makes its files in a tree of its own.
 class CommandLine : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(home_.isValid());
-        for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
-            const QString dir = home_.filePath(name);
-            QDir().mkpath(dir);
-            qputenv(name, dir.toUtf8());
-        }
-        qputenv("LC_ALL", "C.UTF-8");
-        qputenv("TZ", "UTC");
-        qputenv("http_proxy", "http://127.0.0.1:9");
-        qputenv("https_proxy", "http://127.0.0.1:9");
-        ASSERT_TRUE(tree_.isValid());
-    }
+    void SetUp() override { ASSERT_TRUE(tree_.isValid()); }
 
     // A copy of a sample file at `relative` under the tree.
     QString copy(const QString& sample, const QString& relative) {
@@ -85,7 +73,7 @@ protected:
     QString photo() { return corpusDir() + "/jpeg/gps/DSCN0010.jpg"; }
     QString missing() { return tree_.filePath("no such photo.jpg"); }
 
-    QTemporaryDir home_, tree_;
+    QTemporaryDir tree_;
 };
 
 }  // namespace
@@ -165,7 +153,7 @@ TEST_F(CommandLine, ExitCodesAndErrorLinesAreTheSameForEveryCommand) {
     QDir().mkpath(tree_.filePath("out"));
     const QStringList editTail{"--orientation", "6", "-o", tree_.filePath("out")};
 
-    for (const QString& command : QStringList{"props", "info", "summary", "tags", "edit"}) {
+    for (const QString& command : QStringList{"props", "info", "summary", "tags", "resources", "edit"}) {
         SCOPED_TRACE(command.toStdString());
         const QStringList tail = command == "edit" ? editTail : QStringList();
         auto runWith = [&](const QStringList& files) { return cli(QStringList{command} + files + tail); };
@@ -240,7 +228,7 @@ TEST_F(CommandLine, DoubleDashEndsTheOptions) {
 
 TEST_F(CommandLine, JsonIsOneArrayForAllFilesWithTheFailedOnesInside) {
     const QString good = photo();
-    for (const QString& command : QStringList{"props", "info", "summary", "tags"}) {
+    for (const QString& command : QStringList{"props", "info", "summary", "tags", "resources"}) {
         SCOPED_TRACE(command.toStdString());
         const ProcessResult r = cli({command, "-j", good, missing()});
         EXPECT_EQ(r.exitCode, 1);

@@ -1,4 +1,5 @@
 // Help, version, the manual page and the shell completions, as a user and the shells meet them.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ namespace {
 
 ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
 
-const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit"};
+const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit", "resources"};
 
 QString pkgVersion(const QString& module) {
     return QString::fromUtf8(run("pkg-config", {"--modversion", module}).out).trimmed();
@@ -57,7 +58,7 @@ TEST(Help, VersionNamesTheLibrariesInUse) {
 TEST(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
     const QString page = QStringLiteral(MANUAL_PAGE);
     ASSERT_TRUE(QFile::exists(page));
-    qputenv("MANWIDTH", "80");
+    Isolation::current()->setEnv("MANWIDTH", "80");
     const ProcessResult man = run("man", {"-l", page});
     EXPECT_EQ(man.exitCode, 0) << man.err.toStdString();
     EXPECT_EQ(man.err, "");
