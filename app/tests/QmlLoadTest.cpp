@@ -6,6 +6,8 @@
 #include "AppModels.h"
 #include "GroupViewModel.h"
 #include "QmlSetup.h"
+#include "Settings.h"
+#include "TSMapView.h"
 #include "TSAlbum.h"
 #include "TestSupport.h"
 
@@ -42,6 +44,8 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(settingsDir_.isValid());
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
+        // The maps draw offline: no tile server.
+        Settings::setValue(TSMapView::standardTilesKey, "none");
         models->app->rebuildRoot();
         TSEnvironment::setCurrentAlbum(nullptr);
         warnings().clear();
