@@ -5,7 +5,9 @@
 #include "AppModels.h"
 #include "DetailViewModel.h"
 #include "GroupViewModel.h"
+#include "LocationModifierViewModel.h"
 #include "MapPickerViewModel.h"
+#include "TSAlbum.h"
 #include "Settings.h"
 #include "ShareViewModel.h"
 #include "TSMapView.h"
@@ -145,6 +147,7 @@ QObject* Screenshots::overlay(const QByteArray& qml) {
         item->setSize(window_->contentItem()->size());
     } else {
         object->setParent(window_->contentItem());
+        object->setProperty("parent", QVariant::fromValue(window_->contentItem()));
     }
     return object;
 }
@@ -162,6 +165,16 @@ void Screenshots::drawMaps() {
         shoot("map-pin");
         delete view;
     }
+    // The location screen for the item on view, after a search by name.
+    const auto asset = TSEnvironment::currentAlbum()->currentAsset;
+    if (asset && asset->ddStore().location) {
+        HRLocation own;
+        own.location = asset->ddStore().location;
+        own.title = asset->ddStore().placemark ? placeText(*asset->ddStore().placemark) : QString();
+        own.subtitle = hrl::coordinatesText(*own.location, true);
+        models_.location->setPhotoLocation(own);
+    }
+    models_.location->search(QStringLiteral("Lisbon"));
     if (QObject* page = overlay("LocationPage {}")) {
         shoot("location");
         delete page;

@@ -9,9 +9,12 @@
 
 namespace {
 
-// The zooms that show the ground as the standard and the 3D cameras do from 1200 and 500 m.
+// The zooms that show the ground as the standard and the 3D cameras do from 1200 and 500 m;
+// the offline map alone has nothing to show that close, so without tiles the town and its
+// neighbours are shown instead.
 constexpr double standardZoom = 16;
 constexpr double threeDZoom = 17;
+constexpr double offlineZoom = 12;
 constexpr double threeDPitch = 45;  // degrees; the 3D camera also turns its heading by as much
 const QColor tint(0x1E, 0x6F, 0xD9);
 const QColor arrowBlue(0x00, 0x7A, 0xFF);
@@ -43,7 +46,7 @@ void TSMapView::setPlace(const QVariantMap& place) {
 
 void TSMapView::showPin() {
     if (pin_) {
-        zoom_ = cameraType() == threeD ? threeDZoom : standardZoom;
+        zoom_ = (cameraType() == threeD ? threeDZoom : standardZoom) - (tiles() ? 0 : standardZoom - offlineZoom);
         centre_ = mercator::project(*pin_, zoom_);
     } else {
         // No place: the world, centred on the Atlantic, 180 degrees across.
@@ -224,7 +227,7 @@ void TSMapView::drawTiles(QPainter& painter, const QSizeF& size, const QPointF& 
 void TSMapView::drawArrow(QPainter& painter, const QPointF& origin) const {
     QRectF r = mercator::headingRect(*pin_, zoom_).translated(-origin);
     // Below city zoom the ground-sized arrow would shrink to nothing; it keeps a readable size.
-    if (r.width() < 40) r = QRectF(r.center() - QPointF(20, 20), QSizeF(40, 40));
+    if (r.width() < 60) r = QRectF(r.center() - QPointF(30, 30), QSizeF(60, 60));
     painter.save();
     painter.translate(r.center());
     painter.rotate(qRadiansToDegrees(double(mercator::headingRadians(*heading_))));

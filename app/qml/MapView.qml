@@ -81,6 +81,13 @@ Item {
     }
 
     // The tools, on a card in the top right corner; none for the world view of an item without place.
+    Rectangle {
+        anchors.fill: tools
+        visible: tools.visible
+        radius: 10
+        color: "#E6FFFFFF"
+        border.color: "#D1D1D6"
+    }
     Column {
         id: tools
         visible: root.showTools && map.hasPin
@@ -104,14 +111,6 @@ Item {
             icon.source: "qrc:/icons/info.circle.svg"
             onClicked: root.addressRequested()
         }
-    }
-    Rectangle {
-        anchors.fill: tools
-        z: -1
-        visible: tools.visible
-        radius: 10
-        color: "#E6FFFFFF"
-        border.color: "#D1D1D6"
     }
 
     Popup {

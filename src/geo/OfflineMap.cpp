@@ -118,8 +118,10 @@ std::shared_ptr<const OfflineMap> OfflineMap::load(const QString& path, const Pl
             if (from > to || to > h.pointCount) return false;
             Line line;
             line.points.reserve(to - from);
+            // Longitudes past ±180 stay there (rings across the antimeridian), so x isn't wrapped.
             for (quint32 p = from; p < to; ++p)
-                line.points.push_back(mercator::project({coords[2 * p + 1], coords[2 * p]}, 0));
+                line.points.push_back({(double(coords[2 * p]) + 180) / 360 * mercator::tileSize,
+                                       mercator::project({coords[2 * p + 1], 0}, 0).y()});
             line.bounds = boundsOf(line.points);
             into.push_back(std::move(line));
         }
