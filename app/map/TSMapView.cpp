@@ -226,8 +226,9 @@ void TSMapView::drawTiles(QPainter& painter, const QSizeF& size, const QPointF& 
 
 void TSMapView::drawArrow(QPainter& painter, const QPointF& origin) const {
     QRectF r = mercator::headingRect(*pin_, zoom_).translated(-origin);
-    // Below city zoom the ground-sized arrow would shrink to nothing; it keeps a readable size.
-    if (r.width() < 60) r = QRectF(r.center() - QPointF(30, 30), QSizeF(60, 60));
+    // Zoomed out, the ground-sized arrow would shrink to nothing; it keeps a size whose head
+    // stands clear of the pin.
+    if (r.width() < 100) r = QRectF(r.center() - QPointF(50, 50), QSizeF(100, 100));
     painter.save();
     painter.translate(r.center());
     painter.rotate(qRadiansToDegrees(double(mercator::headingRadians(*heading_))));

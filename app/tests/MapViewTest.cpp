@@ -1,5 +1,6 @@
 // The map item drawn offscreen: the heading arrow's turn, the camera and style rules, moving
 // away and back, and tiles from a server on the loopback address over the offline map.
+#include "Isolation.h"
 #include "Settings.h"
 #include "TSMapView.h"
 
@@ -8,22 +9,17 @@
 #include <QBuffer>
 #include <QImage>
 #include <QPainter>
-#include <QSettings>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
 const QColor arrowBlue(0x00, 0x7A, 0xFF);
 
-class MapViewTest : public ::testing::Test {
+class MapViewTest : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-        qputenv("XDG_CACHE_HOME", dir_.filePath("cache").toUtf8());
         Settings::setValue(TSMapView::standardTilesKey, "none");
         view_.setSize(QSizeF(400, 300));
     }
@@ -45,7 +41,6 @@ protected:
         EXPECT_GT(n, 50);
         return n ? sum / n - QPointF(200, 150) : QPointF();
     }
-    QTemporaryDir dir_;
     TSMapView view_;
 };
 

@@ -2,6 +2,7 @@
 // checks and hand-back, the map picker, and the address list of a photo's place.
 #include "AddressListModel.h"
 #include "Geocoder.h"
+#include "Isolation.h"
 #include "LocationModifierViewModel.h"
 #include "MapPickerViewModel.h"
 #include "Recent.h"
@@ -16,8 +17,6 @@
 #include <QGeoPositionInfoSource>
 #include <QGuiApplication>
 #include <QJsonObject>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -40,11 +39,9 @@ TSLocationManager::SourceFactory noSource() {
     return [](QObject* parent) { return QGeoPositionInfoSource::createSource("no such source", parent); };
 }
 
-class LocationScreens : public ::testing::Test {
+class LocationScreens : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
         TSGeocoder::setGeocoder(std::make_shared<Geocoder>());  // offline place data only
         recents::locations().arrayList.clear();
     }
@@ -57,7 +54,6 @@ protected:
         for (const QVariant& row : sections[section].toMap()["rows"].toList()) out << row.toMap()["title"].toString();
         return out;
     }
-    QTemporaryDir dir_;
 };
 
 }  // namespace

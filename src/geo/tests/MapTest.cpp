@@ -1,6 +1,8 @@
 #include "TileSource.h"
 #include "WebMercator.h"
 
+#include "Isolation.h"
+
 #include <gtest/gtest.h>
 
 #include <QBuffer>
@@ -116,7 +118,7 @@ int fetch(TileSource& source, const QList<TileId>& tiles) {
     return failed;
 }
 
-class Tiles : public ::testing::Test {
+class Tiles : public testsupport::IsolatedTest {
 protected:
     void SetUp() override { ASSERT_TRUE(cache_.isValid()); }
     QTemporaryDir cache_;
