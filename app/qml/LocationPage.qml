@@ -11,7 +11,9 @@ Page {
     id: page
     title: LocationScreen.title
     signal mapPickerRequested()
-    Component.onCompleted: LocationScreen.appear()
+    // The position is asked for while the screen is on top; leaving it hands back the choice.
+    StackView.onActivated: LocationScreen.appear()
+    StackView.onRemoved: LocationScreen.leave()
 
     Connections {
         target: LocationScreen
