@@ -37,9 +37,15 @@ void TSMapView::setPlace(const QVariantMap& place) {
     place_ = place;
     pin_.reset();
     heading_.reset();
-    if (place.contains("latitude") && place.contains("longitude"))
-        pin_ = GeoCoordinate{place.value("latitude").toDouble(), place.value("longitude").toDouble()};
-    if (pin_ && place.contains("heading")) heading_ = place.value("heading").toDouble();
+    auto number = [&place](const char* key) {
+        bool ok = false;
+        const double v = place.value(QLatin1String(key)).toDouble(&ok);
+        return ok ? v : qQNaN();
+    };
+    const double lat = number("latitude"), lon = number("longitude");
+    if (std::isfinite(lat) && std::isfinite(lon)) pin_ = GeoCoordinate{std::clamp(lat, -90.0, 90.0), lon};
+    const double heading = number("heading");
+    if (pin_ && std::isfinite(heading)) heading_ = heading;
     showPin();
     emit placeChanged();
 }

@@ -93,6 +93,15 @@ TEST_F(MapViewTest, CameraStyleAndRecentre) {
     EXPECT_NEAR(at["latitude"].toDouble(), 45.5, 1e-9);
     EXPECT_NEAR(at["longitude"].toDouble(), 9.2, 1e-9);
 
+    // Damaged places are no places, and draw.
+    for (const QVariantMap& bad : {QVariantMap{{"latitude", "north"}, {"longitude", 9.2}},
+                                   QVariantMap{{"latitude", qQNaN()}, {"longitude", 9.2}},
+                                   QVariantMap{{"latitude", 45.0}, {"longitude", qInf()}}}) {
+        view_.setPlace(bad);
+        EXPECT_FALSE(view_.hasPin());
+        EXPECT_FALSE(draw().isNull());
+    }
+
     // An item without place: the world around the Atlantic, no pin, no tools.
     view_.setPlace({});
     EXPECT_FALSE(view_.hasPin());

@@ -123,7 +123,8 @@ std::shared_ptr<const OfflineMap> OfflineMap::load(const QString& path, const Pl
                 line.points.push_back({(double(coords[2 * p]) + 180) / 360 * mercator::tileSize,
                                        mercator::project({coords[2 * p + 1], 0}, 0).y()});
             line.bounds = boundsOf(line.points);
-            into.push_back(std::move(line));
+            // A line needs two points, a ring three; fewer is nothing to draw.
+            if (line.points.size() >= 2) into.push_back(std::move(line));
         }
         return true;
     };
@@ -151,6 +152,10 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(QRectF(QPointF(), viewSize), colours.sea);
+    if (!std::isfinite(centre.x()) || !std::isfinite(centre.y()) || !std::isfinite(scale)) {
+        painter.restore();
+        return;
+    }
 
     const double world = mercator::tileSize * scale;
     // Each copy of the world the view reaches, by its offset in world pixels.
