@@ -1,5 +1,7 @@
 // The geo tests run inside an application object, as the geocoder's answers come through the
 // event loop (a GUI one: the offline map draws text); names are checked in English.
+#include "Isolation.h"
+
 #include <QGuiApplication>
 #include <QLocale>
 
@@ -8,7 +10,7 @@
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    testsupport::Isolation::setTestLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
