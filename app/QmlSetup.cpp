@@ -1,5 +1,6 @@
 #include "QmlSetup.h"
 
+#include "TSMapView.h"
 #include "ThumbnailProvider.h"
 
 #include <QQmlEngine>
@@ -12,6 +13,9 @@ void setStyle() {
     QQuickStyle::setStyle(QStringLiteral("Material"));
 }
 
-void setUpEngine(QQmlEngine& engine) { engine.addImageProvider(QStringLiteral("thumb"), new ThumbnailProvider); }
+void setUpEngine(QQmlEngine& engine) {
+    engine.addImageProvider(QStringLiteral("thumb"), new ThumbnailProvider);
+    qmlRegisterType<TSMapView>("Tessorin", 1, 0, "TSMapView");
+}
 
 }  // namespace appqml

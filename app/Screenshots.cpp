@@ -5,8 +5,13 @@
 #include "AppModels.h"
 #include "DetailViewModel.h"
 #include "GroupViewModel.h"
+#include "LocationModifierViewModel.h"
+#include "MapPickerViewModel.h"
+#include "TSAlbum.h"
+#include "Settings.h"
 #include "IptcViewModel.h"
 #include "ShareViewModel.h"
+#include "TSMapView.h"
 #include "TagTableModel.h"
 
 #include <QDir>
@@ -85,6 +90,18 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     models_.group->toggleView();
     models_.group->show(std::min<int>(1, int(files.size()) - 1));
     shoot("detail-table");
+    // The map row at the table's end.
+    if (QObject* table = root->findChild<QObject*>(QStringLiteral("detailTable"))) {
+        QMetaObject::invokeMethod(table, "positionViewAtEnd");
+        shoot("detail-map");
+        if (QObject* popup = overlay("AddressListPopup {}")) {
+            QMetaObject::invokeMethod(popup, "open");
+            shoot("address-list");
+            delete popup;
+        }
+        QMetaObject::invokeMethod(table, "positionViewAtBeginning");
+    }
+    drawMaps();
 
     set(models_.detail, "showTags", true);
     settle();
@@ -115,6 +132,60 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     delete root;
     window_ = nullptr;
     settle(100);
+}
+
+QObject* Screenshots::overlay(const QByteArray& qml) {
+    QQmlComponent component(&engine_);
+    component.setData("import QtQuick\nimport QtQuick.Controls\nimport Tessorin\n" + qml, QUrl("qrc:/qml/Overlay.qml"));
+    QObject* object = component.create();
+    if (!object) {
+        std::fprintf(stderr, "%s\n", qPrintable(component.errorString()));
+        ++failures_;
+        return nullptr;
+    }
+    if (auto* item = qobject_cast<QQuickItem*>(object)) {
+        item->setParentItem(window_->contentItem());
+        item->setZ(1000);
+        item->setSize(window_->contentItem()->size());
+    } else {
+        object->setParent(window_->contentItem());
+        object->setProperty("parent", QVariant::fromValue(window_->contentItem()));
+    }
+    return object;
+}
+
+void Screenshots::drawMaps() {
+    // The offline map at world, country and city zoom, with a pin and its arrow.
+    if (QObject* view = overlay("MapView { place: ({latitude: 45.4642, longitude: 9.19, title: \"Milan\", heading: 211.2}) }")) {
+        auto* map = qobject_cast<TSMapView*>(view->property("map").value<QObject*>());
+        if (!map) return;
+        for (const auto& [name, zoom] : {std::pair{"map-world", 1.5}, std::pair{"map-country", 5.5}, std::pair{"map-city", 12.0}}) {
+            map->setZoom(zoom);
+            shoot(name);
+        }
+        map->recenter();
+        shoot("map-pin");
+        delete view;
+    }
+    // The location screen for the item on view, after a search by name.
+    const auto asset = TSEnvironment::currentAlbum()->currentAsset;
+    if (asset && asset->ddStore().location) {
+        HRLocation own;
+        own.location = asset->ddStore().location;
+        own.title = asset->ddStore().placemark ? placeText(*asset->ddStore().placemark) : QString();
+        own.subtitle = hrl::coordinatesText(*own.location, true);
+        models_.location->setPhotoLocation(own);
+    }
+    models_.location->search(QStringLiteral("Lisbon"));
+    if (QObject* page = overlay("LocationPage {}")) {
+        shoot("location");
+        delete page;
+    }
+    if (QObject* page = overlay("MapPickerPage {}")) {
+        models_.mapPicker->longPress(48.8584, 2.2945);
+        shoot("map-picker");
+        delete page;
+    }
 }
 
 void Screenshots::iptcScreens(const QStringList& files) {
@@ -168,6 +239,8 @@ void Screenshots::iptcScreens(const QStringList& files) {
 }
 
 int Screenshots::run(const QString& outputDir, const QStringList& files) {
+    // The maps draw offline, so that the pictures are the same on every machine.
+    Settings::setProcessOverride(TSMapView::standardTilesKey, "none");
     if (files.isEmpty()) {
         std::fprintf(stderr, "no files to show: make the demo album first (cmake --build BUILD --target demo)\n");
         return 1;

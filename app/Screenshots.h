@@ -37,4 +37,7 @@ private:
     // skipped with a note rather than breaking the run.
     void set(QObject* model, const char* property, const QVariant& value);
     void call(QObject* model, const char* method, int argument);
+    // The maps and the place-picking screens, each drawn over the window for its picture.
+    void drawMaps();
+    QObject* overlay(const QByteArray& qml);
 };

@@ -12,6 +12,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <tuple>
 #include <vector>
@@ -58,6 +59,21 @@ Line ring(const QJsonArray& arcIndexes, const std::vector<Line>& arcs) {
     return out;
 }
 
+// A ring that crosses the antimeridian (Chukotka, Fiji) jumps by 360° there; drawn as it is, that
+// edge would run across the whole map. Continuing its longitudes past ±180 keeps it whole (the map
+// draws the world's neighbouring copies). A ring around a pole (Antarctica) doesn't close that
+// way and is left as it is: its long edge lies on the map's bottom edge.
+Line unwrapped(const Line& ring) {
+    Line out = ring;
+    for (size_t i = 1; i < out.size(); ++i) {
+        float lon = out[i].lon;
+        while (lon - out[i - 1].lon > 180) lon -= 360;
+        while (lon - out[i - 1].lon < -180) lon += 360;
+        out[i].lon = lon;
+    }
+    return std::abs(out.back().lon - out.front().lon) < 1 ? out : ring;
+}
+
 // Calls `visit` with every ring's arc list of a Polygon or MultiPolygon.
 template <typename Visit>
 void forEachRing(const QJsonObject& geometry, const Visit& visit) {
@@ -90,7 +106,7 @@ int main(int argc, char** argv) {
     std::vector<Line> rings;
     for (const QJsonValue& g : objects["land"]["geometries"].toArray())
         forEachRing(g.toObject(), [&](const QJsonArray& r) {
-            if (Line l = ring(r, arcs); l.size() >= 3) rings.push_back(std::move(l));
+            if (Line l = ring(r, arcs); l.size() >= 3) rings.push_back(unwrapped(l));
         });
 
     // An arc in the rings of two countries is a border between them; one in a single country's

@@ -85,6 +85,7 @@ Page {
                 visible: !Detail.showTags
                 onSourcesRequested: (row, anchor) => sources.show(DetailTable.sources(row), anchor)
                 onFocalRequested: anchor => sources.show([DetailTable.focalLengthText()], anchor)
+                onAddressRequested: addressList.open()
             }
             ExifTableView {
                 anchors.fill: parent
@@ -107,6 +108,8 @@ Page {
     }
 
     SourcesPopup { id: sources }
+
+    AddressListPopup { id: addressList }
 
     ShareMenu { id: shareMenu }
 

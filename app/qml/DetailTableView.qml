@@ -8,8 +8,10 @@ import Tessorin
 
 ListView {
     id: table
+    objectName: "detailTable"
     signal sourcesRequested(int row, Item anchor)
     signal focalRequested(Item anchor)
+    signal addressRequested()
 
     model: DetailTable
     boundsBehavior: Flickable.DragAndOvershootBounds
@@ -34,6 +36,7 @@ ListView {
         required property string sizes
         required property var badges
         required property string coordinate
+        required property var mapPlace
 
         width: table.width
         height: collapsed ? 0 : loader.height
@@ -240,46 +243,14 @@ ListView {
 
         Component {
             id: mapRow
+            // The place on a map with the camera's direction; the info button opens the address list.
             Rectangle {
                 color: "#FFFFFF"
-                height: mapColumn.implicitHeight + 24
-                Rectangle {
-                    id: pin
-                    anchors.left: parent.left
-                    anchors.leftMargin: 16
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: 44
-                    height: 44
-                    radius: 10
-                    color: "#E5EEFB"
-                    Image {
-                        anchors.centerIn: parent
-                        source: "qrc:/icons/mappin.and.ellipse.svg"
-                        sourceSize: Qt.size(26, 26)
-                    }
-                }
-                ColumnLayout {
-                    id: mapColumn
-                    anchors.left: pin.right
-                    anchors.right: parent.right
-                    anchors.verticalCenter: parent.verticalCenter
-                    anchors.leftMargin: 12
-                    anchors.rightMargin: 16
-                    spacing: 2
-                    Label {
-                        Layout.fillWidth: true
-                        text: rowItem.value
-                        wrapMode: Text.Wrap
-                        font.pixelSize: 15
-                        color: "#1C1C1E"
-                    }
-                    Label {
-                        Layout.fillWidth: true
-                        text: rowItem.coordinate
-                        elide: Text.ElideRight
-                        font.pixelSize: 13
-                        color: "#6C6C70"
-                    }
+                height: 260 + (App.pad ? 96 : 0)
+                MapView {
+                    anchors.fill: parent
+                    place: rowItem.mapPlace
+                    onAddressRequested: table.addressRequested()
                 }
             }
         }

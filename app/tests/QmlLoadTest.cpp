@@ -6,6 +6,8 @@
 #include "AppModels.h"
 #include "GroupViewModel.h"
 #include "QmlSetup.h"
+#include "Settings.h"
+#include "TSMapView.h"
 #include "TSAlbum.h"
 #include "Isolation.h"
 #include "TestSupport.h"
@@ -43,6 +45,8 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(settingsDir_.isValid());
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
+        // The maps draw offline: no tile server.
+        Settings::setValue(TSMapView::standardTilesKey, "none");
         models->app->rebuildRoot();
         TSEnvironment::setCurrentAlbum(nullptr);
         warnings().clear();

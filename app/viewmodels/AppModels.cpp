@@ -1,10 +1,13 @@
 #include "AppModels.h"
 
+#include "AddressListModel.h"
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "DetailTableModel.h"
 #include "DetailViewModel.h"
 #include "GroupViewModel.h"
+#include "LocationModifierViewModel.h"
+#include "MapPickerViewModel.h"
 #include "SettingsViewModel.h"
 #include "ShareViewModel.h"
 #include "TagTableModel.h"
@@ -22,7 +25,12 @@ AppModels::AppModels(QObject* parent)
       detailTable(new DetailTableModel(this)),
       tagTable(new TagTableModel(this)),
       toolBar(new ToolBarModel(this)),
-      share(new ShareViewModel(this)) {
+      share(new ShareViewModel(this)),
+      addressList(new AddressListModel(this)),
+      location(new LocationModifierViewModel({}, this)),
+      mapPicker(new MapPickerViewModel(this)) {
+    // The map picker hands its place back to the location screen.
+    mapPicker->locationDelegate = [this](const HRLocation& l) { location->didChooseMapLocation(l); };
     // Navigation between the browsing screens.
     connect(app, &AppController::filesOpened, albumList, &AlbumListViewModel::openPaths);
     connect(app, &AppController::rootRebuilt, albumList, &AlbumListViewModel::load);
@@ -61,4 +69,7 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "TagTable", tagTable);
     qmlRegisterSingletonInstance(uri, 1, 0, "ToolBar", toolBar);
     qmlRegisterSingletonInstance(uri, 1, 0, "Share", share);
+    qmlRegisterSingletonInstance(uri, 1, 0, "AddressList", addressList);
+    qmlRegisterSingletonInstance(uri, 1, 0, "LocationScreen", location);
+    qmlRegisterSingletonInstance(uri, 1, 0, "MapPicker", mapPicker);
 }

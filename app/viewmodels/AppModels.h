@@ -12,6 +12,9 @@ class DetailTableModel;
 class TagTableModel;
 class ToolBarModel;
 class ShareViewModel;
+class AddressListModel;
+class LocationModifierViewModel;
+class MapPickerViewModel;
 
 class AppModels : public QObject {
     Q_OBJECT
@@ -27,8 +30,12 @@ public:
     TagTableModel* tagTable;
     ToolBarModel* toolBar;
     ShareViewModel* share;
+    AddressListModel* addressList;
+    LocationModifierViewModel* location;
+    MapPickerViewModel* mapPicker;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
-    // Detail, DetailTable, TagTable, ToolBar and Share. Call once, before loading QML.
+    // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen and MapPicker.
+    // Call once, before loading QML.
     void registerWithQml();
 };

@@ -4,6 +4,7 @@
 #include "HRLocation.h"
 #include "Log.h"
 #include "Settings.h"
+#include "TSMetaDataGetters.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -138,8 +139,23 @@ QVariant DetailTableModel::data(const QModelIndex& index, int role) const {
     }
     case CoordinateRole:
         return s.location ? hrl::coordinatesText(*s.location, true).value_or(QString()) : QString();
+    case MapPlaceRole: return mapPlace();
     default: return {};
     }
+}
+
+QVariantMap DetailTableModel::mapPlace() const {
+    const TSDataStore& s = store();
+    if (!s.location) return {};
+    // The pin's title: the short place name, else the coordinate on one line.
+    const QString title = s.placemark ? shortPlaceText(*s.placemark)
+                                      : hrl::coordinatesText(*s.location, false).value_or(QString()).replace('\n', ' ');
+    QVariantMap place{{"latitude", s.location->coordinate.latitude},
+                      {"longitude", s.location->coordinate.longitude},
+                      {"title", title}};
+    if (asset_)
+        if (const auto heading = facingGraAngle(asset_->metaData())) place.insert("heading", *heading);
+    return place;
 }
 
 QHash<int, QByteArray> DetailTableModel::roleNames() const {
@@ -147,7 +163,7 @@ QHash<int, QByteArray> DetailTableModel::roleNames() const {
             {ValueRole, "value"},         {AlphaRole, "alpha"},       {CollapsedRole, "collapsed"},
             {InfoMarkRole, "infoMark"},   {StackRole, "stack"},       {FocalAccentRole, "focalAccent"},
             {FileNameRole, "fileName"},   {FileTypeRole, "fileType"}, {SizesRole, "sizes"},
-            {BadgesRole, "badges"},       {CoordinateRole, "coordinate"}};
+            {BadgesRole, "badges"},       {CoordinateRole, "coordinate"}, {MapPlaceRole, "mapPlace"}};
 }
 
 QStringList DetailTableModel::sources(int row) const {

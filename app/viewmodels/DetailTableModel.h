@@ -27,6 +27,7 @@ public:
         SizesRole,
         BadgesRole,  // list of {symbol, text}
         CoordinateRole,
+        MapPlaceRole,  // for the map: {latitude, longitude, title, heading}, empty without a place
     };
 
     struct Badge {
@@ -65,5 +66,6 @@ private:
     int rows_ = 0;
 
     const TSDataStore& store() const;
+    QVariantMap mapPlace() const;
     bool isVideo() const;
 };

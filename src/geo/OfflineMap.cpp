@@ -118,10 +118,13 @@ std::shared_ptr<const OfflineMap> OfflineMap::load(const QString& path, const Pl
             if (from > to || to > h.pointCount) return false;
             Line line;
             line.points.reserve(to - from);
+            // Longitudes past ±180 stay there (rings across the antimeridian), so x isn't wrapped.
             for (quint32 p = from; p < to; ++p)
-                line.points.push_back(mercator::project({coords[2 * p + 1], coords[2 * p]}, 0));
+                line.points.push_back({(double(coords[2 * p]) + 180) / 360 * mercator::tileSize,
+                                       mercator::project({coords[2 * p + 1], 0}, 0).y()});
             line.bounds = boundsOf(line.points);
-            into.push_back(std::move(line));
+            // A line needs two points, a ring three; fewer is nothing to draw.
+            if (line.points.size() >= 2) into.push_back(std::move(line));
         }
         return true;
     };
@@ -149,6 +152,10 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(QRectF(QPointF(), viewSize), colours.sea);
+    if (!std::isfinite(centre.x()) || !std::isfinite(centre.y()) || !std::isfinite(scale)) {
+        painter.restore();
+        return;
+    }
 
     const double world = mercator::tileSize * scale;
     // Each copy of the world the view reaches, by its offset in world pixels.
@@ -165,7 +172,10 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
             if (!ring.bounds.intersects(inZoom0)) continue;
             std::vector<QPointF> points;
             points.reserve(ring.points.size());
-            for (const QPointF& p : ring.points) points.push_back(toView(p));
+            // Points closer than a pixel to the last one kept add nothing but time.
+            for (const QPointF& p : ring.points)
+                if (const QPointF v = toView(p); points.empty() || (v - points.back()).manhattanLength() >= 1)
+                    points.push_back(v);
             if (!inZoom0.contains(ring.bounds)) points = clipRing(points, clip);
             if (points.size() < 3) continue;
             land.addPolygon(QPolygonF(QList<QPointF>(points.begin(), points.end())));
@@ -175,19 +185,23 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
             if (!border.bounds.intersects(inZoom0)) continue;
             // Only the segments that reach the view, each run of them as one line.
             bool drawing = false;
-            for (size_t i = 0; i + 1 < border.points.size(); ++i) {
-                const QPointF a = toView(border.points[i]), b = toView(border.points[i + 1]);
+            QPointF a = toView(border.points.front());
+            for (size_t i = 1; i < border.points.size(); ++i) {
+                const QPointF b = toView(border.points[i]);
+                if ((b - a).manhattanLength() < 1 && i + 1 < border.points.size()) continue;
                 const bool seen = std::max(a.x(), b.x()) >= clip.left() && std::min(a.x(), b.x()) <= clip.right() &&
                                   std::max(a.y(), b.y()) >= clip.top() && std::min(a.y(), b.y()) <= clip.bottom();
                 if (seen && !drawing) borders.moveTo(a);
                 if (seen) borders.lineTo(b);
                 drawing = seen;
+                a = b;
             }
         }
     }
     painter.fillPath(land, colours.land);
     painter.strokePath(land, QPen(colours.coast, 0.8));
-    QPen borderPen(colours.border, zoom < 4 ? 0.7 : 1.2, Qt::DashLine);
+    // Dashes cost a great deal on a whole continent; below country zoom a thin line reads as well.
+    QPen borderPen(colours.border, zoom < 4 ? 0.7 : 1.2, zoom < 4 ? Qt::SolidLine : Qt::DashLine);
     painter.strokePath(borders, borderPen);
 
     // Towns, most populous first; a label that would overlap an earlier one is left out.
@@ -211,10 +225,14 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
             painter.setPen(QPen(colours.halo, 1.5));
             painter.setBrush(colours.dot);
             painter.drawEllipse(p, t.population >= 1'000'000 ? 3.5 : 2.5, t.population >= 1'000'000 ? 3.5 : 2.5);
-            QPainterPath text;
-            text.addText(label.left(), label.top() + metrics.ascent(), font, t.name);
-            painter.strokePath(text, QPen(colours.halo, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            painter.fillPath(text, colours.label);
+            // The halo as the text drawn around itself: glyphs come from the cache, where a
+            // stroked outline would be worked out anew each frame.
+            const QPointF baseline(label.left(), label.top() + metrics.ascent());
+            painter.setPen(colours.halo);
+            for (const QPointF d : {QPointF(-1, 0), QPointF(1, 0), QPointF(0, -1), QPointF(0, 1)})
+                painter.drawText(baseline + d, t.name);
+            painter.setPen(colours.label);
+            painter.drawText(baseline, t.name);
         }
     }
     painter.restore();

@@ -32,8 +32,8 @@ QString TileSource::defaultCacheDir() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/tessorin/tiles";
 }
 
-QString TileSource::attribution() const {
-    return QUrl(urlTemplate_).host().endsWith("openstreetmap.org") ? QStringLiteral("© OpenStreetMap contributors")
+QString TileSource::attribution(const QString& urlTemplate) {
+    return QUrl(urlTemplate.trimmed()).host().endsWith("openstreetmap.org") ? QStringLiteral("© OpenStreetMap contributors")
                                                                    : QString();
 }
 

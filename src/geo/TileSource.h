@@ -33,8 +33,8 @@ public:
 
     bool isEnabled() const { return !urlTemplate_.isEmpty(); }
     QString urlTemplate() const { return urlTemplate_; }
-    // What the map must show beside the tiles: OpenStreetMap's notice for its servers.
-    QString attribution() const;
+    // What the map must show beside the tiles of a template: OpenStreetMap's notice for its servers.
+    static QString attribution(const QString& urlTemplate);
     QUrl url(const mercator::TileId& tile) const;
 
     // The decoded tile when it is at hand; otherwise nothing, and the tile is asked for

@@ -32,10 +32,12 @@ GeoCoordinate unproject(const QPointF& p, double zoom) {
 }
 
 TileId tileAt(const GeoCoordinate& c, int zoom) {
+    zoom = std::clamp(zoom, 0, maxZoom);
     const QPointF p = project(c, zoom);
-    const int last = (1 << zoom) - 1;
-    return {zoom, std::clamp(int(std::floor(p.x() / tileSize)), 0, last),
-            std::clamp(int(std::floor(p.y() / tileSize)), 0, last)};
+    const double last = (1 << zoom) - 1;
+    // Clamped as doubles first: a value out of int's range (or NaN) has no int to become.
+    auto index = [last](double v) { return int(v >= 0 ? std::min(std::floor(v / tileSize), last) : 0); };
+    return {zoom, index(p.x()), index(p.y())};
 }
 
 double metresPerPixel(double latitude, double zoom) {

@@ -46,8 +46,15 @@ TEST(OfflineMap, LandAndSeaAtWorldCountryAndCityZoom) {
     // The whole world at zoom 0 is 256 pixels wide: a wider view shows it twice.
     const GeoCoordinate atlantic{20, -40};
     const QImage world = drawn(*map, atlantic, 0);
-    EXPECT_TRUE(near(at(world, atlantic, {23, 10}, 0), land)) << "Sahara";
-    EXPECT_TRUE(near(at(world, atlantic, {23, 10}, 0, -256), land)) << "Sahara, one world to the west";
+    EXPECT_TRUE(near(at(world, atlantic, {-25, 134}, 0), land)) << "Australia";
+    EXPECT_TRUE(near(at(world, atlantic, {-25, 134}, 0, -256), land)) << "Australia, one world to the west";
+
+    // Across the antimeridian, Chukotka is land on both sides and the Bering Sea is sea.
+    const GeoCoordinate bering{64, -175};
+    const QImage strait = drawn(*map, bering, 4);
+    EXPECT_TRUE(near(at(strait, bering, {67, -176}, 4), land));
+    EXPECT_TRUE(near(at(strait, bering, {66, 176}, 4, -mercator::worldSize(4)), land));
+    EXPECT_TRUE(near(at(strait, bering, {60, -175}, 4), sea));
     EXPECT_TRUE(near(at(world, atlantic, {-5, -150}, 0, 256), sea)) << "Pacific";
     EXPECT_TRUE(near(at(world, atlantic, {30, -40}, 0), sea)) << "Atlantic";
 

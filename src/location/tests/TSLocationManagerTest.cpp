@@ -1,6 +1,7 @@
 #include "TSLocationManager.h"
 
 #include "Geocoder.h"
+#include "Isolation.h"
 #include "TSGeocoder.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +9,6 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QNmeaPositionInfoSource>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <cmath>
@@ -29,11 +28,9 @@ QByteArray rmc(double lat, double lon, const char* time) {
     return ('$' + body + QStringLiteral("*%1\r\n").arg(sum, 2, 16, QLatin1Char('0')).toUpper()).toLatin1();
 }
 
-class LocationManager : public ::testing::Test {
+class LocationManager : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
         // The offline place data, as the app uses it with no geocoder address set.
         TSGeocoder::setGeocoder(std::make_shared<Geocoder>());
     }
@@ -41,7 +38,7 @@ protected:
 
     // A manager that replays a recorded log of sentences, as a receiver would deliver them.
     std::unique_ptr<TSLocationManager> replaying(const QByteArray& log) {
-        const QString path = dir_.filePath("track.nmea");
+        const QString path = isolation().root() + "/track.nmea";
         QFile f(path);
         EXPECT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(log);
@@ -65,7 +62,6 @@ protected:
         if (!done()) loop.exec();
         return done();
     }
-    QTemporaryDir dir_;
 };
 
 }  // namespace

@@ -2,26 +2,20 @@
 
 #include "PropertyKeys.h"
 #include "Settings.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <QJsonObject>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
-class Getters : public ::testing::Test {
+class Getters : public testsupport::IsolatedTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     static TSMetaData gps(const QVariantMap& gps) {
         return TSMetaData::fromProperties(QVariantMap{{kCGImagePropertyGPSDictionary, gps}});
     }
-    QTemporaryDir dir_;
 };
 
 // Every corpus photo that records a camera direction, checked against exiftool's reading.

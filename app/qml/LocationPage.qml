@@ -1,0 +1,115 @@
+// The location screen: search results, the present position, a place from a photo or from the
+// map, the photo's own place and the recent places; the checked row's place is delivered on
+// leaving.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Tessorin
+
+Page {
+    id: page
+    title: LocationScreen.title
+    signal mapPickerRequested()
+    // The position is asked for while the screen is on top; leaving it hands back the choice.
+    StackView.onActivated: LocationScreen.appear()
+    StackView.onRemoved: LocationScreen.leave()
+
+    Connections {
+        target: LocationScreen
+        function onPhotoPickerRequested() { photoDialog.open() }
+        function onMapPickerRequested() { page.mapPickerRequested() }
+        function onAlert(title, message) { alert.title = title; alert.text = message; alert.open() }
+    }
+
+    // (Not a ToolBar: that name is the detail toolbar's model here.)
+    header: Pane {
+        padding: 0
+        implicitHeight: 52
+        background: Rectangle { color: "#F9F9F9" }
+        TextField {
+            anchors.fill: parent
+            anchors.margins: 6
+            placeholderText: LocationScreen.placeholder
+            onAccepted: { LocationScreen.search(text); focus = false }
+        }
+    }
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        model: LocationScreen.sections
+        delegate: Column {
+            id: section
+            required property var modelData
+            required property int index
+            width: list.width
+            Label {
+                visible: section.modelData.header !== ""
+                text: section.modelData.header
+                leftPadding: 16
+                topPadding: 12
+                bottomPadding: 4
+                font.pixelSize: 13
+                color: "#6C6C70"
+            }
+            Repeater {
+                model: section.modelData.rows
+                ItemDelegate {
+                    id: row
+                    required property var modelData
+                    required property int index
+                    width: list.width
+                    icon.source: modelData.image === "" || modelData.image === "thumbnail" ? ""
+                                 : "qrc:/icons/" + modelData.image + ".svg"
+                    onClicked: LocationScreen.tap(section.index, index)
+                    contentItem: RowLayout {
+                        spacing: 10
+                        Image {
+                            visible: row.icon.source != ""
+                            source: row.icon.source
+                            sourceSize: Qt.size(22, 22)
+                        }
+                        ColumnLayout {
+                            Layout.fillWidth: true
+                            spacing: 1
+                            Label { Layout.fillWidth: true; text: row.modelData.title; elide: Text.ElideRight; font.pixelSize: 16 }
+                            Label {
+                                Layout.fillWidth: true
+                                visible: text !== ""
+                                text: row.modelData.subtitle
+                                elide: Text.ElideRight
+                                font.pixelSize: 13
+                                color: "#6C6C70"
+                            }
+                        }
+                        Label { visible: row.modelData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+                        Image {
+                            visible: row.modelData.disclosure
+                            source: "qrc:/icons/chevron.right.svg"
+                            sourceSize: Qt.size(14, 14)
+                        }
+                    }
+                }
+            }
+        }
+    }
+
+    FileDialog {
+        id: photoDialog
+        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng)"]
+        onAccepted: LocationScreen.choosePhoto(selectedFile)
+    }
+
+    Dialog {
+        id: alert
+        anchors.centerIn: Overlay.overlay
+        modal: true
+        property alias text: alertText.text
+        Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
+        footer: DialogButtonBox {
+            Button { text: "Settings"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            Button { text: "Cancel"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+        }
+    }
+}
