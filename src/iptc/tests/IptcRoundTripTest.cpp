@@ -196,4 +196,26 @@ TEST(IptcRoundTrip, TemplateFileThenSetAndRemove) {
     EXPECT_EQ(tagsOf(written).value("IPTC:City").toString(), "Poznań");
 }
 
+TEST(IptcRoundTrip, OlderLatin1TextsReadTheSameOnceTheEnvelopeSaysUtf8) {
+    const QString source = corpusDir() + "/jpeg/Canon_40D.jpg";
+    ASSERT_TRUE(QFileInfo::exists(source));
+    QTemporaryDir dir;
+    const QString file = dir.filePath("latin1.jpg");
+    ASSERT_TRUE(QFile::copy(source, file));
+    // A file from an older tool: IIM in Latin-1, with no character set named.
+    ProcessResult r = run("exiftool", {"-q", "-overwrite_original", "-charset", "iptc=Latin1", QString::fromUtf8("-IPTC:City=Zürich"), file});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    QJsonObject a = tagsOf(file);
+    ASSERT_FALSE(a.contains("IPTC:CodedCharacterSet"));
+    ASSERT_EQ(a.value("IPTC:City").toString(), QString::fromUtf8("Zürich"));
+
+    r = cli({"edit", "--set", QString::fromUtf8("IPTC_HEADLINE=東京"), file, "--in-place"});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    a = tagsOf(file);
+    EXPECT_EQ(a.value("IPTC:CodedCharacterSet").toString(), "\x1b%G");
+    EXPECT_EQ(a.value("IPTC:Headline").toString(), QString::fromUtf8("東京"));
+    EXPECT_EQ(a.value("IPTC:City").toString(), QString::fromUtf8("Zürich"));
+    EXPECT_EQ(exiv2Values(file).value("Iptc.Application2.City"), QString::fromUtf8("Zürich"));
+}
+
 }  // namespace
