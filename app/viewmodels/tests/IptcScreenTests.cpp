@@ -1,38 +1,27 @@
 // The IPTC screen's view model as the page drives it: rows for many photos, the pick lists, and
 // the template form's Cancel and Done followed by Apply.
 #include "IptcViewModel.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 
 using namespace testsupport;
 
 namespace {
 
-class IptcScreen : public ::testing::Test {
+class IptcScreen : public IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(home_.isValid());
-        for (const char* v : {"HOME", "XDG_CONFIG_HOME"}) saved_.emplace_back(v, qgetenv(v));
-        qputenv("HOME", home_.path().toUtf8());
-        qputenv("XDG_CONFIG_HOME", home_.filePath("config").toUtf8());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home_.filePath("settings"));
         ASSERT_TRUE(model_.openPhotos({corpusDir() + "/jpeg/Canon_40D.jpg", corpusDir() + "/jpeg/DSC_3079.jpg",
                                        corpusDir() + "/heif/IMG_5195.HEIC"}));
     }
-    void TearDown() override {
-        for (const auto& [name, value] : saved_) qputenv(name, value);
-    }
     QVariant at(int row, IptcViewModel::Role role) const { return model_.data(model_.index(row), role); }
 
-    QTemporaryDir home_;
-    std::vector<std::pair<const char*, QByteArray>> saved_;
     IptcViewModel model_;
 };
 
@@ -67,7 +56,7 @@ TEST_F(IptcScreen, ManyPhotosAndThePickLists) {
 
 TEST_F(IptcScreen, TemplateFormCancelDoneThenApply) {
     const QString file = QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).filePath("template_0.json");
-    ASSERT_TRUE(file.startsWith(home_.path()));
+    ASSERT_TRUE(file.startsWith(isolation().root()));
     model_.setText(5, "kept");  // an edit the template does not touch
 
     model_.editTemplate();

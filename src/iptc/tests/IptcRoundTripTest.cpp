@@ -1,6 +1,7 @@
 // Every field of the IPTC editor and the creator contact group, set on three photos at once by
 // `tessorin-cli edit`: exiftool and exiv2, run live, must read each value back in IIM and XMP
 // (XMP alone for HEIC), non-ASCII text intact, and every other tag as it was.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +87,9 @@ QMultiMap<QString, QString> exiv2Values(const QString& path) {
     return out;
 }
 
+// The tool saves recent places and dates: each test runs with folders and settings of its own.
+using IptcRoundTrip = IsolatedTest;
+
 QJsonObject tagsOf(const QString& path) { return exiftoolJson(path, {"-n", "-G1", "-a"}).toObject(); }
 
 // What the edit may change beyond the fields: the groups it writes, the TIFF homes of author,
@@ -100,7 +104,7 @@ bool mayChange(const QString& tag) {
     return false;
 }
 
-TEST(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
+TEST_F(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
     const QStringList sources{corpusDir() + "/jpeg/Canon_40D.jpg", corpusDir() + "/heif/IMG_5195.HEIC",
                               corpusDir() + "/tiff/Arbitro.tiff"};
     for (const QString& s : sources) ASSERT_TRUE(QFileInfo::exists(s)) << "corpus file missing: " << s.toStdString();
@@ -156,7 +160,7 @@ TEST(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
     }
 }
 
-TEST(IptcRoundTrip, TemplateFileThenSetAndRemove) {
+TEST_F(IptcRoundTrip, TemplateFileThenSetAndRemove) {
     const QString source = corpusDir() + "/jpeg/Canon_40D.jpg";
     ASSERT_TRUE(QFileInfo::exists(source));
     QTemporaryDir dir;
@@ -196,7 +200,7 @@ TEST(IptcRoundTrip, TemplateFileThenSetAndRemove) {
     EXPECT_EQ(tagsOf(written).value("IPTC:City").toString(), "Poznań");
 }
 
-TEST(IptcRoundTrip, OlderLatin1TextsReadTheSameOnceTheEnvelopeSaysUtf8) {
+TEST_F(IptcRoundTrip, OlderLatin1TextsReadTheSameOnceTheEnvelopeSaysUtf8) {
     const QString source = corpusDir() + "/jpeg/Canon_40D.jpg";
     ASSERT_TRUE(QFileInfo::exists(source));
     QTemporaryDir dir;
