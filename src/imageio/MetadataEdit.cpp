@@ -365,9 +365,24 @@ struct Editor {
             b.iptc.add(key, value.get());
             nonAscii |= !isAscii(item);
         }
-        // IIM texts are Latin-1 unless the envelope says UTF-8.
+        if (nonAscii) utf8Envelope(b.iptc);
+    }
+
+    // IIM texts are Latin-1 unless the envelope says UTF-8. Once it says so, the file's older
+    // texts that are not UTF-8 are taken as Latin-1 and stored as UTF-8, so that they still read
+    // the same.
+    static void utf8Envelope(Exiv2::IptcData& iptc) {
         const Exiv2::IptcKey charset("Iptc.Envelope.CharacterSet");
-        if (nonAscii && b.iptc.findKey(charset) == b.iptc.end()) b.iptc[charset.key()] = std::string("\x1b%G");
+        const auto marker = iptc.findKey(charset);
+        if (marker != iptc.end() && marker->toString() == "\x1b%G") return;
+        for (auto& d : iptc) {
+            if (d.record() != Exiv2::IptcDataSets::application2 || d.typeId() != Exiv2::string) continue;
+            const std::string raw = d.toString();
+            const QByteArray bytes = QByteArray::fromStdString(raw);
+            if (QString::fromUtf8(bytes).toUtf8() == bytes) continue;  // already UTF-8 (or ASCII)
+            d.setValue(QString::fromLatin1(bytes).toStdString());
+        }
+        iptc[charset.key()] = std::string("\x1b%G");
     }
 
     void contact(const PropertyDict& old, const QVariant& wish) {

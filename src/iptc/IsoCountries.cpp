@@ -1,5 +1,7 @@
 #include "IsoCountries.h"
 
+#include <algorithm>
+
 namespace {
 
 struct Row {
@@ -59,9 +61,11 @@ QList<IsoCountryInfo> searchByName(const QString& text) {
 }
 
 QString flag(const QString& alpha2) {
-    if (alpha2.isEmpty()) return QStringLiteral("-");
+    const QString upper = alpha2.toUpper();
+    if (upper.isEmpty() || !std::all_of(upper.begin(), upper.end(), [](QChar c) { return c >= 'A' && c <= 'Z'; }))
+        return QStringLiteral("-");
     QString out;
-    for (QChar ch : alpha2.toUpper()) {
+    for (QChar ch : upper) {
         const char32_t indicator = 0x1F1E6 + (ch.unicode() - 'A');
         out += QString::fromUcs4(&indicator, 1);
     }

@@ -28,7 +28,7 @@ namespace IsoCountryCodes {
 IsoCountryInfo find(const QString& key);
 // The rows whose name equals the text, ignoring case and accents.
 QList<IsoCountryInfo> searchByName(const QString& text);
-// The flag of an alpha-2 code in regional indicator letters; "-" for no code.
+// The flag of an alpha-2 code in regional indicator letters; "-" for no code or one that is no letters.
 QString flag(const QString& alpha2);
 }  // namespace IsoCountryCodes
 

@@ -49,6 +49,7 @@ TEST(Countries, FindByEitherCodeAndSearchByName) {
 
 TEST(Countries, ListLabelsAndChooser) {
     EXPECT_EQ(IsoCountryCodes::flag("de"), QString::fromUtf8("\xF0\x9F\x87\xA9\xF0\x9F\x87\xAA"));
+    EXPECT_EQ(IsoCountryCodes::flag("1!"), "-");
     const auto elements = IsoCountryCodes::countryElements();
     ASSERT_EQ(elements.size(), 251);
     EXPECT_EQ(elements[0], (ChoosingElement{QString::fromUtf8("\xF0\x9F\x87\xA6\xF0\x9F\x87\xAB AFG Afghanistan"), "AFG"}));

@@ -2,12 +2,11 @@
 #include "IptcEditorModel.h"
 #include "ImageWriter.h"
 #include "PropertyKeys.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
-#include <QTemporaryDir>
 
 using namespace testsupport;
 
@@ -15,11 +14,9 @@ namespace {
 
 const QString kCapture = QStringLiteral("http://cv.iptc.org/newscodes/digitalsourcetype/digitalCapture");
 
-class IptcEditor : public ::testing::Test {
+class IptcEditor : public IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
         const QByteArray source = readFile(corpusDir() + "/jpeg/Canon_40D.jpg");
         ASSERT_FALSE(source.isEmpty()) << "corpus missing";
         const imageio::PropertyDict iptc{
@@ -34,7 +31,6 @@ protected:
         const TSDataStore store;
         settings_.emplace(record_, store);
     }
-    QTemporaryDir dir_;
     TSMetaData record_;
     std::optional<UserSettings> settings_;
 };

@@ -1,6 +1,7 @@
 // Every field of the IPTC editor and the creator contact group, set on three photos at once by
 // `tessorin-cli edit`: exiftool and exiv2, run live, must read each value back in IIM and XMP
 // (XMP alone for HEIC), non-ASCII text intact, and every other tag as it was.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -86,6 +87,9 @@ QMultiMap<QString, QString> exiv2Values(const QString& path) {
     return out;
 }
 
+// The tool saves recent places and dates: each test runs with folders and settings of its own.
+using IptcRoundTrip = IsolatedTest;
+
 QJsonObject tagsOf(const QString& path) { return exiftoolJson(path, {"-n", "-G1", "-a"}).toObject(); }
 
 // What the edit may change beyond the fields: the groups it writes, the TIFF homes of author,
@@ -100,7 +104,7 @@ bool mayChange(const QString& tag) {
     return false;
 }
 
-TEST(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
+TEST_F(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
     const QStringList sources{corpusDir() + "/jpeg/Canon_40D.jpg", corpusDir() + "/heif/IMG_5195.HEIC",
                               corpusDir() + "/tiff/Arbitro.tiff"};
     for (const QString& s : sources) ASSERT_TRUE(QFileInfo::exists(s)) << "corpus file missing: " << s.toStdString();
@@ -156,7 +160,7 @@ TEST(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
     }
 }
 
-TEST(IptcRoundTrip, TemplateFileThenSetAndRemove) {
+TEST_F(IptcRoundTrip, TemplateFileThenSetAndRemove) {
     const QString source = corpusDir() + "/jpeg/Canon_40D.jpg";
     ASSERT_TRUE(QFileInfo::exists(source));
     QTemporaryDir dir;
@@ -194,6 +198,28 @@ TEST(IptcRoundTrip, TemplateFileThenSetAndRemove) {
     EXPECT_EQ(r.exitCode, 2);
     EXPECT_TRUE(r.err.contains("no template file")) << r.err.toStdString();
     EXPECT_EQ(tagsOf(written).value("IPTC:City").toString(), "Poznań");
+}
+
+TEST_F(IptcRoundTrip, OlderLatin1TextsReadTheSameOnceTheEnvelopeSaysUtf8) {
+    const QString source = corpusDir() + "/jpeg/Canon_40D.jpg";
+    ASSERT_TRUE(QFileInfo::exists(source));
+    QTemporaryDir dir;
+    const QString file = dir.filePath("latin1.jpg");
+    ASSERT_TRUE(QFile::copy(source, file));
+    // A file from an older tool: IIM in Latin-1, with no character set named.
+    ProcessResult r = run("exiftool", {"-q", "-overwrite_original", "-charset", "iptc=Latin1", QString::fromUtf8("-IPTC:City=Zürich"), file});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    QJsonObject a = tagsOf(file);
+    ASSERT_FALSE(a.contains("IPTC:CodedCharacterSet"));
+    ASSERT_EQ(a.value("IPTC:City").toString(), QString::fromUtf8("Zürich"));
+
+    r = cli({"edit", "--set", QString::fromUtf8("IPTC_HEADLINE=東京"), file, "--in-place"});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    a = tagsOf(file);
+    EXPECT_EQ(a.value("IPTC:CodedCharacterSet").toString(), "\x1b%G");
+    EXPECT_EQ(a.value("IPTC:Headline").toString(), QString::fromUtf8("東京"));
+    EXPECT_EQ(a.value("IPTC:City").toString(), QString::fromUtf8("Zürich"));
+    EXPECT_EQ(exiv2Values(file).value("Iptc.Application2.City"), QString::fromUtf8("Zürich"));
 }
 
 }  // namespace

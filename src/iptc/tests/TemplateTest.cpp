@@ -2,39 +2,30 @@
 #include "TemplateModel.h"
 #include "PropertyKeys.h"
 #include "UserSettings.h"
+#include "Isolation.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 
 namespace {
 
-class Template : public ::testing::Test {
+class Template : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(home_.isValid());
-        for (const char* v : {"HOME", "XDG_CONFIG_HOME"}) saved_.emplace_back(v, qgetenv(v));
-        qputenv("HOME", home_.path().toUtf8());
-        qputenv("XDG_CONFIG_HOME", home_.filePath("config").toUtf8());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home_.filePath("settings"));
-        ASSERT_TRUE(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).startsWith(home_.path()));
+        ASSERT_TRUE(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).startsWith(isolation().root()));
     }
-    void TearDown() override {
-        for (const auto& [name, value] : saved_) qputenv(name, value);
+    static QString file() {
+        return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)).filePath("template_0.json");
     }
-    QString file() const { return QDir(home_.path()).filePath("Documents/template_0.json"); }
-    void write(const QByteArray& text) const {
+    static void write(const QByteArray& text) {
         QDir().mkpath(QFileInfo(file()).absolutePath());
         QFile f(file());
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(text);
     }
-    QTemporaryDir home_;
-    std::vector<std::pair<const char*, QByteArray>> saved_;
 };
 
 TEST_F(Template, FileIsOneFlatArrayOfKeysAndValues) {
