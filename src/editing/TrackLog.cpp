@@ -140,7 +140,8 @@ std::optional<double> nmeaDegrees(const QByteArray& value, const QByteArray& hem
 }
 
 std::optional<QTime> nmeaTime(const QByteArray& t) {
-    if (t.size() < 6) return std::nullopt;
+    // hhmmss with up to three decimals of a second.
+    if (t.size() < 6 || t.size() > 10) return std::nullopt;
     const QTime time(t.left(2).toInt(), t.mid(2, 2).toInt(), t.mid(4, 2).toInt(),
                      t.size() > 7 ? int(std::lround(t.mid(6).toDouble() * 1000)) % 1000 : 0);
     return time.isValid() ? std::optional(time) : std::nullopt;
