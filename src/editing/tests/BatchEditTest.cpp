@@ -6,6 +6,7 @@
 #include "ImageDecoder.h"
 #include "PropertyKeys.h"
 #include "TSError.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -13,31 +14,21 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QSettings>
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <functional>
-#include <ctime>
 
 using namespace testsupport;
 
 namespace {
 
-class BatchEdit : public ::testing::Test {
+// Isolated: settings, folders, locale and TZ=UTC, in which camera clocks without a zone are read
+// by us and by exiftool alike.
+class BatchEdit : public IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.filePath("settings"));
-        // Camera clocks without a zone are read in the system's zone: UTC here, for us and exiftool.
-        oldTz_ = qgetenv("TZ");
-        qputenv("TZ", "UTC");
-        tzset();
-        QDir(dir_.path()).mkpath("out");
-    }
-    void TearDown() override {
-        qputenv("TZ", oldTz_);
-        tzset();
+        ASSERT_TRUE(QDir(isolation().root()).mkpath("work/out"));
+        dir_ = QDir(isolation().root() + "/work");
     }
 
     // A copy of a sample with tags set by exiftool, so that inputs don't come from our writer.
@@ -88,8 +79,7 @@ protected:
         return f.fileName();
     }
 
-    QTemporaryDir dir_;
-    QByteArray oldTz_;
+    QDir dir_;  // the test's files, apart from the isolated HOME and XDG folders
 };
 
 BatchWishes with(const std::function<void(BatchWishes&)>& set) {
