@@ -25,6 +25,8 @@ packages=(
   libsqlite3-dev libsystemd-dev
   # ISO 3166 country names and their translations, for the place data
   iso-codes
+  # time zone rules by name (edit --zone Europe/Rome), read by QTimeZone
+  tzdata
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
