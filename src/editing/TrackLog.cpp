@@ -1,4 +1,7 @@
 #include "TrackLog.h"
+// QXmlStreamReader does the XML; the few elements of the three formats are picked out here by
+// hand, as no packaged library reads GPX, KML and NMEA files alike (gpsd reads NMEA from live
+// receivers only).
 
 #include <QDateTime>
 #include <QFile>
@@ -265,6 +268,8 @@ std::optional<TrackFix> TrackLog::at(qint64 msecs, qint64 maxGapMsecs) const {
     const TrackPoint& a = *std::prev(later);
     const TrackPoint& b = *later;
     if (a.segment != b.segment || b.msecs - a.msecs > maxGapMsecs) return std::nullopt;
+    // Linear in degrees: over the short gaps bridged this is within centimetres of the great
+    // circle (a log crossing the 180th meridian between two points is not bridged correctly).
     const double f = double(msecs - a.msecs) / double(b.msecs - a.msecs);
     TrackFix fix;
     fix.latitude = a.latitude + (b.latitude - a.latitude) * f;
