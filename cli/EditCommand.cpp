@@ -1,14 +1,18 @@
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
+#include "Arguments.h"
 #include "Commands.h"
+#include "FileArgs.h"
 
 #include "BatchEdit.h"
 #include "DateShift.h"
 #include "ExifModifier.h"
 #include "Formatter.h"
 #include "HRLocation.h"
+#include "IptcKeys.h"
 #include "ImageWriter.h"
 #include "TSAsset.h"
 #include "TSError.h"
+#include "TemplateModel.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -23,26 +27,16 @@ std::function<int(const QStringList&)>& movieEditor() {
     return editor;
 }
 
-int usage(const QString& problem) {
-    printError("tessorin-cli edit: " + problem + "\n"
-               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n"
-               "wishes:\n"
-               "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
-               "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
-               "  --location TEXT                        a place, in degrees or decimal\n"
-               "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
-               "  --orientation N                        1 to 8\n"
-               "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
-               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n"
-               "each photo from its own values:\n"
-               "  --shift [+-][D ]H:MM[:SS]               move every date (\"+0:52\", \"-1 2:00:00\")\n"
-               "  --zone +HH:MM|ZONE [--keep-instant]     set the time zone (\"Europe/Rome\"), keeping the\n"
-               "                                         local times or, with --keep-instant, the instant\n"
-               "  --geotag TRACK [--geotag-offset [+-]H:MM[:SS]] [--max-gap 5m]\n"
-               "                                         the place from a GPX, KML or NMEA log\n"
-               "  --strip private|location|dates          remove private data, the place or the dates\n");
-    return 2;
-}
+int usage(const QString& problem) { return cli::usageError("edit", problem); }
+
+// Every option of `edit`, for photos and movies alike.
+const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
+    {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
+    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},         {"--no-location"},
+    {"--no-date"},            {"--no-tags"},                  {"--in-place"},           {"--keep-original"},
+    {"--render"},             {"--template", "", true},
+    {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},   {"--geotag-offset", "", true},
+    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant"}};
 
 struct Target {
     QString outputDir;
@@ -57,6 +51,7 @@ struct Wishes {
     bool noLocation = false, noDate = false, noTags = false;
     std::optional<int> orientation;
     QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
+    std::optional<TemplateModel> iptcTemplate;
 };
 
 void applyWishes(const Wishes& w, UserSettings& settings) {
@@ -69,9 +64,11 @@ void applyWishes(const Wishes& w, UserSettings& settings) {
     settings.switchers.set(Sections::location, w.noLocation);
     settings.switchers.set(Sections::noTags, w.noTags);
     if (w.orientation) settings.setOrientation(*w.orientation);
+    if (w.iptcTemplate) w.iptcTemplate->apply(settings);
     for (const auto& [key, text] : w.tags) {
         if (key == TSKey::IPTC_CREATOR_CONTACT_INFO) continue;
-        settings.properties.set(text, coord(key)->key);
+        if (TSKeys::iptcContactKeys().contains(key)) settings.creatorContactInfo.properties.set(text, coord(key)->key);
+        else settings.properties.set(text, coord(key)->key);
     }
 }
 
@@ -126,24 +123,21 @@ bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
 
 void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor() = std::move(editor); }
 
-int editCommand(const QStringList& args) {
+int editCommand(const QStringList& rawArgs) {
+    cli::Arguments parsed;
+    if (auto rc = cli::parse("edit", rawArgs, editOptions, parsed)) return *rc;
     Wishes wishes;
     BatchWishes batch;
     QString trackPath;
     Target target;
-    QStringList files, passOn;
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
-        static const QStringList batchWithValue{"--shift", "--zone", "--geotag", "--geotag-offset", "--max-gap", "--strip"};
-        QString value;
-        if (withValue.contains(a) || batchWithValue.contains(a)) {
-            if (i + 1 >= args.size()) return usage(a + " needs a value");
-            value = args[++i];
-            if (withValue.contains(a)) passOn << a << value;
-        } else if (a.startsWith('-') && a != "--keep-instant") {
-            passOn << a;
-        }
+    QStringList passOn;  // what the movie editor is given besides the movies
+    for (const auto& [a, value] : parsed.options) {
+        // movies carry no IPTC, and the file list is the movie editor's own
+        static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template", "--shift", "--zone",
+                                            "--keep-instant", "--geotag", "--geotag-offset", "--max-gap", "--strip"};
+        const bool forMovies = !photosOnly.contains(a);
+        if (forMovies) passOn << a;
+        if (forMovies && !value.isNull()) passOn << value;
         if (a == "--date" || a == "--digitized-date") {
             auto date = Formatter::exifDate(value);
             if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
@@ -162,9 +156,15 @@ int editCommand(const QStringList& args) {
             const qsizetype eq = value.indexOf('=');
             if (a == "--set" && eq <= 0) return usage("--set takes KEY=VALUE");
             const QString name = a == "--set" ? value.left(eq) : value;
-            const auto key = EditKeys::editableKey(name);
+            auto key = EditKeys::editableKey(name);
+            if (!key) key = iptc::contactKey(name);
             if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
             wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
+        } else if (a == "--template") {
+            QFile file(value);
+            const auto values = file.open(QIODevice::ReadOnly) ? TemplateModel::decode(file.readAll()) : std::nullopt;
+            if (!values) return usage("'" + value + "' is no template file");
+            wishes.iptcTemplate.emplace(TemplateModel::fromValues(*values));
         } else if (a == "--shift" || a == "--geotag-offset") {
             const auto seconds = DateShift::parseOffset(value);
             if (!seconds) return usage("'" + value + "' is no offset of the form [+-][D ]H:MM[:SS]");
@@ -201,18 +201,15 @@ int editCommand(const QStringList& args) {
             target.keepOriginal = true;
         } else if (a == "--render") {
             target.render = true;
-        } else if (a.startsWith('-')) {
-            return usage("unknown option " + a);
-        } else {
-            files << a;
         }
     }
-    if (files.isEmpty()) return usage("no files given");
     if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())
         return usage("no folder " + target.outputDir);
+    const auto files = cli::expandFiles("edit", parsed);
+    if (!files) return 2;
 
     if (!trackPath.isEmpty()) {
         QString problem;
@@ -231,7 +228,7 @@ int editCommand(const QStringList& args) {
     QStringList movies;
     std::optional<UserSettings> settings;
     bool wroteAny = false;
-    for (const QString& path : files) {
+    for (const QString& path : *files) {
         if (target.outputDir.isEmpty() ? false
                                        : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
                                              QFileInfo(path)) {
@@ -274,7 +271,7 @@ int editCommand(const QStringList& args) {
                 printError(m + (batch.any() ? ": movies take no shift, zone, track log or strip yet\n" : ": movies can't be edited here\n"));
             return 1;
         }
-        const int movieStatus = movieEditor()(passOn + movies);
+        const int movieStatus = movieEditor()(passOn + QStringList{"--"} + movies);
         status = std::max(status, movieStatus);
     }
     return status;
