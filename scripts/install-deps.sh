@@ -25,6 +25,8 @@ packages=(
   libsqlite3-dev libsystemd-dev
   # ISO 3166 country names and their translations, for the place data
   iso-codes
+  # time zone rules by name (edit --zone Europe/Rome), read by QTimeZone
+  tzdata
   # currencies, their minor units and continents for the IPTC country table
   unicode-cldr-core
   # tests and benchmarks

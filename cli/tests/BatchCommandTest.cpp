@@ -1,5 +1,6 @@
 // `edit` with the per-photo options: what they parse, what they report, and that the written
 // files read back through exiftool as wished.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -7,19 +8,17 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QTemporaryDir>
 
 using namespace testsupport;
 
 namespace {
 
-class BatchCommand : public ::testing::Test {
+// Isolated, with TZ=UTC: the tool and exiftool read camera clocks without a zone alike.
+class BatchCommand : public IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        qputenv("XDG_CONFIG_HOME", dir_.filePath("config").toUtf8());
-        qputenv("TZ", "UTC");
-        QDir(dir_.path()).mkpath("out");
+        ASSERT_TRUE(QDir(isolation().root()).mkpath("work/out"));
+        dir_ = QDir(isolation().root() + "/work");
     }
     QString copy(const QString& name, const QStringList& exiftoolArgs) {
         const QString path = dir_.filePath(name);
@@ -28,7 +27,7 @@ protected:
         return path;
     }
     ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), QStringList{"edit"} + args); }
-    QTemporaryDir dir_;
+    QDir dir_;
 };
 
 }  // namespace
@@ -57,7 +56,7 @@ TEST_F(BatchCommand, ShiftGeotagAndStripFromTheCommandLine) {
               "2024:03:05 10:32:00");
 
     QDir(dir_.filePath("out")).removeRecursively();
-    QDir(dir_.path()).mkpath("out");
+    dir_.mkpath("out");
     const auto g = cli({"--geotag", gpx.fileName(), "--geotag-offset", "+0:32", a, "-o", dir_.filePath("out")});
     EXPECT_EQ(g.exitCode, 0) << g.err.toStdString();
     EXPECT_NEAR(exiftoolJson(dir_.filePath("out/a.jpg"), {"-n", "-G1"}).toObject()["GPS:GPSLatitude"].toDouble(), 41.905,

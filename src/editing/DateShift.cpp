@@ -28,7 +28,10 @@ std::optional<QString> shifted(const QString& exifDate, qint64 seconds) {
     QDateTime date = QDateTime::fromString(exifDate.trimmed().left(19), format);
     if (!date.isValid()) return std::nullopt;
     date.setTimeSpec(Qt::UTC);
-    return date.addSecs(seconds).toString(format);
+    // An EXIF date has four digits for its year.
+    date = date.addSecs(seconds);
+    if (date.date().year() < 1 || date.date().year() > 9999) return std::nullopt;
+    return date.toString(format);
 }
 
 bool shiftDates(TagsPhotoModifier& tags, qint64 seconds) {

@@ -13,7 +13,7 @@ namespace DateShift {
 std::optional<qint64> parseOffset(const QString& text);
 
 // An EXIF date text "yyyy:MM:dd HH:mm:ss" moved by `seconds` as wall-clock time (no zone, so no
-// summer-time jumps); nothing when the text is no such date.
+// summer-time jumps); nothing when the text is no such date or the year leaves 1 to 9999.
 std::optional<QString> shifted(const QString& exifDate, qint64 seconds);
 
 // Shifts DateTimeOriginal, DateTimeDigitized and DateTime where the photo has them. True when

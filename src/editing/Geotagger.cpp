@@ -47,7 +47,7 @@ std::optional<QString> geotag(TagsPhotoModifier& tags, const TrackLog& log, cons
     if (!instant) return QStringLiteral("no capture date to find in the track log");
     const QDateTime loggerTime = instant->addSecs(options.clockOffsetSeconds);
     const auto fix = log.at(loggerTime.toMSecsSinceEpoch(), options.maxGapSeconds * 1000);
-    if (!fix) return QStringLiteral("outside the track log at %1 UTC").arg(loggerTime.toString(Qt::ISODate));
+    if (!fix) return QStringLiteral("outside the track log at %1").arg(loggerTime.toString(Qt::ISODate));
 
     tags.setLocation(GeoLocation(fix->latitude, fix->longitude));
     auto& gps = tags.gpsData;

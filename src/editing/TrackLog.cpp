@@ -1,4 +1,7 @@
 #include "TrackLog.h"
+// QXmlStreamReader does the XML; the few elements of the three formats are picked out here by
+// hand, as no packaged library reads GPX, KML and NMEA files alike (gpsd reads NMEA from live
+// receivers only).
 
 #include <QDateTime>
 #include <QFile>
@@ -140,7 +143,8 @@ std::optional<double> nmeaDegrees(const QByteArray& value, const QByteArray& hem
 }
 
 std::optional<QTime> nmeaTime(const QByteArray& t) {
-    if (t.size() < 6) return std::nullopt;
+    // hhmmss with up to three decimals of a second.
+    if (t.size() < 6 || t.size() > 10) return std::nullopt;
     const QTime time(t.left(2).toInt(), t.mid(2, 2).toInt(), t.mid(4, 2).toInt(),
                      t.size() > 7 ? int(std::lround(t.mid(6).toDouble() * 1000)) % 1000 : 0);
     return time.isValid() ? std::optional(time) : std::nullopt;
@@ -264,6 +268,8 @@ std::optional<TrackFix> TrackLog::at(qint64 msecs, qint64 maxGapMsecs) const {
     const TrackPoint& a = *std::prev(later);
     const TrackPoint& b = *later;
     if (a.segment != b.segment || b.msecs - a.msecs > maxGapMsecs) return std::nullopt;
+    // Linear in degrees: over the short gaps bridged this is within centimetres of the great
+    // circle (a log crossing the 180th meridian between two points is not bridged correctly).
     const double f = double(msecs - a.msecs) / double(b.msecs - a.msecs);
     TrackFix fix;
     fix.latitude = a.latitude + (b.latitude - a.latitude) * f;

@@ -112,8 +112,10 @@ TEST(StrippedCopy, WithoutLocationKeepsAllButThePlace) {
         for (auto it = before.begin(); it != before.end(); ++it) {
             const QString group = it.key().section(':', 0, 0);
             if (group == "GPS" || it.key().contains("GPS")) EXPECT_FALSE(after.contains(it.key())) << it.key().toStdString();
+            // Where the blocks sit and which XMP library wrote them may change; nothing else.
             else if (group != "System" && group != "File" && it.key() != "SourceFile" && it.key() != "IFD0:Software" &&
-                     !group.startsWith("Composite") && group != "ExifTool")
+                     !group.startsWith("Composite") && group != "ExifTool" && !it.key().endsWith("Offset") &&
+                     it.key() != "QuickTime:MediaDataSize" && it.key() != "XMP-x:XMPToolkit")
                 EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
         }
         EXPECT_EQ(imageio::decodeImage(items->data), imageio::decodeImage(readFile(source)));
