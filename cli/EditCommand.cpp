@@ -5,6 +5,7 @@
 #include "Formatter.h"
 #include "HRLocation.h"
 #include "ImageWriter.h"
+#include "Library.h"
 #include "TSAsset.h"
 #include "TSError.h"
 
@@ -23,7 +24,8 @@ std::function<int(const QStringList&)>& movieEditor() {
 
 int usage(const QString& problem) {
     printError("tessorin-cli edit: " + problem + "\n"
-               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n"
+               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR | --library new)\n"
+               "       tessorin-cli edit [WISHES] --library modify ID...\n"
                "wishes:\n"
                "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
                "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
@@ -40,6 +42,7 @@ struct Target {
     bool inPlace = false;
     bool keepOriginal = false;
     bool render = false;
+    QString libraryMode;  // "new" or "modify": saved into the photo library
 };
 
 struct Wishes {
@@ -82,6 +85,18 @@ bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
         printOut(path + ": Nothing changed\n");
         return true;
     }
+    if (!target.libraryMode.isEmpty()) {
+        modifier.library = &cliLibrary();
+        bool ok = false;
+        modifier.save(target.libraryMode == "new" ? SaveMode::newItem : SaveMode::modify,
+                      [&](const QStringList& ids, const std::optional<QString>& message) {
+                          if (message) printError(path + ": " + *message + "\n");
+                          else printOut(path + " -> " + ids.join(", ") + ": " + photo.tags->changedTags().join(", ") + "\n");
+                          ok = !message;
+                      });
+        wrote = wrote || ok;
+        return ok;
+    }
     modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
     const QString backup = backupPath(path);
     try {
@@ -118,7 +133,7 @@ int editCommand(const QStringList& args) {
     QStringList files, passOn;
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
-        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
+        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o", "--library"};
         QString value;
         if (withValue.contains(a)) {
             if (i + 1 >= args.size()) return usage(a + " needs a value");
@@ -150,6 +165,9 @@ int editCommand(const QStringList& args) {
             wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
         } else if (a == "-o") {
             target.outputDir = value;
+        } else if (a == "--library") {
+            if (value != "new" && value != "modify") return usage("--library takes new or modify");
+            target.libraryMode = value;
         } else if (a == "--no-location") {
             wishes.noLocation = true;
         } else if (a == "--no-date") {
@@ -169,7 +187,18 @@ int editCommand(const QStringList& args) {
         }
     }
     if (files.isEmpty()) return usage("no files given");
-    if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
+    if (!target.libraryMode.isEmpty()) {
+        if (target.inPlace || !target.outputDir.isEmpty() || target.render) return usage("--library goes alone");
+        if (target.libraryMode == "modify") {
+            // The items are named by their library identifiers; their current files are read.
+            cliLibrary().scan();
+            for (QString& id : files) {
+                auto item = cliLibrary().asset(id);
+                if (!item) return usage("no library item " + id);
+                id = item->mainPath();
+            }
+        }
+    } else if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())

@@ -22,6 +22,8 @@ int usage() {
                "  place --search TEXT        places by name, best first, with their coordinates\n"
                "  edit [WISHES] FILE... (-o DIR | --in-place | --render -o DIR)\n"
                "                             rewrites the files with the wishes applied (edit --help)\n"
+               "  library scan|albums|list [ALBUM] [--json]|show ID|favorite ID|delete ID|revert ID\n"
+               "                             the photo library in the Pictures folder (or TESSORIN_LIBRARY)\n"
                "--no-human shows raw values instead of words.\n");
     return 2;
 }
@@ -50,6 +52,7 @@ int main(int argc, char** argv) {
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
         {"edit", editCommand},
+        {"library", libraryCommand},
     };
     auto it = commands.find(args.first());
     if (it == commands.end()) {
