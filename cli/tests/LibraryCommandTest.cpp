@@ -9,7 +9,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 
 using namespace testsupport;
 
@@ -119,4 +121,36 @@ TEST_F(LibraryCommand, MarksDeletionAndBadUsage) {
     EXPECT_FALSE(QFile::exists(photo()));
     EXPECT_TRUE(QFile::exists(tmp.path() + "/data/Trash/files/IMG_1.jpg"));
     EXPECT_EQ(list().size(), 0);
+}
+
+TEST_F(LibraryCommand, KilledAtAnyPointOfAnEditTheOriginalStaysWhole) {
+    const QByteArray original = readFile(photo());
+    ASSERT_EQ(cli({"library", "scan"}).exitCode, 0);
+    const QString id = list().at(0)["localIdentifier"].toString();
+    // Kills spread over the run of one edit: before it opens the index, while it copies the
+    // original, while it writes the new file, and after.
+    for (int delay = 0; delay <= 300; delay += 20) {
+        SCOPED_TRACE(delay);
+        QProcess edit;
+        edit.start(QStringLiteral(TESSORIN_CLI), {"edit", "--date", "2001:02:03 04:05:06", "--library", "modify", id});
+        ASSERT_TRUE(edit.waitForStarted());
+        QThread::msleep(delay);
+        edit.kill();
+        edit.waitForFinished();
+
+        const QByteArray now = readFile(photo());
+        if (now != original) {
+            // A whole new file, and the original kept beside it.
+            const QJsonObject read = exiftoolJson(photo(), {"-DateTimeOriginal", "-Warning", "-Error"}).toObject();
+            EXPECT_EQ(read["DateTimeOriginal"].toString(), "2001:02:03 04:05:06");
+            EXPECT_FALSE(read.contains("Error"));
+            const QJsonObject shown = QJsonDocument::fromJson(cli({"library", "show", id}).out).object();
+            EXPECT_EQ(readFile(shown["resources"][0]["path"].toString()), original);
+        }
+        const QJsonArray items = list();
+        ASSERT_EQ(items.size(), 1);
+        EXPECT_EQ(items[0]["localIdentifier"].toString(), id);
+        if (items[0]["edited"].toBool()) EXPECT_EQ(cli({"library", "revert", id}).exitCode, 0);
+        EXPECT_EQ(readFile(photo()), original);
+    }
 }
