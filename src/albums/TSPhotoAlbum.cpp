@@ -1,7 +1,7 @@
 #include "TSPhotoAlbum.h"
 
 #include "Log.h"
-#include "TSFilesAlbum.h"
+#include "ThumbnailCache.h"
 #include "TSMetaDataObservable.h"
 
 #include <QCoreApplication>
@@ -89,7 +89,8 @@ qint32 TSPhotoAlbum::requestImage(int index, QSize targetSize, ImageClosure clos
     QPointer<QCoreApplication> app = QCoreApplication::instance();
     // Decoding takes milliseconds to seconds: never on the GUI thread.
     QThreadPool::globalInstance()->start([path, maxSide, app, closure = std::move(closure)] {
-        QImage image = TSFilesAlbum::thumbnail(path, maxSide);
+        // Through the desktop's thumbnail cache, which file managers share.
+        QImage image = library::thumbnails::forFile(path, maxSide);
         if (image.isNull()) Log::warning(QStringLiteral("🧨 no image for %1").arg(path));
         if (!app || !closure) return;
         QMetaObject::invokeMethod(app.data(), [closure, image] { closure(image, false); }, Qt::QueuedConnection);
