@@ -2,7 +2,7 @@
 // them once): the first scan beside exiftool -fast2 over the same folder, a rescan of the
 // unchanged library, a fetch of all photos by date, the time from a file written on disk to its
 // change details, and the peak memory of the process.
-// usage: library_bench CORPUS_DIR [FILES]
+// usage: library_bench CORPUS_DIR [FILES] [--no-exiftool]
 #include "Library.h"
 
 #include <QCoreApplication>
@@ -63,8 +63,11 @@ int main(int argc, char** argv) {
     QProcess exiftool;
     exiftool.setStandardOutputFile(QProcess::nullDevice());
     exiftool.setStandardErrorFile(QProcess::nullDevice());
-    exiftool.start("exiftool", {"-fast2", "-j", "-r", root});
-    exiftool.waitForFinished(-1);
+    const bool withExiftool = !(argc > 3 && QByteArray(argv[3]) == "--no-exiftool");
+    if (withExiftool) {
+        exiftool.start("exiftool", {"-fast2", "-j", "-r", root});
+        exiftool.waitForFinished(-1);
+    }
     const double exiftoolSeconds = t.nsecsElapsed() / 1e9;
 
     t.start();
