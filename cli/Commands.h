@@ -12,6 +12,8 @@ int summaryCommand(const QStringList& args);
 int tagsCommand(const QStringList& args);
 int locationCommand(const QStringList& args);
 int placeCommand(const QStringList& args);
+// Resources and auxiliary images of files, optionally written out.
+int resourcesCommand(const QStringList& args);
 // Photos are edited here; movie files go, with the same wishes and target, to the movie editor
 // that registers itself with setMovieEditor (its arguments: the options, then the movie files).
 int editCommand(const QStringList& args);

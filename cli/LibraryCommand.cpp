@@ -2,6 +2,8 @@
 #include "Commands.h"
 
 #include "AssetModifier.h"
+#include "Arguments.h"
+#include "Help.h"
 #include "Library.h"
 
 #include <QJsonArray>
@@ -12,13 +14,7 @@ using namespace library;
 
 namespace {
 
-int usage(const QString& problem) {
-    printError("tessorin-cli library: " + problem + "\n"
-               "usage: tessorin-cli library scan | albums | list [ALBUM] [--json] | show ID | favorite ID |\n"
-               "                            delete ID | revert ID\n"
-               "ALBUM is an album's title or an identifier that `albums` prints.\n");
-    return 2;
-}
+int usage(const QString& problem) { return cli::usageError("library", problem); }
 
 QJsonObject toJson(const Asset& a) {
     QJsonArray resources;
@@ -67,6 +63,10 @@ Library& cliLibrary() {
 
 int libraryCommand(const QStringList& args) {
     if (args.isEmpty()) return usage("no subcommand");
+    if (args.first() == "-h" || args.first() == "--help") {
+        printOut(cli::helpText("library"));
+        return 0;
+    }
     Library& lib = cliLibrary();
     if (!lib.isOpen()) {
         printError("tessorin-cli library: " + lib.openError() + "\n");

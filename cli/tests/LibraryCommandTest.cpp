@@ -1,5 +1,6 @@
 // `library` and `edit --library` run as a script would, in a library of the test's own, with
 // exiftool, run live, reading back what the saves wrote.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -17,25 +18,18 @@ using namespace testsupport;
 
 namespace {
 
-class LibraryCommand : public ::testing::Test {
+class LibraryCommand : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(tmp.isValid());
         // The tool's library, index, settings and trash are all inside the test's folder.
-        for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "TESSORIN_LIBRARY", "HOME"}) saved.append({name, qgetenv(name)});
-        qputenv("XDG_DATA_HOME", (tmp.path() + "/data").toUtf8());
-        qputenv("XDG_CONFIG_HOME", (tmp.path() + "/config").toUtf8());
-        qputenv("HOME", tmp.path().toUtf8());
-        qputenv("TESSORIN_LIBRARY", lib().toUtf8());
+        isolation().setEnv("XDG_DATA_HOME", (tmp.path() + "/data").toUtf8());
+        isolation().setEnv("XDG_CONFIG_HOME", (tmp.path() + "/config").toUtf8());
+        isolation().setEnv("HOME", tmp.path().toUtf8());
+        isolation().setEnv("TESSORIN_LIBRARY", lib().toUtf8());
         QDir().mkpath(lib() + "/Trip");
         ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", photo()));
         QFile::setPermissions(photo(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    }
-    void TearDown() override {
-        for (const auto& [name, value] : saved) {
-            if (value.isNull()) qunsetenv(name);
-            else qputenv(name, value);
-        }
     }
     QString lib() const { return tmp.path() + "/lib"; }
     QString photo() const { return lib() + "/Trip/IMG_1.jpg"; }
@@ -50,7 +44,6 @@ protected:
     QJsonObject exif(const QString& file) { return exiftoolJson(file, {"-n", "-EXIF:all"}).toObject(); }
 
     QTemporaryDir tmp;
-    QList<QPair<const char*, QByteArray>> saved;
 };
 
 }  // namespace
