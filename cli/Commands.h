@@ -19,6 +19,14 @@ int resourcesCommand(const QStringList& args);
 int editCommand(const QStringList& args);
 void setMovieEditor(std::function<int(const QStringList&)> editor);
 
+// The photo library: scan, albums, list, show, favorite, delete, revert.
+int libraryCommand(const QStringList& args);
+namespace library {
+class Library;
+}
+// The library of this run, over its usual folders and index.
+library::Library& cliLibrary();
+
 // Writes text to standard output as UTF-8.
 void printOut(const QString& text);
 void printError(const QString& text);

@@ -10,6 +10,7 @@
 #include "HRLocation.h"
 #include "IptcKeys.h"
 #include "ImageWriter.h"
+#include "Library.h"
 #include "TSAsset.h"
 #include "TSError.h"
 #include "TemplateModel.h"
@@ -34,7 +35,7 @@ const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
     {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
     {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},          {"--no-location", "", false},
     {"--no-date", "", false}, {"--no-tags", "", false},       {"--in-place", "", false}, {"--keep-original", "", false},
-    {"--render", "", false},  {"--template", "", true},
+    {"--render", "", false},  {"--template", "", true}, {"--library", "", true},
     {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},    {"--geotag-offset", "", true},
     {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant", "", false}};
 
@@ -43,6 +44,7 @@ struct Target {
     bool inPlace = false;
     bool keepOriginal = false;
     bool render = false;
+    QString libraryMode;  // "new" or "modify": saved into the photo library
 };
 
 struct Wishes {
@@ -92,6 +94,18 @@ bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
     if (!modifier.anyChanged()) {
         printOut(path + ": Nothing changed\n");
         return true;
+    }
+    if (!target.libraryMode.isEmpty()) {
+        modifier.library = &cliLibrary();
+        bool ok = false;
+        modifier.save(target.libraryMode == "new" ? SaveMode::newItem : SaveMode::modify,
+                      [&](const QStringList& ids, const std::optional<QString>& message) {
+                          if (message) printError(path + ": " + *message + "\n");
+                          else printOut(path + " -> " + ids.join(", ") + ": " + photo.tags->changedTags().join(", ") + "\n");
+                          ok = !message;
+                      });
+        wrote = wrote || ok;
+        return ok;
     }
     modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
     const QString backup = backupPath(path);
@@ -189,6 +203,9 @@ int editCommand(const QStringList& rawArgs) {
             if (!batch.strip) return usage("--strip takes private, location or dates");
         } else if (a == "-o") {
             target.outputDir = value;
+        } else if (a == "--library") {
+            if (value != "new" && value != "modify") return usage("--library takes new or modify");
+            target.libraryMode = value;
         } else if (a == "--no-location") {
             wishes.noLocation = true;
         } else if (a == "--no-date") {
@@ -203,7 +220,20 @@ int editCommand(const QStringList& rawArgs) {
             target.render = true;
         }
     }
-    if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
+    if (!target.libraryMode.isEmpty()) {
+        if (target.inPlace || !target.outputDir.isEmpty() || target.render) return usage("--library goes alone");
+        if (target.libraryMode == "modify") {
+            // The items are named by their library identifiers; their current files are read.
+            cliLibrary().scan();
+            QStringList paths;
+            for (const QString& id : parsed.operands) {
+                auto item = cliLibrary().asset(id);
+                if (!item) return usage("no library item " + id);
+                paths << item->mainPath();
+            }
+            parsed.operands = paths;
+        }
+    } else if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())

@@ -62,7 +62,8 @@ const QList<std::pair<QString, QString>>& texts() {
                         "pixel size.\n\n"
                         "  --extract DIR       write the auxiliary images into DIR under those names\n") + jsonHelp + fileOptionsHelp},
         {"edit",
-         QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n\n"
+         QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR | --library new)\n"
+                        "       tessorin-cli edit [WISHES] --library modify ID...\n\n"
                         "Rewrites the files with the wishes applied, one line per file of what\n"
                         "changed; only the metadata change. Movies are written anew into DIR.\n\n"
                         "wishes:\n"
@@ -86,7 +87,19 @@ const QList<std::pair<QString, QString>>& texts() {
                         "  -o DIR              write the new files into DIR\n"
                         "  --in-place          replace the files (photos only)\n"
                         "  --keep-original     keep the original beside it as NAME_original.EXT\n"
-                        "  --render            draw the photo anew, into -o DIR\n") + fileOptionsHelp},
+                        "  --render            draw the photo anew, into -o DIR\n"
+                        "  --library new       save each photo as a new item of the photo library, in its\n"
+                        "                      album \"Tessorin\"\n"
+                        "  --library modify    edit the library items named by their IDs in place; the\n"
+                        "                      original is kept (`library revert ID` brings it back)\n") + fileOptionsHelp},
+        {"library",
+         QStringLiteral("usage: tessorin-cli library scan | albums | list [ALBUM] [--json] | show ID\n"
+                        "       tessorin-cli library favorite ID | delete ID | revert ID\n\n"
+                        "The photo library: the folders in TESSORIN_LIBRARY (separated by ':'), else\n"
+                        "the Pictures folder. `scan` reads what is new or changed; `albums` lists the\n"
+                        "albums with their identifiers and counts; `list` the items of one (by title or\n"
+                        "identifier), `show` one item as JSON; `favorite` turns its mark over, `delete`\n"
+                        "moves its files to the trash, `revert` puts an edited item's original back.\n")},
     };
     return all;
 }

@@ -41,6 +41,7 @@ int main(int argc, char** argv) {
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
         {"edit", editCommand},
         {"resources", resourcesCommand},
+        {"library", libraryCommand},
     };
     auto it = commands.find(args.first());
     if (it == commands.end()) return cli::usageError({}, "unknown command '" + args.first() + "'");

@@ -1,6 +1,7 @@
 #include "ExifModifier.h"
 
 #include "Formatter.h"
+#include "Library.h"
 #include "Log.h"
 #include "PropertyKeys.h"
 #include "Settings.h"
@@ -10,6 +11,8 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSaveFile>
 #include <QTemporaryFile>
 #include <QUrl>
@@ -135,25 +138,79 @@ void ExifModifier::save(SaveMode mode, const Completion& onCompletition) {
         return;
     }
     Log::debug(QStringLiteral("Received values: %1").arg(done.size()));
-    if (mode != SaveMode::files) {
-        // The library roads arrive with the photo library.
+    if (mode != SaveMode::files && !library) {
         onCompletition({}, QStringLiteral("Image is not editable"));
         return;
     }
     QStringList urls;
-    if (auto failure = dataToTempFile(done, urls)) onCompletition({}, failure);
+    std::optional<QString> failure = mode == SaveMode::files     ? dataToTempFile(done, urls)
+                                     : mode == SaveMode::newItem ? saveNewImages(done, urls)
+                                                                 : modifyImages(done, urls);
+    if (failure) onCompletition({}, failure);
     else onCompletition(urls, std::nullopt);
+}
+
+namespace {
+
+// The file name a rewritten photo is saved under: its own, or .jpg when drawn anew as JPEG.
+QString savedName(const ModifyingPhotoAsset& photo) {
+    const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+    QString name = photo.tsAsset->ddStore().datas.value(TSKey::NAME).value_or(QFileInfo(photo.tsAsset->path()).fileName());
+    if (data && imageio::detectFormat(*data) == imageio::Format::Jpeg &&
+        imageio::detectFormat(photo.tsAsset->imageData()) != imageio::Format::Jpeg)
+        name = QFileInfo(name).completeBaseName() + QStringLiteral(".jpg");
+    return name;
+}
+
+// The adjustment data of every edit in place: this program's mark, no edit parameters.
+QByteArray adjustmentPayload() {
+    return QJsonDocument(QJsonObject{{"key1", QStringLiteral("Tessorin")}, {"key2", QStringLiteral("value2")}}).toJson(QJsonDocument::Compact);
+}
+
+}  // namespace
+
+std::optional<QString> ExifModifier::saveNewImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const {
+    std::optional<QString> failure;
+    for (const auto& photo : assets) {
+        const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+        std::optional<library::Location> place;
+        if (const auto& l = photo.tags->userLocation)
+            place = library::Location{l->coordinate.latitude, l->coordinate.longitude, std::nullopt};
+        QString error;
+        auto id = data ? library->createAsset(*data, savedName(photo), photo.tags->userDate, place, {}, &error) : std::nullopt;
+        Log::info(QStringLiteral("Finished updating asset. %1").arg(id ? QStringLiteral("Success.") : error));
+        // Each item is tried; the last failure is the one told.
+        if (id) identifiers << *id;
+        else failure = QStringLiteral("Error saving the image");
+    }
+    return failure;
+}
+
+std::optional<QString> ExifModifier::modifyImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const {
+    // Every item must be a library item before any is changed.
+    QStringList ids;
+    for (const auto& photo : assets) {
+        auto item = library->assetForPath(photo.tsAsset->path());
+        if (!item || !std::holds_alternative<QByteArray>(photo.dataSource)) return QStringLiteral("Not a PHAsset");
+        ids << item->localIdentifier;
+    }
+    for (qsizetype i = 0; i < assets.size(); ++i) {
+        const QByteArray& data = std::get<QByteArray>(assets[i].dataSource);
+        const QString extension = QFileInfo(savedName(assets[i])).suffix();
+        QString error;
+        const bool ok = library->editInPlace(ids[i], data, extension, adjustmentPayload(), &error);
+        Log::info(QStringLiteral("Finished updating asset. \n-> %1").arg(ok ? QStringLiteral("Success.") : error));
+        if (!ok) return QStringLiteral("Error updating the photo (%1)").arg(error);
+        identifiers << ids[i];
+    }
+    return std::nullopt;
 }
 
 std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const {
     for (const auto& photo : assets) {
         const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
-        QString name = photo.tsAsset->ddStore().datas.value(TSKey::NAME).value_or(
-            QFileInfo(photo.tsAsset->path()).fileName());
         // A photo drawn anew as JPEG is named as one.
-        if (data && imageio::detectFormat(*data) == imageio::Format::Jpeg &&
-            imageio::detectFormat(photo.tsAsset->imageData()) != imageio::Format::Jpeg)
-            name = QFileInfo(name).completeBaseName() + QStringLiteral(".jpg");
+        const QString name = savedName(photo);
         // Written to a temporary file beside the target and renamed over it only once complete.
         // A file that replaces another is flushed to the disk first; a new one puts nothing at risk.
         const QString target = QDir(filesDirectory).filePath(name);

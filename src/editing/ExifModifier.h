@@ -8,6 +8,10 @@
 #include <QStringList>
 #include <functional>
 
+namespace library {
+class Library;
+}
+
 // How a save ends: new library item, modified in place, or files.
 enum class SaveMode { newItem = 0, modify = 1, files = 2 };
 
@@ -16,6 +20,8 @@ public:
     QList<ModifyingPhotoAsset> modifing;
     // Where the files road writes; the system's temporary folder unless set.
     QString filesDirectory;
+    // Where the library roads save; without one they answer "Image is not editable".
+    library::Library* library = nullptr;
 
     // Per-photo wishes run after the shared ones and before each photo's tags are committed:
     // those that start from each photo's own values (a date shift, a track log).
@@ -28,7 +34,8 @@ public:
     // Whether any photo has something to save.
     bool anyChanged() const;
 
-    // The completion gets the written files' URLs, or a message.
+    // The completion gets the written files' URLs (the library items' identifiers for the
+    // library roads), or a message.
     using Completion = std::function<void(const QStringList& urls, const std::optional<QString>& message)>;
     // Every photo is rewritten before any is handed on: one failure saves none of them.
     void save(SaveMode mode, const Completion& onCompletition);
@@ -39,4 +46,8 @@ public:
     // The files road: each photo's bytes under its own name in `filesDirectory`, through a
     // temporary file and a rename. A message on the first failure; files written before stay.
     std::optional<QString> dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const;
+    // The library roads: each photo as a new item in the application's album, or as an edit of
+    // the library item it was read from. A message on the first failure.
+    std::optional<QString> saveNewImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const;
+    std::optional<QString> modifyImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const;
 };

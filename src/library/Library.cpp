@@ -52,9 +52,25 @@ bool isRemoteFileSystem(const QByteArray& type) {
     return type.startsWith("fuse") || remote.contains(type);
 }
 
+// The mounted volumes, read once per fetch: one look at the mount table, not one per folder.
+bool isOnRemoteVolume(const QString& dir) {
+    thread_local QList<QStorageInfo> volumes;
+    thread_local qint64 readAt = 0;
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    if (now - readAt > 1000) {
+        volumes = QStorageInfo::mountedVolumes();
+        readAt = now;
+    }
+    const QStorageInfo* best = nullptr;
+    for (const QStorageInfo& v : volumes)
+        if (under(dir, v.rootPath()) || v.rootPath() == "/")
+            if (!best || v.rootPath().size() > best->rootPath().size()) best = &v;
+    return best && isRemoteFileSystem(best->fileSystemType());
+}
+
 QDateTime toDateTime(qint64 ms, std::optional<int> offset) {
-    QDateTime utc = QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC);
-    return offset ? utc.toTimeZone(QTimeZone(*offset)) : utc.toLocalTime();
+    // A fixed offset, not a time zone: building a QTimeZone per asset is costly.
+    return offset ? QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, *offset) : QDateTime::fromMSecsSinceEpoch(ms, Qt::LocalTime);
 }
 
 const char selectFiles[] =
@@ -131,7 +147,7 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
     auto remote = [&](const QString& path) {
         const QString dir = QFileInfo(path).absolutePath();
         auto it = remoteFolders.find(dir);
-        if (it == remoteFolders.end()) it = remoteFolders.insert(dir, isRemoteFileSystem(QStorageInfo(dir).fileSystemType()));
+        if (it == remoteFolders.end()) it = remoteFolders.insert(dir, isOnRemoteVolume(dir));
         return *it;
     };
     auto resource = [&](ResourceType type, const QString& path, qint64 size, const QString& name = {}) {
@@ -520,11 +536,19 @@ FetchResult Library::refetch(const FetchResult& before) const {
         if (!folder.isEmpty() && a.folder != folder) continue;
         result.assets_ << std::move(a);
     }
+    // Sorted on keys computed once: comparing QDateTime values converts them at every step.
     const bool ascending = q.options.sort == SortOrder::creationDateAscending;
-    std::stable_sort(result.assets_.begin(), result.assets_.end(), [ascending](const Asset& x, const Asset& y) {
-        if (x.creationDate != y.creationDate) return ascending ? x.creationDate < y.creationDate : y.creationDate < x.creationDate;
-        return x.localIdentifier < y.localIdentifier;
+    QList<std::pair<qint64, qsizetype>> keys;
+    keys.reserve(result.assets_.size());
+    for (qsizetype i = 0; i < result.assets_.size(); ++i) keys.append({result.assets_[i].creationDate.toMSecsSinceEpoch(), i});
+    std::sort(keys.begin(), keys.end(), [&](const auto& x, const auto& y) {
+        if (x.first != y.first) return ascending ? x.first < y.first : y.first < x.first;
+        return result.assets_[x.second].localIdentifier < result.assets_[y.second].localIdentifier;
     });
+    QList<Asset> sorted;
+    sorted.reserve(keys.size());
+    for (const auto& k : keys) sorted.append(std::move(result.assets_[k.second]));
+    result.assets_ = std::move(sorted);
     return result;
 }
 

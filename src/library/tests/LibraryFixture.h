@@ -1,6 +1,7 @@
 #pragma once
 // A library in a temporary folder, with the settings, data folder (and so the trash) of the
 // test's own.
+#include "Isolation.h"
 #include "Library.h"
 #include "TestSupport.h"
 
@@ -12,29 +13,22 @@
 #include <gtest/gtest.h>
 #include <memory>
 
-class LibraryFixture : public ::testing::Test {
+class LibraryFixture : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(tmp.isValid());
-        for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "HOME", "TESSORIN_LIBRARY"})
-            saved.append({name, qgetenv(name)});
-        qputenv("XDG_DATA_HOME", path("data").toUtf8());
-        qputenv("XDG_CONFIG_HOME", path("config").toUtf8());
-        qputenv("XDG_CACHE_HOME", path("cache").toUtf8());
-        qputenv("HOME", path("home").toUtf8());
+        // Named folders of the test's own, so tests can look into the data folder's trash.
+        isolation().setEnv("XDG_DATA_HOME", path("data").toUtf8());
+        isolation().setEnv("XDG_CONFIG_HOME", path("config").toUtf8());
+        isolation().setEnv("XDG_CACHE_HOME", path("cache").toUtf8());
+        isolation().setEnv("HOME", path("home").toUtf8());
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("config"));
         QDir().mkpath(root());
         QDir().mkpath(path("home"));
-        qputenv("TESSORIN_LIBRARY", root().toUtf8());
+        isolation().setEnv("TESSORIN_LIBRARY", root().toUtf8());
         reopen();
     }
-    void TearDown() override {
-        lib.reset();
-        for (const auto& [name, value] : saved) {
-            if (value.isNull()) qunsetenv(name);
-            else qputenv(name, value);
-        }
-    }
+    void TearDown() override { lib.reset(); }
 
     QString path(const QString& relative) const { return tmp.path() + '/' + relative; }
     QString root() const { return path("lib"); }
@@ -61,7 +55,4 @@ protected:
 
     QTemporaryDir tmp;
     std::unique_ptr<library::Library> lib;
-
-private:
-    QList<QPair<const char*, QByteArray>> saved;
 };

@@ -3,6 +3,10 @@
 #include "ImageWriter.h"
 #include "LibraryFixture.h"
 #include "PropertyKeys.h"
+#include "ThumbnailCache.h"
+
+#include <QCryptographicHash>
+#include <QUrl>
 
 #include <QDirIterator>
 #include <QJsonArray>
@@ -190,4 +194,33 @@ TEST_F(LibraryFixture, DeleteMovesEveryFileOfTheAssetToTheTrash) {
     EXPECT_TRUE(trashed.contains("IMG_7.MOV"));
     EXPECT_EQ(QDir(path("data/Trash/info")).entryList(QDir::Files).size(), 4);
     EXPECT_EQ(filesUnder(root()), QStringList{"other.jpg"});
+}
+
+TEST_F(LibraryFixture, ThumbnailsGoThroughTheDesktopCache) {
+    const QString photo = add("jpeg/Canon_40D.jpg", "a.jpg");
+    const QString movie = add("video/apple_meta.mov", "b.mov");
+    const QImage small = thumbnails::forFile(photo, 100);
+    ASSERT_FALSE(small.isNull());
+    EXPECT_EQ(qMax(small.width(), small.height()), 100);
+    // Named by the MD5 of the file's URI, under the test's own cache folder.
+    const QString uri = QUrl::fromLocalFile(photo).toString(QUrl::FullyEncoded);
+    const QString expected = path("cache") + "/thumbnails/normal/" +
+                             QCryptographicHash::hash(uri.toUtf8(), QCryptographicHash::Md5).toHex() + ".png";
+    EXPECT_EQ(thumbnails::cachePath(photo, 100), expected);
+    QImage stored(expected);
+    ASSERT_FALSE(stored.isNull());
+    EXPECT_EQ(stored.text("Thumb::URI"), uri);
+    EXPECT_EQ(stored.text("Thumb::MTime").toLongLong(), QFileInfo(photo).lastModified().toSecsSinceEpoch());
+
+    // A changed file makes a new one; a movie's is its first frame.
+    {
+        QFile f(photo);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        f.setFileTime(QFileInfo(photo).lastModified().addSecs(-3600), QFileDevice::FileModificationTime);
+    }
+    thumbnails::forFile(photo, 100);
+    EXPECT_EQ(QImage(expected).text("Thumb::MTime").toLongLong(), QFileInfo(photo).lastModified().toSecsSinceEpoch());
+    EXPECT_FALSE(thumbnails::forFile(movie, 256).isNull());
+    EXPECT_TRUE(QFileInfo::exists(thumbnails::cachePath(movie, 256)));
+    EXPECT_TRUE(thumbnails::forFile(path("nothing.jpg"), 100).isNull());
 }

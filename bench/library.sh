@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# The photo library over 10,000 files from the sample media, beside exiftool -fast2 -j -r.
+# usage: bench/library.sh BUILD_DIR [FILES]
+set -euo pipefail
+build=$(cd "$1" && pwd)
+samples="$(cd "$(dirname "$0")/.." && pwd)/../shared/corpus"
+[ -d "$samples" ] || { echo "sample media not found at $samples" >&2; exit 2; }
+"$build/bin/library_bench" "$samples" "${2:-10000}"

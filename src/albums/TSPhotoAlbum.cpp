@@ -1,0 +1,124 @@
+#include "TSPhotoAlbum.h"
+
+#include "Log.h"
+#include "ThumbnailCache.h"
+#include "TSMetaDataObservable.h"
+
+#include <QCoreApplication>
+#include <QThreadPool>
+#include <atomic>
+
+void TSPhotoAlbum::setAlbum(const library::FetchResult& fetch, int index, const QString& title) {
+    if (fetchedAssets && *fetchedAssets == fetch && displayedIndex == index) return;
+    const bool changed = !fetchedAssets || !(*fetchedAssets == fetch);
+    fetchedAssets = fetch;
+    displayedIndex = -1;
+    precProcessed = -1;
+    title_ = title;
+    setActualIndex(index);
+    if (GroupObserver* group = lastGroupObserver()) group->reload(changed);
+}
+
+std::shared_ptr<TSAlbum> TSPhotoAlbum::self() {
+    if (auto held = weak_from_this().lock()) return held;
+    return TSEnvironment::currentAlbum();
+}
+
+const library::Asset* TSPhotoAlbum::assetAt(int index) const {
+    if (!fetchedAssets || index < 0 || index >= fetchedAssets->count()) return nullptr;
+    return &fetchedAssets->objectAt(index);
+}
+
+void TSPhotoAlbum::setActualIndex(int index) {
+    if (!fetchedAssets) return;
+    if (count() <= index) index = count() - 1;
+    const int v = qMax(index, 0);
+    if (displayedIndex == v && !needDownload()) return;
+    displayedIndex = v;
+    std::weak_ptr<TSAlbum> weak = weak_from_this();
+    const bool held = !weak.expired();
+    auto& observable = TSEnvironment::observable();
+    QTimer::singleShot(0, &observable, [weak, held] {
+        std::shared_ptr<TSAlbum> album = held ? weak.lock() : TSEnvironment::currentAlbum();
+        if (!album) return;
+        TSEnvironment::observable().sendMetaData(MetaSelector::begin, album);
+        if (auto photo = std::dynamic_pointer_cast<TSPhotoAlbum>(album)) photo->process();
+    });
+    Log::info(QStringLiteral(">> setActualIndex: %1 <<").arg(v));
+}
+
+void TSPhotoAlbum::process() {
+    if (precProcessed == displayedIndex && !needDownload()) return;
+    precProcessed = displayedIndex;
+    const library::Asset* asset = assetAt(displayedIndex);
+    if (!asset) {
+        currentAsset.reset();
+        return;
+    }
+    // The bytes of the resource on view are read from the disk at once.
+    currentAsset = std::make_shared<TSAsset>(asset->mainPath(), TSEnvironment::sharedObservable());
+    TSEnvironment::observable().sendMetaData(MetaSelector::processed, self());
+}
+
+std::optional<int> TSPhotoAlbum::indexOfAsset(const std::optional<QString>& localIdentifier) const {
+    if (!localIdentifier || !fetchedAssets) return std::nullopt;
+    auto index = fetchedAssets->indexOf(*localIdentifier);
+    if (!index) {
+        Log::warning(">>>> assetIndex: not found");
+        return std::nullopt;
+    }
+    Log::debug(QStringLiteral(">>>> assetIndex: %1").arg(*index));
+    return int(*index);
+}
+
+qint32 TSPhotoAlbum::requestImage(int index, QSize targetSize, ImageClosure closure) {
+    static std::atomic<qint32> lastId{0};
+    if (!fetchedAssets) {
+        if (closure) closure(QImage(), false);
+        return 0;
+    }
+    Q_ASSERT(index >= 0);
+    const library::Asset* asset = assetAt(qMin(index, count() - 1));
+    if (!asset) {
+        if (closure) closure(QImage(), false);
+        return 0;
+    }
+    const qint32 id = ++lastId;
+    const QString path = asset->mainPath();
+    const int maxSide = qMax(targetSize.width(), targetSize.height());
+    QPointer<QCoreApplication> app = QCoreApplication::instance();
+    // Decoding takes milliseconds to seconds: never on the GUI thread.
+    QThreadPool::globalInstance()->start([path, maxSide, app, closure = std::move(closure)] {
+        // Through the desktop's thumbnail cache, which file managers share.
+        QImage image = library::thumbnails::forFile(path, maxSide);
+        if (image.isNull()) Log::warning(QStringLiteral("🧨 no image for %1").arg(path));
+        if (!app || !closure) return;
+        QMetaObject::invokeMethod(app.data(), [closure, image] { closure(image, false); }, Qt::QueuedConnection);
+    });
+    return id;
+}
+
+bool TSPhotoAlbum::isVideo(int index) const {
+    const library::Asset* asset = assetAt(qMin(index, count() - 1));
+    return asset && asset->mediaType == library::MediaType::video;
+}
+
+size_t TSPhotoAlbum::hash() const {
+    if (!fetchedAssets) return 0;
+    size_t h = 0;
+    for (const auto& a : fetchedAssets->assets()) h = qHashMulti(h, a.localIdentifier);
+    return h;
+}
+
+void TSPhotoAlbum::startFavoriting() {
+    favoriting_ = true;
+    QTimer::singleShot(2000, &TSEnvironment::observable(), [weak = weak_from_this()] {
+        if (auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(weak.lock())) album->favoriting_ = false;
+    });
+}
+
+std::optional<QDateTime> TSPhotoAlbum::date(int index) const {
+    const library::Asset* asset = assetAt(index);
+    if (!asset) return std::nullopt;
+    return asset->creationDate;
+}
