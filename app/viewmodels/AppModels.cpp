@@ -7,6 +7,7 @@
 #include "GroupViewModel.h"
 #include "SettingsViewModel.h"
 #include "ShareViewModel.h"
+#include "ResourcesViewModel.h"
 #include "TagTableModel.h"
 #include "ToolBarModel.h"
 
@@ -22,7 +23,8 @@ AppModels::AppModels(QObject* parent)
       detailTable(new DetailTableModel(this)),
       tagTable(new TagTableModel(this)),
       toolBar(new ToolBarModel(this)),
-      share(new ShareViewModel(this)) {
+      share(new ShareViewModel(this)),
+      resources(new ResourcesViewModel(this)) {
     // Navigation between the browsing screens.
     connect(app, &AppController::filesOpened, albumList, &AlbumListViewModel::openPaths);
     connect(app, &AppController::rootRebuilt, albumList, &AlbumListViewModel::load);
@@ -61,4 +63,5 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "TagTable", tagTable);
     qmlRegisterSingletonInstance(uri, 1, 0, "ToolBar", toolBar);
     qmlRegisterSingletonInstance(uri, 1, 0, "Share", share);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
 }

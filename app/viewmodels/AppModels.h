@@ -12,6 +12,7 @@ class DetailTableModel;
 class TagTableModel;
 class ToolBarModel;
 class ShareViewModel;
+class ResourcesViewModel;
 
 class AppModels : public QObject {
     Q_OBJECT
@@ -27,8 +28,9 @@ public:
     TagTableModel* tagTable;
     ToolBarModel* toolBar;
     ShareViewModel* share;
+    ResourcesViewModel* resources;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
-    // Detail, DetailTable, TagTable, ToolBar and Share. Call once, before loading QML.
+    // Detail, DetailTable, TagTable, ToolBar, Share and Resources. Call once, before loading QML.
     void registerWithQml();
 };
