@@ -12,8 +12,8 @@ import Tessorin
 Popup {
     id: sheet
     parent: Overlay.overlay
-    width: parent.width
-    height: parent.height
+    width: parent ? parent.width : 0
+    height: parent ? parent.height : 0
     padding: 0
     modal: true
     closePolicy: Popup.CloseOnEscape
@@ -55,6 +55,7 @@ Popup {
                 visible: Resources.mediaUrl == ""
                 text: Resources.doneTitle
                 font.pixelSize: 17
+                font.capitalization: Font.MixedCase
                 font.weight: Font.DemiBold
                 Material.foreground: "#1E6FD9"
                 onClicked: Resources.open = false
