@@ -4,12 +4,12 @@
 #include "ResourceActor.h"
 #include "ResourcesViewModel.h"
 #include "TSFilesAlbum.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImageReader>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <atomic>
@@ -25,13 +25,9 @@ bool waitFor(const std::function<bool()>& done) {
     return done();
 }
 
-class ResourcesScreenTest : public ::testing::Test {
+class ResourcesScreenTest : public testsupport::IsolatedTest {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
-        TSEnvironment::setCurrentAlbum(nullptr);
-    }
+    void SetUp() override { TSEnvironment::setCurrentAlbum(nullptr); }
     void TearDown() override { TSEnvironment::setCurrentAlbum(nullptr); }
 
     // Shows the item of that corpus file in a files album and waits for the detail check.
@@ -51,7 +47,6 @@ protected:
         (void)vm;
     }
 
-    QTemporaryDir settingsDir_;
     std::shared_ptr<TSFilesAlbum> album_;
 };
 

@@ -2,6 +2,7 @@
 // out of the same files, and hostile variants of those files.
 #include "AuxiliaryData.h"
 #include "TSResourceAuxiliary.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <QBuffer>
@@ -43,9 +44,11 @@ QByteArray exiftoolBinary(const QString& tag, const QString& path) {
     return result.out;
 }
 
+using AuxiliaryImages = testsupport::IsolatedTest;
+
 }  // namespace
 
-TEST(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
+TEST_F(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
     const QByteArray bytes = readFile(portraitPath());
     ASSERT_FALSE(bytes.isEmpty()) << "corpus portrait missing";
     EXPECT_EQ(typesFound(bytes),
@@ -76,7 +79,7 @@ TEST(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
     EXPECT_EQ(image.size(), QSize(1512, 2016));
 }
 
-TEST(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
+TEST_F(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
     const QByteArray bytes = readFile(portraitPath());
     ASSERT_FALSE(bytes.isEmpty());
     const QByteArray mp2 = exiftoolBinary("MPImage2", portraitPath());
@@ -103,7 +106,7 @@ TEST(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
     EXPECT_EQ(QSize(matte->width, matte->height), decoded(mp3).size());
 }
 
-TEST(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
+TEST_F(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
     const QByteArray bytes = readFile(gainMapHeic());
     ASSERT_FALSE(bytes.isEmpty());
     EXPECT_EQ(typesFound(bytes), (std::vector{AuxiliaryImageType::HDRGainMap}));
@@ -132,7 +135,7 @@ TEST(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
     EXPECT_EQ(far, 0);
 }
 
-TEST(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
+TEST_F(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
     for (const QString& name : {"jpeg/Canon_40D.jpg", "jpeg/iphone_hdr_YES.jpg", "heif/IMG_5195.HEIC",
                                 "heif/avif_exif_xmp.avif", "png/imagemagick.png", "tiff/BSG1.tiff"}) {
         const QByteArray bytes = readFile(corpusDir() + "/" + name);
@@ -147,7 +150,7 @@ TEST(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
     EXPECT_FALSE(empty.hasAux());
 }
 
-TEST(AuxiliaryImages, ADepthEntryIsItsRawBytesSeenAsEightBitGrey) {
+TEST_F(AuxiliaryImages, ADepthEntryIsItsRawBytesSeenAsEightBitGrey) {
     imageio::AuxiliaryDataInfo info;
     info.width = 2;
     info.height = 1;
@@ -194,7 +197,7 @@ void putBigOrLittle(QByteArray& jpeg, qsizetype at, quint32 value, bool big) {
 
 }  // namespace
 
-TEST(AuxiliaryImages, HostileIndexesAndSizesGiveNoImage) {
+TEST_F(AuxiliaryImages, HostileIndexesAndSizesGiveNoImage) {
     const QByteArray original = readFile(portraitPath());
     ASSERT_FALSE(original.isEmpty());
     const MpfLayout layout = mpfLayout(original);
