@@ -22,8 +22,10 @@ build-asan: deps
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 
 # Every test, in the normal build and again under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Then each normal-build test binary once shuffled and once under a German locale.
 test: build build-asan
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+	JOBS=$(JOBS) bash scripts/run-tests-shuffled.sh $(BUILD)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 		ctest --output-on-failure -j $(JOBS)
 

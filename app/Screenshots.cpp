@@ -5,6 +5,7 @@
 #include "AppModels.h"
 #include "DetailViewModel.h"
 #include "GroupViewModel.h"
+#include "IptcViewModel.h"
 #include "ResourcesViewModel.h"
 #include "ShareViewModel.h"
 #include "TagTableModel.h"
@@ -12,6 +13,8 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QThreadPool>
 #include <QTimer>
@@ -118,11 +121,62 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     app.openAbout();
     shoot("about");
     app.rebuildRoot();
+    iptcScreens(files);
 
     window_->close();
     delete root;
     window_ = nullptr;
     settle(100);
+}
+
+void Screenshots::iptcScreens(const QStringList& files) {
+    QStringList photos;
+    for (const QString& f : files)
+        if (!f.endsWith(".mov", Qt::CaseInsensitive) && !f.endsWith(".mp4", Qt::CaseInsensitive)) photos << f;
+    if (photos.isEmpty()) return;
+    IptcViewModel editor;
+    QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qml/IptcPage.qml")));
+    auto open = [](QObject* page, const char* popup, int row) {
+        page->setProperty("chosenRow", row);
+        if (QObject* p = page->findChild<QObject*>(popup)) QMetaObject::invokeMethod(p, "open");
+    };
+    auto close = [](QObject* page, const char* popup) {
+        if (QObject* p = page->findChild<QObject*>(popup)) QMetaObject::invokeMethod(p, "close");
+    };
+    for (const int count : {1, 3}) {
+        if (!editor.openPhotos(photos.mid(0, count))) continue;
+        std::unique_ptr<QObject> page(component.createWithInitialProperties({{"editor", QVariant::fromValue(&editor)}}));
+        auto* item = qobject_cast<QQuickItem*>(page.get());
+        if (!item) {
+            std::fprintf(stderr, "IptcPage: %s\n", qPrintable(component.errorString()));
+            ++failures_;
+            return;
+        }
+        item->setParentItem(window_->contentItem());
+        item->setSize(window_->size());
+        item->setZ(1000);
+        if (count == 1) {
+            shoot("iptc-one");
+            continue;
+        }
+        editor.setText(3, QStringLiteral("Fête de la Musique"));  // the headline, as an edit
+        shoot("iptc-many");
+        const int contact = 8, country = 17, sourceType = 18;
+        open(item, "contactForm", contact);
+        shoot("iptc-contact");
+        close(item, "contactForm");
+        open(item, "optionsChooser", sourceType);
+        shoot("iptc-options-chooser");
+        close(item, "optionsChooser");
+        open(item, "listChooser", country);
+        shoot("iptc-list-chooser");
+        close(item, "listChooser");
+        editor.editTemplate();
+        open(item, "templateForm", -1);
+        shoot("iptc-template");
+        close(item, "templateForm");
+        editor.finishTemplate(false);
+    }
 }
 
 int Screenshots::run(const QString& outputDir, const QStringList& files) {

@@ -28,6 +28,8 @@ private:
     int failures_ = 0;
 
     void drawAt(const QString& prefix, int width, int height, const QStringList& files);
+    // The IPTC screen for one photo and for three, its contact and template forms and its choosers.
+    void iptcScreens(const QStringList& files);
     // Lets transitions, loading and thumbnails finish.
     void settle(int ms = 700);
     void shoot(const QString& name);

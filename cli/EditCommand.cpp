@@ -1,12 +1,18 @@
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
+#include "Arguments.h"
 #include "Commands.h"
+#include "FileArgs.h"
 
+#include "BatchEdit.h"
+#include "DateShift.h"
 #include "ExifModifier.h"
 #include "Formatter.h"
 #include "HRLocation.h"
+#include "IptcKeys.h"
 #include "ImageWriter.h"
 #include "TSAsset.h"
 #include "TSError.h"
+#include "TemplateModel.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,19 +27,16 @@ std::function<int(const QStringList&)>& movieEditor() {
     return editor;
 }
 
-int usage(const QString& problem) {
-    printError("tessorin-cli edit: " + problem + "\n"
-               "usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n"
-               "wishes:\n"
-               "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
-               "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
-               "  --location TEXT                        a place, in degrees or decimal\n"
-               "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
-               "  --orientation N                        1 to 8\n"
-               "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
-               "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\")\n");
-    return 2;
-}
+int usage(const QString& problem) { return cli::usageError("edit", problem); }
+
+// Every option of `edit`, for photos and movies alike.
+const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
+    {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
+    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},         {"--no-location"},
+    {"--no-date"},            {"--no-tags"},                  {"--in-place"},           {"--keep-original"},
+    {"--render"},             {"--template", "", true},
+    {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},   {"--geotag-offset", "", true},
+    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant"}};
 
 struct Target {
     QString outputDir;
@@ -48,6 +51,7 @@ struct Wishes {
     bool noLocation = false, noDate = false, noTags = false;
     std::optional<int> orientation;
     QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
+    std::optional<TemplateModel> iptcTemplate;
 };
 
 void applyWishes(const Wishes& w, UserSettings& settings) {
@@ -60,9 +64,11 @@ void applyWishes(const Wishes& w, UserSettings& settings) {
     settings.switchers.set(Sections::location, w.noLocation);
     settings.switchers.set(Sections::noTags, w.noTags);
     if (w.orientation) settings.setOrientation(*w.orientation);
+    if (w.iptcTemplate) w.iptcTemplate->apply(settings);
     for (const auto& [key, text] : w.tags) {
         if (key == TSKey::IPTC_CREATOR_CONTACT_INFO) continue;
-        settings.properties.set(text, coord(key)->key);
+        if (TSKeys::iptcContactKeys().contains(key)) settings.creatorContactInfo.properties.set(text, coord(key)->key);
+        else settings.properties.set(text, coord(key)->key);
     }
 }
 
@@ -72,11 +78,16 @@ QString backupPath(const QString& path) {
 }
 
 // One photo from its wishes to its file. Returns false after reporting a failure.
-bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const Target& target, bool& wrote) {
+bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
+               const Target& target, bool& wrote) {
     const QString path = asset->path();
     UserSettings settings = base;
     ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
     ExifModifier modifier({photo});
+    if (batch.any())
+        modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
+            for (const QString& problem : applyBatch(*p.tags, batch)) printOut(path + ": " + problem + "\n");
+        };
     modifier.modify(settings, false);
     if (!modifier.anyChanged()) {
         printOut(path + ": Nothing changed\n");
@@ -112,21 +123,21 @@ bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
 
 void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor() = std::move(editor); }
 
-int editCommand(const QStringList& args) {
+int editCommand(const QStringList& rawArgs) {
+    cli::Arguments parsed;
+    if (auto rc = cli::parse("edit", rawArgs, editOptions, parsed)) return *rc;
     Wishes wishes;
+    BatchWishes batch;
+    QString trackPath;
     Target target;
-    QStringList files, passOn;
-    for (int i = 0; i < args.size(); ++i) {
-        const QString& a = args[i];
-        static const QStringList withValue{"--date", "--digitized-date", "--location", "--orientation", "--set", "--remove", "-o"};
-        QString value;
-        if (withValue.contains(a)) {
-            if (i + 1 >= args.size()) return usage(a + " needs a value");
-            value = args[++i];
-            passOn << a << value;
-        } else if (a.startsWith('-')) {
-            passOn << a;
-        }
+    QStringList passOn;  // what the movie editor is given besides the movies
+    for (const auto& [a, value] : parsed.options) {
+        // movies carry no IPTC, and the file list is the movie editor's own
+        static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template", "--shift", "--zone",
+                                            "--keep-instant", "--geotag", "--geotag-offset", "--max-gap", "--strip"};
+        const bool forMovies = !photosOnly.contains(a);
+        if (forMovies) passOn << a;
+        if (forMovies && !value.isNull()) passOn << value;
         if (a == "--date" || a == "--digitized-date") {
             auto date = Formatter::exifDate(value);
             if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
@@ -145,9 +156,37 @@ int editCommand(const QStringList& args) {
             const qsizetype eq = value.indexOf('=');
             if (a == "--set" && eq <= 0) return usage("--set takes KEY=VALUE");
             const QString name = a == "--set" ? value.left(eq) : value;
-            const auto key = EditKeys::editableKey(name);
+            auto key = EditKeys::editableKey(name);
+            if (!key) key = iptc::contactKey(name);
             if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
             wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
+        } else if (a == "--template") {
+            QFile file(value);
+            const auto values = file.open(QIODevice::ReadOnly) ? TemplateModel::decode(file.readAll()) : std::nullopt;
+            if (!values) return usage("'" + value + "' is no template file");
+            wishes.iptcTemplate.emplace(TemplateModel::fromValues(*values));
+        } else if (a == "--shift" || a == "--geotag-offset") {
+            const auto seconds = DateShift::parseOffset(value);
+            if (!seconds) return usage("'" + value + "' is no offset of the form [+-][D ]H:MM[:SS]");
+            if (a == "--shift") batch.shiftSeconds = seconds;
+            else batch.geotag.clockOffsetSeconds = *seconds;
+        } else if (a == "--zone") {
+            const bool keep = batch.zone && batch.zone->keepInstant;
+            batch.zone = TimeZones::parseZone(value);
+            if (!batch.zone) return usage("'" + value + "' is no time zone (\"+02:00\", \"Europe/Rome\")");
+            batch.zone->keepInstant = keep;
+        } else if (a == "--keep-instant") {
+            if (!batch.zone) return usage("--keep-instant follows --zone");
+            batch.zone->keepInstant = true;
+        } else if (a == "--geotag") {
+            trackPath = value;
+        } else if (a == "--max-gap") {
+            const auto seconds = Geotagger::parseDuration(value);
+            if (!seconds) return usage("'" + value + "' is no duration (\"5m\", \"90s\", \"1h\")");
+            batch.geotag.maxGapSeconds = *seconds;
+        } else if (a == "--strip") {
+            batch.strip = PrivacyStrip::parseKind(value);
+            if (!batch.strip) return usage("--strip takes private, location or dates");
         } else if (a == "-o") {
             target.outputDir = value;
         } else if (a == "--no-location") {
@@ -162,18 +201,25 @@ int editCommand(const QStringList& args) {
             target.keepOriginal = true;
         } else if (a == "--render") {
             target.render = true;
-        } else if (a.startsWith('-')) {
-            return usage("unknown option " + a);
-        } else {
-            files << a;
         }
     }
-    if (files.isEmpty()) return usage("no files given");
     if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");
     if (!target.outputDir.isEmpty() && !QFileInfo(target.outputDir).isDir())
         return usage("no folder " + target.outputDir);
+    const auto files = cli::expandFiles("edit", parsed);
+    if (!files) return 2;
+
+    if (!trackPath.isEmpty()) {
+        QString problem;
+        auto log = TrackLog::readFile(trackPath, &problem);
+        if (!log) {
+            printError("tessorin-cli edit: " + trackPath + ": " + problem + "\n");
+            return 2;
+        }
+        batch.trackLog = std::make_shared<const TrackLog>(std::move(*log));
+    }
 
     // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -182,7 +228,7 @@ int editCommand(const QStringList& args) {
     QStringList movies;
     std::optional<UserSettings> settings;
     bool wroteAny = false;
-    for (const QString& path : files) {
+    for (const QString& path : *files) {
         if (target.outputDir.isEmpty() ? false
                                        : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
                                              QFileInfo(path)) {
@@ -216,15 +262,16 @@ int editCommand(const QStringList& args) {
             settings.emplace(asset->metaData(), asset->ddStore());
             applyWishes(wishes, *settings);
         }
-        if (!editPhoto(asset, *settings, target, wroteAny)) status = 1;
+        if (!editPhoto(asset, *settings, batch, target, wroteAny)) status = 1;
     }
     if (settings && wroteAny) settings->saveRecents();
     if (!movies.isEmpty()) {
-        if (!movieEditor()) {
-            for (const QString& m : movies) printError(m + ": movies can't be edited here\n");
+        if (!movieEditor() || batch.any()) {
+            for (const QString& m : movies)
+                printError(m + (batch.any() ? ": movies take no shift, zone, track log or strip yet\n" : ": movies can't be edited here\n"));
             return 1;
         }
-        const int movieStatus = movieEditor()(passOn + movies);
+        const int movieStatus = movieEditor()(passOn + QStringList{"--"} + movies);
         status = std::max(status, movieStatus);
     }
     return status;

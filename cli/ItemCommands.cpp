@@ -1,12 +1,18 @@
 // Commands that show an item as the app does: its details, its sentence, all its tags.
 #include "Commands.h"
+#include "ExitStatus.h"
+#include "FileArgs.h"
+#include "JsonOutput.h"
 
 #include "HRLocation.h"
+#include "ImageProperties.h"
 #include "PlaceLookup.h"
 #include "Settings.h"
 #include "TSAsset.h"
 #include "TSMetaDictionay.h"
 #include "TSMetaVideo.h"
+
+#include <QJsonDocument>
 
 #include <functional>
 
@@ -21,78 +27,131 @@ struct CommandLineDisplay : Displayer {
 // service may take its full transfer time.
 constexpr int placeWaitMs = 15'000;
 
-// Runs `show` on each file's asset; a file that can't be read is reported and skipped. With
-// `places`, the rows are shown once the place look-up has answered.
-int forEachFile(const QStringList& files, const std::function<QString(TSAsset&)>& show, bool headers, bool places = false) {
-    int status = 0;
+// What a command shows of one file: its text, and its entry in the JSON array.
+struct Shown {
+    QString text;
+    QJsonObject json;
+};
+
+// Runs `show` on each file's asset; a file that can't be read is reported and skipped. Each
+// file's text comes behind a line naming it, for one file too unless `headersForOne` is false.
+// With `places`, the rows are shown once the place look-up has answered.
+int forEachFile(const QString& command, const cli::Arguments& args,
+                const std::function<Shown(TSAsset&, bool json)>& show, bool headersForOne, bool places) {
+    const auto files = cli::expandFiles(command, args);
+    if (!files) return 2;
+    const bool headers = headersForOne || files->size() > 1;
+    cli::JsonOutput out(args);
+    cli::ExitStatus status;
     auto display = std::make_shared<CommandLineDisplay>();
-    for (const QString& path : files) {
+    for (const QString& path : *files) {
         TSAsset asset(path, places ? std::weak_ptr<Displayer>(display) : std::weak_ptr<Displayer>());
         if (places) placelookup::waitForAll(placeWaitMs);
         if (asset.readError()) {
-            printError(path + ": " + *asset.readError() + "\n");
-            status = 1;
+            status.fail(path, *asset.readError(), &out);
+            continue;
+        }
+        // The asset shows any file, as the app lists it; here a file of no known type failed.
+        if (imageio::detectFormat(asset.imageData()) == imageio::Format::Unknown) {
+            status.fail(path, QStringLiteral("not an image format that can be read"), &out);
+            continue;
+        }
+        Shown shown = show(asset, out.on());
+        if (out.on()) {
+            shown.json.insert("file", path);
+            out.add(shown.json);
             continue;
         }
         if (headers) printOut("==> " + path + " <==\n");
-        QString text = show(asset);
-        if (!text.endsWith(u'\n')) text += u'\n';
-        printOut(text);
+        if (!shown.text.endsWith(u'\n')) shown.text += u'\n';
+        printOut(shown.text);
     }
-    return status;
+    out.print();
+    return status.code();
 }
 
-int needFiles(const QStringList& args, const char* usage) {
-    if (!args.isEmpty()) return 0;
-    printError(QStringLiteral("usage: tessorin-cli %1\n").arg(usage));
-    return 2;
+// The detail lines ("Label: value") as an object; the closing credit line is no detail.
+QJsonObject detailsJson(const QString& text) {
+    QJsonObject out;
+    for (const QString& line : text.split(u'\n')) {
+        const qsizetype colon = line.indexOf(QStringLiteral(": "));
+        if (colon > 0) out.insert(line.left(colon), line.mid(colon + 2).trimmed());
+    }
+    return out;
 }
 
 }  // namespace
 
-int infoCommand(const QStringList& args) {
-    if (int rc = needFiles(args, "info FILE...")) return rc;
-    return forEachFile(args, [](TSAsset& a) { return a.ddStore().detailsText(); }, true, true);
-}
-
-int summaryCommand(const QStringList& args) {
-    if (int rc = needFiles(args, "summary FILE...")) return rc;
-    return forEachFile(args, [](TSAsset& a) { return a.ddStore().summaryText(); }, true, true);
-}
-
-int tagsCommand(const QStringList& args) {
-    QStringList files = args;
-    const bool raw = files.removeAll("--raw") > 0;
-    const bool json = files.removeAll("--json") > 0;
-    if (raw && json) {
-        printError("tessorin-cli tags: --raw and --json exclude each other\n");
-        return 2;
-    }
-    if (int rc = needFiles(files, "tags FILE... [--raw|--json]")) return rc;
+int infoCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    if (auto rc = cli::parse("info", rawArgs, cli::fileOptions + cli::jsonOptions, args)) return *rc;
     return forEachFile(
-        files,
-        [&](TSAsset& a) {
+        "info", args,
+        [](TSAsset& a, bool json) {
+            const QString text = a.ddStore().detailsText();
+            return json ? Shown{{}, {{"details", detailsJson(text)}}} : Shown{text, {}};
+        },
+        true, true);
+}
+
+int summaryCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    if (auto rc = cli::parse("summary", rawArgs, cli::fileOptions + cli::jsonOptions, args)) return *rc;
+    return forEachFile(
+        "summary", args,
+        [](TSAsset& a, bool) {
+            const QString text = a.ddStore().summaryText();
+            return Shown{text, {{"summary", text.trimmed()}}};
+        },
+        true, true);
+}
+
+int tagsCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    const QList<cli::Option> own{{"--raw", "", false}};
+    if (auto rc = cli::parse("tags", rawArgs, own + cli::fileOptions + cli::jsonOptions, args)) return *rc;
+    if (args.has("--raw") && args.has("--json")) return cli::usageError("tags", "--raw and --json exclude each other");
+    const bool raw = args.has("--raw");
+    return forEachFile(
+        "tags", args,
+        [raw](TSAsset& a, bool json) {
             std::unique_ptr<TSMetaDictProtocol> dict;
             if (a.isVideo() && a.metaVideo() && a.ddStore().completed) dict = std::make_unique<TSMetaVideoDictionary>(a.metaVideo());
             else dict = std::make_unique<TSMetaDictionay>(a.metaData());
-            return json ? dict->jsonText() : raw ? dict->rawText() : dict->allText();
+            if (json) return Shown{{}, {{"tags", QJsonDocument::fromJson(dict->jsonText().toUtf8()).object()}}};
+            return Shown{raw ? dict->rawText() : dict->allText(), {}};
         },
-        files.size() > 1);
+        false, false);
 }
 
-int locationCommand(const QStringList& args) {
-    if (int rc = needFiles(args, "location TEXT...")) return rc;
-    QString text = args.join(' ').trimmed();
+int locationCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    if (auto rc = cli::parse("location", rawArgs, cli::jsonOptions, args)) return *rc;
+    if (args.operands.isEmpty()) return cli::usageError("location", "no text given");
+    QString text = args.operands.join(' ').trimmed();
     // Leading and trailing commas are the caller's to trim, as the search field does.
     while (text.startsWith(u',')) text = text.mid(1).trimmed();
     while (text.endsWith(u',')) text = text.chopped(1).trimmed();
     auto loc = hrl::degreesLocation(text);
     if (!loc) loc = hrl::decimalLocation(text);
-    if (!loc) {
-        printOut("\"" + text + "\" is no coordinate\n");
+    cli::JsonOutput out(args);
+    const QString failure = "\"" + text + "\" is no coordinate";
+    if (!loc && !out.on()) {
+        printOut(failure + "\n");
         return 1;
     }
     const bool human = Settings::flag(SettingsFlag::human);
-    printOut(hrl::coordinatesText(*loc, true).value_or("--") + "\n" + hrl::decimalCoordinatesText(*loc, human, true) + "\n");
-    return 0;
+    const QString degrees = loc ? hrl::coordinatesText(*loc, true).value_or("--") : QString();
+    const QString decimal = loc ? hrl::decimalCoordinatesText(*loc, human, true) : QString();
+    if (!out.on()) {
+        printOut(degrees + "\n" + decimal + "\n");
+        return 0;
+    }
+    if (loc)
+        out.add({{"text", text}, {"latitude", loc->coordinate.latitude}, {"longitude", loc->coordinate.longitude},
+                 {"degrees", degrees}, {"decimal", decimal}});
+    else
+        out.add({{"text", text}, {"error", failure}});
+    out.print();
+    return loc ? 0 : 1;
 }

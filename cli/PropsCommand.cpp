@@ -1,15 +1,16 @@
 #include "Commands.h"
+#include "ExitStatus.h"
+#include "FileArgs.h"
+#include "JsonOutput.h"
 
 #include "FileBytes.h"
 #include "ImageProperties.h"
 #include "MovieReader.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <cmath>
-#include <cstdio>
 
 namespace {
 
@@ -76,34 +77,28 @@ QJsonObject movieProperties(const media::MovieInfo& movie, qint64 fileSize) {
 
 }  // namespace
 
-int propsCommand(const QStringList& args) {
-    if (args.isEmpty()) {
-        printError("usage: tessorin-cli props FILE...\n");
-        return 2;
-    }
-    QJsonArray out;
-    int status = 0;
-    for (const QString& path : args) {
-        QJsonObject entry{{"file", path}};
+int propsCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    if (auto rc = cli::parse("props", rawArgs, cli::fileOptions + cli::jsonOptions, args)) return *rc;
+    const auto files = cli::expandFiles("props", args);
+    if (!files) return 2;
+    cli::JsonOutput out(args, true);
+    cli::ExitStatus status;
+    for (const QString& path : *files) {
         imageio::FileBytes file;
         QString error;
+        std::optional<QJsonObject> properties;
         if (file.open(path, &error)) {
             // Movies go to the movie reader, never to the image reader.
             if (imageio::detectFormat(file.bytes()) == imageio::Format::Movie) {
-                if (auto movie = media::readMovie(file.bytes(), &error))
-                    entry.insert("properties", movieProperties(*movie, file.bytes().size()));
+                if (auto movie = media::readMovie(file.bytes(), &error)) properties = movieProperties(*movie, file.bytes().size());
             } else if (auto props = imageio::readProperties(file.bytes(), &error)) {
-                entry.insert("properties", toJson(*props));
+                properties = toJson(*props);
             }
         }
-        if (!entry.contains("properties")) {
-            entry.insert("error", error);
-            printError(path + ": " + error + "\n");
-            status = 1;
-        }
-        out.append(entry);
+        if (properties) out.add(QJsonObject{{"file", path}, {"properties", *properties}});
+        else status.fail(path, error, &out);
     }
-    const QByteArray json = QJsonDocument(out).toJson(QJsonDocument::Indented);
-    std::fwrite(json.constData(), 1, size_t(json.size()), stdout);
-    return status;
+    out.print();
+    return status.code();
 }

@@ -1,7 +1,10 @@
 // `resources FILE... [--extract DIR]`: each file's resource and the auxiliary images inside it,
 // one line each (label, file name, size, pixel size); --extract writes the auxiliary images
 // into DIR under the names the resource list gives them.
+#include "Arguments.h"
 #include "Commands.h"
+#include "ExitStatus.h"
+#include "FileArgs.h"
 
 #include "FileBytes.h"
 #include "FileTypes.h"
@@ -25,37 +28,33 @@ QString pixelSize(const QByteArray& bytes) {
     return size.isValid() ? QString("%1 x %2").arg(size.width()).arg(size.height()) : QStringLiteral("--");
 }
 
-bool writeInto(const QString& dir, const QString& name, const QByteArray& data, const QString& source) {
+void writeInto(const QString& dir, const QString& name, const QByteArray& data, const QString& source,
+               cli::ExitStatus& status) {
     QSaveFile file(QDir(dir).filePath(name));
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return true;
-    printError("tessorin-cli: " + source + ": can't write " + file.fileName() + ": " + file.errorString() + "\n");
-    return false;
+    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return;
+    status.fail(source, "can't write " + file.fileName() + ": " + file.errorString());
 }
 
 }  // namespace
 
-int resourcesCommand(const QStringList& args) {
-    QStringList files;
-    QString extractDir;
-    for (int i = 0; i < args.size(); ++i) {
-        if (args[i] == "--extract") {
-            if (++i >= args.size()) return printError("tessorin-cli resources: --extract needs a folder\n"), 2;
-            extractDir = args[i];
-        } else {
-            files << args[i];
-        }
-    }
-    if (files.isEmpty()) return printError("usage: tessorin-cli resources FILE... [--extract DIR]\n"), 2;
+int resourcesCommand(const QStringList& rawArgs) {
+    cli::Arguments args;
+    if (auto rc = cli::parse("resources", rawArgs, cli::fileOptions + QList<cli::Option>{{"--extract", {}, true}}, args))
+        return *rc;
+    const std::optional<QStringList> expanded = cli::expandFiles("resources", args);
+    if (!expanded) return 2;
+    const QStringList& files = *expanded;
+    const QString extractDir = args.value("--extract");
+    if (args.has("--extract") && extractDir.isEmpty()) return cli::usageError("resources", "--extract needs a folder");
     if (!extractDir.isEmpty() && !QDir().mkpath(extractDir))
         return printError("tessorin-cli resources: can't make " + extractDir + "\n"), 1;
 
-    int status = 0;
+    cli::ExitStatus status;
     for (const QString& path : files) {
         imageio::FileBytes file;
         QString error;
         if (!file.open(path, &error)) {
-            printError("tessorin-cli: " + path + ": " + error + "\n");
-            status = 1;
+            status.fail(path, error);
             continue;
         }
         const QByteArray& bytes = file.bytes();
@@ -69,9 +68,9 @@ int resourcesCommand(const QStringList& args) {
             const QString auxName = auxiliaryFileName(name, type);
             text += "  " + label(type) + "  " + auxName + "  " + filetypes::fileSizeText(data->size()) + "  " +
                     pixelSize(*data) + "\n";
-            if (!extractDir.isEmpty() && !writeInto(extractDir, auxName, *data, path)) status = 1;
+            if (!extractDir.isEmpty()) writeInto(extractDir, auxName, *data, path, status);
         }
         printOut(text);
     }
-    return status;
+    return status.code();
 }

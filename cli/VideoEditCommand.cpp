@@ -41,6 +41,10 @@ int videoEditCommand(const QStringList& args) {
     bool inPlace = false;
     for (int i = 0; i < args.size(); ++i) {
         const QString& a = args[i];
+        if (a == "--") {
+            files << args.mid(i + 1);
+            break;
+        }
         static const QStringList withValue{"--date", "--location", "-o", "--digitized-date", "--orientation", "--set", "--remove"};
         QString value;
         if (withValue.contains(a)) {

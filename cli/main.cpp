@@ -1,33 +1,14 @@
+#include "Arguments.h"
 #include "Commands.h"
-
+#include "Help.h"
 #include "Settings.h"
+#include "Version.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
 #include <functional>
 #include <map>
-
-namespace {
-
-int usage() {
-    printError("usage: tessorin-cli [--no-human] COMMAND [ARGS...]\n"
-               "commands:\n"
-               "  props FILE...              the property dictionaries of each file, as JSON\n"
-               "  info FILE...               the details of each file, as the detail table shows them\n"
-               "  summary FILE...            the short sentence about each file\n"
-               "  tags FILE... [--raw|--json]  all tags, in words, raw, or as JSON\n"
-               "  location TEXT...           the coordinate that a typed text means\n"
-               "  place LAT LON              the place at a position, and its address\n"
-               "  place --search TEXT        places by name, best first, with their coordinates\n"
-               "  edit [WISHES] FILE... (-o DIR | --in-place | --render -o DIR)\n"
-               "                             rewrites the files with the wishes applied (edit --help)\n"
-               "  resources FILE... [--extract DIR]  each file's resources and auxiliary images\n"
-               "--no-human shows raw values instead of words.\n");
-    return 2;
-}
-
-}  // namespace
 
 void printOut(const QString& text) {
     const QByteArray utf8 = text.toUtf8();
@@ -46,7 +27,15 @@ int main(int argc, char** argv) {
     QStringList args = app.arguments().mid(1);
     if (args.removeAll("--no-human") > 0)
         Settings::setProcessOverride(Settings::key(SettingsFlag::human), false);
-    if (args.isEmpty()) return usage();
+    if (args.isEmpty()) return cli::usageError({}, "no command given");
+    if (args.first() == "-h" || args.first() == "--help") {
+        printOut(cli::helpText({}));
+        return 0;
+    }
+    if (args.first() == "--version") {
+        printOut(cli::versionText());
+        return 0;
+    }
     static const std::map<QString, std::function<int(const QStringList&)>> commands{
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},
@@ -54,9 +43,6 @@ int main(int argc, char** argv) {
         {"resources", resourcesCommand},
     };
     auto it = commands.find(args.first());
-    if (it == commands.end()) {
-        printError("tessorin-cli: unknown command '" + args.first() + "'\n");
-        return usage();
-    }
+    if (it == commands.end()) return cli::usageError({}, "unknown command '" + args.first() + "'");
     return it->second(args.mid(1));
 }

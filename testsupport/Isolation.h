@@ -5,6 +5,10 @@
 // local port this object watches, so any request that would leave the machine fails the test.
 // Child processes started through testsupport::run inherit all of it. The destructor restores
 // everything it changed.
+//
+// Every test binary made with tessorin_add_tests runs each test inside its own Isolation, from
+// before the fixture is made to after it is gone, and the whole run inside one more; a test
+// binary that builds something before its tests start makes an Isolation first.
 #include <gtest/gtest.h>
 
 #include <QLocale>
@@ -31,10 +35,17 @@ public:
     QString root() const { return dir_.path(); }
     // Connections that reached the watched proxy port so far.
     int proxyConnections() const { return connections_.load(); }
-
-private:
+    // Changes a variable until this Isolation ends.
     void setEnv(const char* name, const QByteArray& value);
     void unsetEnv(const char* name);
+
+    // The innermost Isolation alive, if any.
+    static Isolation* current();
+    // The locale QLocale() gives inside every Isolation made from now on: C unless a test binary
+    // checks texts in another language.
+    static void setTestLocale(const QLocale& locale);
+
+private:
     QString makeFolder(const QString& name) const;
     void startProxyTrap();
     void stopProxyTrap();
@@ -47,15 +58,18 @@ private:
     int stopPipe_[2] = {-1, -1};
     std::atomic<int> connections_{0};
     std::thread trap_;
+    Isolation* outer_ = nullptr;
 };
 
-// A test fixture for tests that need nothing else: every test in it runs isolated.
+// A test fixture for tests that need their Isolation's folder or to change a variable.
 class IsolatedTest : public ::testing::Test {
 protected:
-    Isolation& isolation() { return isolation_; }
+    Isolation& isolation() { return *isolation_; }
 
 private:
-    Isolation isolation_;
+    // The one this test runs in; one of its own when the binary isolates nothing.
+    std::unique_ptr<Isolation> own_ = Isolation::current() ? nullptr : std::make_unique<Isolation>();
+    Isolation* isolation_ = Isolation::current();
 };
 
 }  // namespace testsupport

@@ -4,12 +4,21 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFileInfo>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
+#include <QMap>
 #include <QProcess>
 
 namespace testsupport {
+
+// How many samples each folder of the corpus holds, counted from the corpus as it stands. A
+// folder with fewer fails the test: a loop over a partial corpus would pass on what is left.
+static const QMap<QString, int> kCorpusCounts{
+    {"heif", 4}, {"jpeg", 12},    {"jpeg/edge", 12}, {"jpeg/gps", 3}, {"jpeg/orientation", 16}, {"malformed", 13},
+    {"png", 4},  {"portrait", 1}, {"tiff", 3},       {"video", 4},    {"webp", 1}};
 
 QString corpusDir() {
     QString dir = qEnvironmentVariable("TESSORIN_CORPUS");
@@ -17,6 +26,12 @@ QString corpusDir() {
         ADD_FAILURE() << "sample media not found at '" << dir.toStdString()
                       << "': ../shared/corpus must sit beside the repository";
         return {};
+    }
+    for (auto it = kCorpusCounts.begin(); it != kCorpusCounts.end(); ++it) {
+        const qsizetype found = QDir(dir + "/" + it.key()).entryList({"*"}, QDir::Files).size();
+        if (found < it.value())
+            ADD_FAILURE() << "the sample media are incomplete: " << dir.toStdString() << "/" << it.key().toStdString()
+                          << " holds " << found << " files, " << it.value() << " expected";
     }
     return dir;
 }
@@ -38,7 +53,11 @@ static QStringList filesUnder(const QString& dir, bool malformed) {
 QStringList corpusFiles() { return filesUnder(corpusDir(), false); }
 QStringList malformedFiles() { return filesUnder(corpusDir(), true); }
 
-QString video(const QString& name) { return corpusDir() + "/video/" + name; }
+QString video(const QString& name) {
+    const QString path = corpusDir() + "/video/" + name;
+    if (!QFileInfo(path).isFile()) ADD_FAILURE() << "sample movie missing: " << path.toStdString();
+    return path;
+}
 
 QStringList movies() {
     QStringList out;
@@ -48,6 +67,10 @@ QStringList movies() {
 }
 
 QString binDir() { return qEnvironmentVariable("TESSORIN_BIN"); }
+
+QString fullDateText(const QDateTime& date) {
+    return QLocale::c().toString(date, QStringLiteral("dddd, d MMMM yyyy HH:mm:ss"));
+}
 
 QByteArray readFile(const QString& path) {
     QFile f(path);

@@ -51,5 +51,13 @@ Page {
             font.pixelSize: 13
             color: "#6D6D72"
         }
+        Label {
+            Layout.fillWidth: true
+            text: "Digital source types: IPTC NewsCodes (iptc.org), IPTC, licensed under CC BY 4.0."
+            wrapMode: Text.WordWrap
+            horizontalAlignment: Text.AlignHCenter
+            font.pixelSize: 13
+            color: "#6D6D72"
+        }
     }
 }

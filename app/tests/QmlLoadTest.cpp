@@ -7,6 +7,7 @@
 #include "GroupViewModel.h"
 #include "QmlSetup.h"
 #include "TSAlbum.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -171,6 +172,8 @@ TEST_F(QmlLoadTest, ScreensRunThroughTheirStates) {
 int main(int argc, char** argv) {
     // Also when the test runner lists the tests, where no display is set.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The models read the settings as they are built: never the user's.
+    testsupport::Isolation isolation;
     QGuiApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     previousHandler = qInstallMessageHandler(collect);

@@ -26,6 +26,7 @@ constexpr Row kRows[] = {
     {"title", "Share Photo", "", {}},
     {"button", "With Metadata", "shareMeta", ShareAction::shareMeta},
     {"button", "Without Metadata", "shareWithoutMeta", ShareAction::shareWithoutMeta},
+    {"button", "Without Location", "shareWithoutLocation", ShareAction::shareWithoutLocation},
     {"separator", "", "", {}},
     {"title", "Share Details Only", "", {}},
     {"button", "Details", "shareDetails", ShareAction::shareDetails},
@@ -67,6 +68,7 @@ QUrl ShareViewModel::saveFolder() const {
 
 void ShareViewModel::shareMeta() { run(ShareAction::shareMeta); }
 void ShareViewModel::shareWithoutMeta() { run(ShareAction::shareWithoutMeta); }
+void ShareViewModel::shareWithoutLocation() { run(ShareAction::shareWithoutLocation); }
 void ShareViewModel::shareDetails() { run(ShareAction::shareDetails); }
 void ShareViewModel::hrShare() { run(ShareAction::hrShare); }
 void ShareViewModel::jsonShare() { run(ShareAction::jsonShare); }

@@ -1,5 +1,5 @@
 #pragma once
-// The share menu of the detail screen: its rows, whether it is open, and its six actions on the
+// The share menu of the detail screen: its rows, whether it is open, and its seven actions on the
 // current item of the current album. Texts go to the clipboard; everything can then be saved
 // through a save dialog (saveRequested, then saveTo); failures show an "Error" alert with "Ok".
 #include "TSShare.h"
@@ -43,6 +43,7 @@ public:
     // The menu's actions: each closes the menu first, then works on the current item.
     Q_INVOKABLE void shareMeta();
     Q_INVOKABLE void shareWithoutMeta();
+    Q_INVOKABLE void shareWithoutLocation();
     Q_INVOKABLE void shareDetails();
     Q_INVOKABLE void hrShare();
     Q_INVOKABLE void jsonShare();

@@ -4,18 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QMap>
 #include <QSet>
 #include <QTemporaryDir>
-#include <libheif/heif.h>
 
 #include <cmath>
-#include <memory>
 
 using namespace testsupport;
 
@@ -34,10 +32,6 @@ QStringList writableSamples() {
 }
 
 bool isJpeg(const QString& f) { return f.endsWith(".jpg", Qt::CaseInsensitive); }
-bool isHeif(const QString& f) {
-    const QString s = QFileInfo(f).suffix().toLower();
-    return s == "heic" || s == "avif";
-}
 
 QJsonObject tagsOf(const QString& path) { return exiftoolJson(path, {"-n", "-G1", "-a"}).toObject(); }
 
@@ -64,116 +58,50 @@ QSet<QString> textSet(const QJsonValue& v) {
     return out;
 }
 
-// Bytes from the first start-of-scan marker on: the coded image and whatever follows it.
-QByteArray jpegScan(const QByteArray& b) {
-    for (qsizetype at = 2; at + 4 <= b.size();) {
-        if (uint8_t(b[at]) != 0xFF) return {};
-        const uint8_t marker = uint8_t(b[at + 1]);
-        if (marker == 0xDA) return b.mid(at);
-        at += 2 + (uint8_t(b[at + 2]) << 8 | uint8_t(b[at + 3]));
-    }
-    return {};
-}
-
-// Decoded pixels of every image of a HEIF file: top-level images, their thumbnails and
-// auxiliary images, in order.
-QList<QByteArray> heifPixels(const QByteArray& bytes) {
-    QList<QByteArray> out;
-    std::unique_ptr<heif_context, decltype(&heif_context_free)> ctx(heif_context_alloc(), heif_context_free);
-    if (heif_context_read_from_memory_without_copy(ctx.get(), bytes.constData(), size_t(bytes.size()), nullptr).code)
-        return out;
-    auto decode = [&](heif_image_handle* h) {
-        heif_image* img = nullptr;
-        if (heif_decode_image(h, &img, heif_colorspace_undefined, heif_chroma_undefined, nullptr).code) {
-            out << QByteArray("undecodable");
-            return;
-        }
-        QByteArray all;
-        for (heif_channel c : {heif_channel_Y, heif_channel_Cb, heif_channel_Cr, heif_channel_R, heif_channel_G,
-                               heif_channel_B, heif_channel_Alpha, heif_channel_interleaved}) {
-            if (!heif_image_has_channel(img, c)) continue;
-            int stride = 0;
-            const uint8_t* p = heif_image_get_plane_readonly(img, c, &stride);
-            // Row by row: the padding at the end of a row is never written by the decoder.
-            const int w = heif_image_get_width(img, c), h2 = heif_image_get_height(img, c);
-            const int rowBytes = w * ((heif_image_get_bits_per_pixel(img, c) + 7) / 8);
-            for (int y = 0; y < h2; ++y) all.append(reinterpret_cast<const char*>(p) + qsizetype(y) * stride, rowBytes);
-        }
-        heif_image_release(img);
-        out << QCryptographicHash::hash(all, QCryptographicHash::Sha256);
-    };
-    const int n = heif_context_get_number_of_top_level_images(ctx.get());
-    std::vector<heif_item_id> ids(size_t(std::max(n, 0)));
-    heif_context_get_list_of_top_level_image_IDs(ctx.get(), ids.data(), n);
-    for (heif_item_id id : ids) {
-        heif_image_handle* h = nullptr;
-        if (heif_context_get_image_handle(ctx.get(), id, &h).code) continue;
-        decode(h);
-        for (bool aux : {false, true}) {
-            const int count = aux ? heif_image_handle_get_number_of_auxiliary_images(h, 0)
-                                  : heif_image_handle_get_number_of_thumbnails(h);
-            std::vector<heif_item_id> sub(size_t(std::max(count, 0)));
-            if (aux) heif_image_handle_get_list_of_auxiliary_image_IDs(h, 0, sub.data(), count);
-            else heif_image_handle_get_list_of_thumbnail_IDs(h, sub.data(), count);
-            for (heif_item_id s : sub) {
-                heif_image_handle* sh = nullptr;
-                if ((aux ? heif_image_handle_get_auxiliary_image_handle(h, s, &sh)
-                         : heif_image_handle_get_thumbnail(h, s, &sh)).code == heif_error_Ok) {
-                    decode(sh);
-                    heif_image_handle_release(sh);
-                }
-            }
-        }
-        heif_image_handle_release(h);
-    }
-    return out;
-}
-
-void expectSameImage(const QString& source, const QString& written) {
-    const QByteArray a = readFile(source), b = readFile(written);
-    if (isJpeg(source)) {
-        ASSERT_FALSE(jpegScan(a).isEmpty());
-        EXPECT_TRUE(jpegScan(a) == jpegScan(b)) << "the coded image changed";
-    } else if (isHeif(source)) {
-        const auto before = heifPixels(a);
-        ASSERT_FALSE(before.isEmpty());
-        EXPECT_EQ(before, heifPixels(b));
-    } else if (!source.endsWith(".dng")) {  // the sample DNG carries no image data
-        const QImage ia = QImage::fromData(a), ib = QImage::fromData(b);
-        ASSERT_FALSE(ia.isNull());
-        EXPECT_TRUE(ia == ib) << "the decoded pixels changed";
-    }
-}
-
 struct Scenario {
     const char* name;
     QStringList args;
-    // Fragments of the exiftool tag names this wish may change, beyond those every save may.
+    // What this wish changes beyond what every save may: exiftool's "Group:Name", or "Group:" for
+    // a whole group.
     QStringList touches;
     std::function<void(const QString& file, const QJsonObject& after)> check;
 };
 
-// What every save may change: the software tag; the IPTC dates, dropped at commit; the
-// modification date, which follows the original date; offsets that move with the data.
-// The IPTC by-line, copyright and caption (and their XMP homes) follow the artist, copyright and
-// image description tags, which take them as their value when they have none of their own.
-const QStringList kAlwaysTouched{"By-line", "CopyrightNotice", "Caption-Abstract", "XMP-dc:Description",
-                                 "XMP-dc:Creator", "XMP-dc:Rights", "Software", "CreatorTool", "IPTC:DateCreated", "IPTC:TimeCreated",
-                                 "IPTC:DigitalCreation", "ModifyDate", "Offset", "ImageStart", "MediaData",
-                                 "XMPToolkit"};
+// What every save may change, by exiftool's group and name, and why. Anything else that reads
+// differently after a save is a fault.
+const QMap<QString, const char*> kEverySave{
+    {"IFD0:Software", "names the program that saved the file"},
+    {"XMP-xmp:CreatorTool", "names the program that saved the file"},
+    {"XMP-x:XMPToolkit", "names the library that wrote the XMP packet"},
+    {"IFD0:ModifyDate", "set by each save"},
+    {"XMP-xmp:ModifyDate", "set by each save"},
+    {"IPTC:DateCreated", "the IPTC dates are dropped at each save"},
+    {"IPTC:TimeCreated", "the IPTC dates are dropped at each save"},
+    {"IPTC:DigitalCreationDate", "the IPTC dates are dropped at each save"},
+    {"IPTC:DigitalCreationTime", "the IPTC dates are dropped at each save"},
+    {"IPTC:By-line", "takes the artist's value when it has none of its own"},
+    {"XMP-dc:Description", "takes the image description's value when it has none of its own"},
+    {"IFD1:ThumbnailOffset", "where the thumbnail sits after the metadata grew or shrank"},
+    {"IFD0:StripOffsets", "where the image data sit after the metadata grew or shrank"},
+    {"SubIFD:TileOffsets", "where the image data sit after the metadata grew or shrank"},
+    {"IFD0:PreviewImageStart", "where the preview sits after the metadata grew or shrank"},
+    {"SubIFD1:OtherImageStart", "where the preview sits after the metadata grew or shrank"},
+    {"QuickTime:MediaDataOffset", "where the coded images sit after the metadata box changed size"},
+    {"QuickTime:MediaDataSize", "the media box ends where the coded images end"},
+};
 
 QString str(const QJsonObject& o, const char* key) { return o.value(key).toVariant().toString(); }
 
 QList<Scenario> scenarios() {
     QList<Scenario> s;
-    s << Scenario{"date", {"--date", "2020:01:02 03:04:05"}, {"DateTimeOriginal", "photoshop:DateCreated"},
+    s << Scenario{"date", {"--date", "2020:01:02 03:04:05"}, {"ExifIFD:DateTimeOriginal", "XMP-exif:DateTimeOriginal", "XMP-photoshop:DateCreated"},
                   [](const QString& f, const QJsonObject& a) {
                       EXPECT_EQ(str(a, "ExifIFD:DateTimeOriginal"), "2020:01:02 03:04:05");
                       EXPECT_EQ(str(a, "IFD0:ModifyDate"), "2020:01:02 03:04:05");
                       EXPECT_EQ(exiv2Values(f, {"Exif.Photo.DateTimeOriginal"}).value("Exif.Photo.DateTimeOriginal"),
                                 "2020:01:02 03:04:05");
                   }};
-    s << Scenario{"location", {"--location", "48.8584, -2.2945"}, {"GPS"}, [](const QString& f, const QJsonObject& a) {
+    s << Scenario{"location", {"--location", "48.8584, -2.2945"}, {"GPS:", "XMP-exif:GPSVersionID"}, [](const QString& f, const QJsonObject& a) {
                       EXPECT_NEAR(a.value("GPS:GPSLatitude").toDouble(), 48.8584, 1e-6);
                       EXPECT_EQ(str(a, "GPS:GPSLatitudeRef"), "N");
                       EXPECT_NEAR(a.value("GPS:GPSLongitude").toDouble(), 2.2945, 1e-6);
@@ -184,42 +112,50 @@ QList<Scenario> scenarios() {
                       EXPECT_EQ(exiv2Values(f, {"Exif.GPSInfo.GPSLongitudeRef"}).value("Exif.GPSInfo.GPSLongitudeRef"),
                                 "West");
                   }};
-    s << Scenario{"comment", {"--set", "USER_COMMENT=hello wörld"}, {"UserComment"},
+    s << Scenario{"comment", {"--set", "USER_COMMENT=hello wörld"}, {"ExifIFD:UserComment"},
                   [](const QString& f, const QJsonObject& a) {
                       EXPECT_EQ(str(a, "ExifIFD:UserComment"), "hello wörld");
                       // exiv2 names the character set in front of the text for some containers.
                       EXPECT_TRUE(exiv2Values(f, {"Exif.Photo.UserComment"}).value("Exif.Photo.UserComment").endsWith("hello wörld"));
                   }};
-    s << Scenario{"keywords", {"--set", "Keywords=alpha, beta,gamma"}, {"Keywords", "Subject"},
+    s << Scenario{"keywords", {"--set", "Keywords=alpha, beta,gamma"}, {"IPTC:Keywords", "XMP-dc:Subject"},
                   [](const QString& f, const QJsonObject& a) {
                       const QSet<QString> wished{"alpha", "beta", "gamma"};
                       EXPECT_EQ(textSet(a.value("XMP-dc:Subject")), wished);
-                      if (isJpeg(f)) EXPECT_EQ(textSet(a.value("IPTC:Keywords")), wished);
+                      if (isJpeg(f)) {
+                          EXPECT_EQ(textSet(a.value("IPTC:Keywords")), wished);
+                      }
                       EXPECT_EQ(exiv2Values(f, {"Xmp.dc.subject"}).value("Xmp.dc.subject"), "alpha, beta, gamma");
                   }};
-    s << Scenario{"author", {"--set", "AUTHOR=Jane Doe"}, {"Artist", "By-line", "Creator"},
+    s << Scenario{"author", {"--set", "AUTHOR=Jane Doe"}, {"IFD0:Artist", "XMP-dc:Creator"},
                   [](const QString& f, const QJsonObject& a) {
                       EXPECT_EQ(str(a, "IFD0:Artist"), "Jane Doe");
                       EXPECT_EQ(textSet(a.value("XMP-dc:Creator")), QSet<QString>{"Jane Doe"});
-                      if (isJpeg(f)) EXPECT_EQ(textSet(a.value("IPTC:By-line")), QSet<QString>{"Jane Doe"});
+                      if (isJpeg(f)) {
+                          EXPECT_EQ(textSet(a.value("IPTC:By-line")), QSet<QString>{"Jane Doe"});
+                      }
                       EXPECT_EQ(exiv2Values(f, {"Exif.Image.Artist"}).value("Exif.Image.Artist"), "Jane Doe");
                   }};
-    s << Scenario{"copyright", {"--set", "COPYRIGHT=(c) 2020 Jane Doe"}, {"Copyright", "Rights"},
+    s << Scenario{"copyright", {"--set", "COPYRIGHT=(c) 2020 Jane Doe"}, {"IFD0:Copyright", "IPTC:CopyrightNotice", "XMP-dc:Rights"},
                   [](const QString& f, const QJsonObject& a) {
                       EXPECT_EQ(str(a, "IFD0:Copyright"), "(c) 2020 Jane Doe");
                       EXPECT_EQ(str(a, "XMP-dc:Rights"), "(c) 2020 Jane Doe");
-                      if (isJpeg(f)) EXPECT_EQ(str(a, "IPTC:CopyrightNotice"), "(c) 2020 Jane Doe");
+                      if (isJpeg(f)) {
+                          EXPECT_EQ(str(a, "IPTC:CopyrightNotice"), "(c) 2020 Jane Doe");
+                      }
                       EXPECT_EQ(exiv2Values(f, {"Exif.Image.Copyright"}).value("Exif.Image.Copyright"), "(c) 2020 Jane Doe");
                   }};
-    s << Scenario{"description", {"--set", "DESCRIPTION=A quiet morning"}, {"ImageDescription", "Caption", "Description"},
+    s << Scenario{"description", {"--set", "DESCRIPTION=A quiet morning"}, {"IFD0:ImageDescription", "IPTC:Caption-Abstract"},
                   [](const QString& f, const QJsonObject& a) {
                       EXPECT_EQ(str(a, "IFD0:ImageDescription"), "A quiet morning");
                       EXPECT_EQ(str(a, "XMP-dc:Description"), "A quiet morning");
-                      if (isJpeg(f)) EXPECT_EQ(str(a, "IPTC:Caption-Abstract"), "A quiet morning");
+                      if (isJpeg(f)) {
+                          EXPECT_EQ(str(a, "IPTC:Caption-Abstract"), "A quiet morning");
+                      }
                       EXPECT_EQ(exiv2Values(f, {"Exif.Image.ImageDescription"}).value("Exif.Image.ImageDescription"),
                                 "A quiet morning");
                   }};
-    s << Scenario{"no location", {"--no-location"}, {"GPS"}, [](const QString& f, const QJsonObject& a) {
+    s << Scenario{"no location", {"--no-location"}, {"GPS:", "XMP-exif:GPSVersionID"}, [](const QString& f, const QJsonObject& a) {
                       for (auto it = a.begin(); it != a.end(); ++it)
                           EXPECT_FALSE(it.key().startsWith("GPS:") || it.key().startsWith("XMP-exif:GPS"))
                               << it.key().toStdString();
@@ -245,9 +181,7 @@ void expectOthersKept(const QString& file, const QJsonObject& before, const QJso
         if (tag == "SourceFile" || tag.startsWith("System:") || tag.startsWith("File:") || tag.startsWith("ExifTool:") ||
             tag.startsWith("Composite:") || knownException(file, tag))
             continue;
-        bool touched = false;
-        for (const QString& t : kAlwaysTouched + touches) touched |= tag.contains(t);
-        if (touched) continue;
+        if (kEverySave.contains(tag) || touches.contains(tag) || touches.contains(tag.section(':', 0, 0) + ':')) continue;
         const QString old = it.value().toVariant().toString();
         // Blank texts are cleared and texts trimmed by the modifier's rules.
         if (it.value().isString() && old.trimmed().isEmpty() && !after.contains(tag)) continue;
@@ -258,19 +192,12 @@ void expectOthersKept(const QString& file, const QJsonObject& before, const QJso
 
 }  // namespace
 
-class EditCommand : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(config_.isValid());
-        // The tool keeps recent dates and places in the settings: keep them out of the user's.
-        qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
-    }
-    QTemporaryDir config_;
-};
+// The tool keeps recent dates and places in the settings: each test has its own, isolated.
+class EditCommand : public ::testing::Test {};
 
 TEST_F(EditCommand, EveryWishReadsBackAndNothingElseChanges) {
     const QStringList files = writableSamples();
-    ASSERT_GE(files.size(), 20);
+    ASSERT_EQ(files.size(), 24);  // jpeg 12, heif 4, png 4, tiff 3, webp 1
     for (const QString& file : files) {
         const QJsonObject before = tagsOf(file);
         for (const Scenario& s : scenarios()) {
@@ -280,7 +207,14 @@ TEST_F(EditCommand, EveryWishReadsBackAndNothingElseChanges) {
             const QString written = QDir(out.path()).filePath(QFileInfo(file).fileName());
             ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
             if (!QFileInfo::exists(written)) {
-                EXPECT_TRUE(r.out.contains("Nothing changed"));
+                // Only taking away a position the file lacks may change nothing: any other wish
+                // that writes no file was dropped.
+                bool hadPosition = false;
+                for (auto it = before.begin(); it != before.end(); ++it)
+                    hadPosition |= it.key().startsWith("GPS:") || it.key().startsWith("XMP-exif:GPS");
+                EXPECT_TRUE(QByteArray(s.name) == "no location" && !hadPosition)
+                    << "no file written: " << r.out.toStdString();
+                EXPECT_TRUE(r.out.contains("Nothing changed")) << r.out.toStdString();
                 continue;
             }
             const QJsonObject after = tagsOf(written);
@@ -292,7 +226,9 @@ TEST_F(EditCommand, EveryWishReadsBackAndNothingElseChanges) {
 }
 
 TEST_F(EditCommand, NoTagsLeavesNoTagsAndTheSameImage) {
-    for (const QString& file : writableSamples()) {
+    const QStringList files = writableSamples();
+    ASSERT_EQ(files.size(), 24);
+    for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
         QTemporaryDir out;
         const ProcessResult r = cli({"edit", "--no-tags", file, "-o", out.path()});
@@ -305,7 +241,7 @@ TEST_F(EditCommand, NoTagsLeavesNoTagsAndTheSameImage) {
                                              "XPTitle", "XPComment", "XPAuthor", "XPKeywords", "XPSubject"};
         for (auto it = after.begin(); it != after.end(); ++it) {
             const QString group = it.key().section(':', 0, 0), name = it.key().section(':', 1);
-            if (group == "IFD0") EXPECT_FALSE(described.contains(name)) << it.key().toStdString();
+            EXPECT_FALSE(group == "IFD0" && described.contains(name)) << it.key().toStdString();
             // The sample DNG's XMP sits with its auxiliary sky matte and describes that image.
             const bool auxiliaryXmp = file.endsWith(".dng") && group.startsWith("XMP");
             EXPECT_FALSE(group == "ExifIFD" || group == "GPS" || group == "IPTC" || (group.startsWith("XMP") && !auxiliaryXmp))
@@ -314,8 +250,7 @@ TEST_F(EditCommand, NoTagsLeavesNoTagsAndTheSameImage) {
         expectSameImage(file, written);
         // The colour profile is part of the image.
         const QJsonObject before = tagsOf(file);
-        if (before.contains("ICC_Profile:ProfileDescription"))
-            EXPECT_EQ(after.value("ICC_Profile:ProfileDescription"), before.value("ICC_Profile:ProfileDescription"));
+        EXPECT_EQ(after.value("ICC_Profile:ProfileDescription"), before.value("ICC_Profile:ProfileDescription"));
     }
 }
 
@@ -341,12 +276,37 @@ TEST_F(EditCommand, InPlaceKeepsTheOriginalBesideWhenAsked) {
     expectSameImage(source, copy);
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 2);
 
-    // The same wish again changes nothing and writes nothing.
+    // A second edit would overwrite the kept original: refused before anything is written.
     const QByteArray edited = readFile(copy);
+    const ProcessResult refused =
+        cli({"edit", "--set", "IPTC_CITY=Salisbury", "--in-place", "--keep-original", copy});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains("can't keep the original")) << refused.err.toStdString();
+    EXPECT_EQ(readFile(copy), edited);
+    EXPECT_EQ(readFile(dir.filePath("Stonehenge_original.heic")), readFile(source));
+
+    // The same wish again changes nothing and writes nothing.
     const ProcessResult again = cli({"edit", "--set", "IPTC_CITY=Amesbury", "--in-place", copy});
     EXPECT_EQ(again.exitCode, 0);
     EXPECT_TRUE(again.out.contains("Nothing changed")) << again.out.toStdString();
     EXPECT_EQ(readFile(copy), edited);
+}
+
+TEST_F(EditCommand, DigitizedDateAndRemovalReadBack) {
+    QTemporaryDir out;
+    const QString file = corpusDir() + "/jpeg/iptc-psAPP13-wIPTCmid.jpg";
+    ASSERT_EQ(str(tagsOf(file), "IPTC:By-line"), "This is a by-line");
+    const ProcessResult r =
+        cli({"edit", "--digitized-date", "2019:05:06 07:08:09", "--remove", "By-line", file, "-o", out.path()});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    const QString written = out.filePath("iptc-psAPP13-wIPTCmid.jpg");
+    const QJsonObject after = tagsOf(written);
+    EXPECT_EQ(str(after, "ExifIFD:CreateDate"), "2019:05:06 07:08:09");
+    EXPECT_EQ(exiv2Values(written, {"Exif.Photo.DateTimeDigitized"}).value("Exif.Photo.DateTimeDigitized"),
+              "2019:05:06 07:08:09");
+    for (const char* gone : {"IPTC:By-line", "IFD0:Artist", "XMP-dc:Creator"})
+        EXPECT_FALSE(after.contains(gone)) << gone;
+    expectSameImage(file, written);
 }
 
 TEST_F(EditCommand, RenderDrawsUprightAndHeifBecomesJpeg) {
@@ -369,25 +329,41 @@ TEST_F(EditCommand, FailuresLeaveTheSourceAndNoStrayFile) {
     const QString source = corpusDir() + "/jpeg/iphone_hdr_YES.jpg";
     const QByteArray original = readFile(source);
 
-    // A folder nobody may write to (as root, chmod alone doesn't stop a write).
-    QTemporaryDir locked;
-    QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
-    const QString target = QFileInfo(locked.path()).isWritable() ? QStringLiteral("/proc/self") : locked.path();
-    ProcessResult r = cli({"edit", "--date", "2020:01:02 03:04:05", source, "-o", target});
+    // A target that refuses the write even for root: a folder already holds the name. The
+    // finished file can't take its place, and nothing else is left beside it.
+    QTemporaryDir taken;
+    ASSERT_TRUE(QDir(taken.path()).mkdir("iphone_hdr_YES.jpg"));
+    ProcessResult r = cli({"edit", "--date", "2020:01:02 03:04:05", source, "-o", taken.path()});
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_TRUE(r.err.contains("iphone_hdr_YES.jpg")) << r.err.toStdString();
-    EXPECT_TRUE(QDir(locked.path()).entryList(QDir::Files | QDir::Hidden).isEmpty());
-    QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    EXPECT_EQ(QDir(taken.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{"iphone_hdr_YES.jpg"});
+    EXPECT_TRUE(QDir(taken.filePath("iphone_hdr_YES.jpg")).isEmpty());
 
-    // A write cut short by a file size limit, in place and to a folder.
+    // -o into the file's own folder would replace it: refused, the file untouched.
+    QTemporaryDir own;
+    const QString mine = own.filePath("iphone_hdr_YES.jpg");
+    ASSERT_TRUE(QFile::copy(source, mine));
+    r = cli({"edit", "--date", "2020:01:02 03:04:05", mine, "-o", own.path()});
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains("use --in-place")) << r.err.toStdString();
+    EXPECT_EQ(readFile(mine), original);
+    EXPECT_EQ(QDir(own.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"iphone_hdr_YES.jpg"});
+
+    // A write cut short by a file size limit (it holds for root too), in place, in place keeping
+    // the original, and to a folder. The limit lets a copy of the original through, so keeping it
+    // succeeds, but not the edited file, which a long description makes larger.
     QTemporaryDir dir;
     const QString copy = dir.filePath("iphone_hdr_YES.jpg");
     ASSERT_TRUE(QFile::copy(source, copy));
     QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     QTemporaryDir out;
-    for (const QStringList& where : {QStringList{"--in-place"}, QStringList{"-o", out.path()}}) {
-        r = run("sh", QStringList{"-c", "ulimit -f 16; exec \"$0\" \"$@\"", QStringLiteral(TESSORIN_CLI), "edit",
-                                  "--date", "2020:01:02 03:04:05", copy} + where);
+    const QString limit = "--fsize=" + QString::number(original.size() + 1024);
+    for (const QStringList& where :
+         {QStringList{"--in-place"}, QStringList{"--in-place", "--keep-original"}, QStringList{"-o", out.path()}}) {
+        SCOPED_TRACE(where.join(' ').toStdString());
+        r = run("prlimit", QStringList{limit, QStringLiteral(TESSORIN_CLI), "edit", "--set",
+                                       "DESCRIPTION=" + QString(4000, 'x'), copy} + where);
         EXPECT_EQ(r.exitCode, 1) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains("Error writing data to file")) << r.err.toStdString();
         EXPECT_EQ(readFile(copy), original);

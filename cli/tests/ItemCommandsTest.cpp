@@ -1,6 +1,5 @@
 // `info`, `tags` and `location` over the sample media, with exiftool, run live, as the oracle for
 // what the details must show.
-#include "Formatter.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +38,7 @@ QStringList groupsOf(const QString& file) {
 
 TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
     const QStringList files = corpusFiles();
-    ASSERT_FALSE(files.isEmpty());
+    ASSERT_EQ(files.size(), 60);
     for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
         const ProcessResult json = cli({"tags", "--json", file});
@@ -47,7 +46,7 @@ TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
         QJsonParseError error{};
         const QJsonDocument doc = QJsonDocument::fromJson(json.out, &error);
         EXPECT_EQ(error.error, QJsonParseError::NoError) << json.out.left(200).toStdString();
-        EXPECT_TRUE(doc.isObject());
+        EXPECT_TRUE(doc.isArray() && doc.array().at(0)["tags"].isObject());
         if (isMovie(file)) continue;
 
         const QString human = QString::fromUtf8(cli({"tags", file}).out);
@@ -63,7 +62,7 @@ TEST(TagsCommand, EveryFileExportsValidJsonAndEveryGroup) {
 
 TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
     const QStringList files = images();
-    ASSERT_FALSE(files.isEmpty());
+    ASSERT_EQ(files.size(), 56);
     const ProcessResult et = run("exiftool", QStringList{"-j", "-G1", "-IFD0:Model", "-ExifIFD:LensModel",
                                                          "-ExifIFD:DateTimeOriginal", "-XMP-exif:DateTimeOriginal",
                                                          "-XMP-photoshop:DateCreated", "-IFD0:ModifyDate"} + files);
@@ -96,10 +95,13 @@ TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
                                 "IFD0:ModifyDate"}) {
             QString text = o[tag].toString().left(19);  // XMP dates may carry a zone
             if (text.size() == 10) text += " 00:00:00";
-            if ((d = Formatter::exifDate(text))) break;
+            if (const QDateTime t = QDateTime::fromString(text, "yyyy:MM:dd HH:mm:ss"); t.isValid()) {
+                d = t;
+                break;
+            }
         }
         if (d) {
-            EXPECT_EQ(line("Original Date:"), Formatter::format(*d, Formatter::Style::fullDate));
+            EXPECT_EQ(line("Original Date:"), fullDateText(*d));
             ++checkedDates;
         } else {
             EXPECT_EQ(line("Original Date:"), "--");

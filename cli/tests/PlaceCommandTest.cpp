@@ -12,17 +12,11 @@ using namespace testsupport;
 
 namespace {
 
+// Every test runs isolated: English names (the C locale) and empty settings, so no online
+// service is configured and nothing here reaches the network.
 class PlaceCommand : public ::testing::Test {
 protected:
-    // English names, and settings of our own: no online service is configured, so nothing
-    // here reaches the network.
-    void SetUp() override {
-        ASSERT_TRUE(config_.isValid());
-        qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
-        qputenv("LC_ALL", "C");
-    }
     static ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
-    QTemporaryDir config_;
 };
 
 QStringList lines(const QByteArray& out) { return QString::fromUtf8(out).split(u'\n', Qt::SkipEmptyParts); }

@@ -1,7 +1,7 @@
 // The commands over movies, with exiftool and ffprobe, run live, as the oracles: what `info`
 // shows, what `props` and `tags` give, and what `edit` writes.
-#include "Formatter.h"
 #include "HRLocation.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -53,11 +53,11 @@ QString editedFile(const ProcessResult& r) {
 
 TEST(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
     const QStringList files = movies();
-    ASSERT_GE(files.size(), 4);
+    ASSERT_EQ(files.size(), 4);
     // Without place data the location row keeps the coordinates, which exiftool can confirm.
-    qputenv("TESSORIN_PLACES", "/nonexistent/places.bin");
+    Isolation::current()->setEnv("TESSORIN_PLACES", "/nonexistent/places.bin");
     const ProcessResult info = cli(QStringList{"info"} + files);
-    qunsetenv("TESSORIN_PLACES");
+    Isolation::current()->unsetEnv("TESSORIN_PLACES");
     ASSERT_EQ(info.exitCode, 0) << info.err.toStdString();
     const QString out = QString::fromUtf8(info.out);
     int withTags = 0;
@@ -96,7 +96,7 @@ TEST(VideoInfo, ShowsWhatFfprobeAndExiftoolRead) {
         }
         ++withTags;
         EXPECT_EQ(line(details, "Original Date:"),
-                  Formatter::format(exiftoolInstant(created).toLocalTime(), Formatter::Style::fullDate));
+                  fullDateText(exiftoolInstant(created).toLocalTime()));
         const QStringList gps = et["Keys:GPSCoordinates"].toString().split(' ');
         ASSERT_GE(gps.size(), 2);
         const auto place = hrl::coordinatesText(GeoLocation(gps[0].toDouble(), gps[1].toDouble()), false);
@@ -122,7 +122,7 @@ TEST(VideoInfo, CutMovieShowsPlaceholders) {
     const QString out = QString::fromUtf8(r.out);
     EXPECT_EQ(line(out, "Duration:"), "??");
     EXPECT_EQ(line(out, "FPS:"), "--");
-    EXPECT_EQ(cli({"tags", "--json", cut}).out, "{}\n");
+    EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", cut}).out).array().at(0)["tags"], QJsonObject());
 }
 
 TEST(VideoProps, DescribesTracksAndItems) {
@@ -145,14 +145,15 @@ TEST(VideoTags, ExportsByKeySpace) {
     EXPECT_TRUE(human.contains("\nmake: Apple\n"));
     const QString raw = QString::fromUtf8(cli({"tags", "--raw", file}).out);
     EXPECT_TRUE(raw.startsWith("mdta\n====\nmdta/com.apple.quicktime.location.ISO6709: +45.4640+009.1900+120.000/\n"));
-    EXPECT_EQ(cli({"tags", "--json", file}).out, "{}\n");
+    EXPECT_EQ(QJsonDocument::fromJson(cli({"tags", "--json", file}).out).array().at(0)["tags"], QJsonObject());
     EXPECT_TRUE(cli({"summary", file}).out.contains("This video was taken on "));
 }
 
 TEST(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
     // The wished date is the user's local time; the file holds the instant.
-    qputenv("TZ", "Asia/Kolkata");
+    Isolation::current()->setEnv("TZ", "Asia/Kolkata");
     QTemporaryDir out;
+    ASSERT_EQ(movies().size(), 4);
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         const ProcessResult r = cli({"edit", "--date", "2024:01:02 03:04:05", "--location", "45°30'0\" N 122°15'0\" W", file,
@@ -171,10 +172,8 @@ TEST(VideoEdit, DateAndPlaceReadBackExactlyAndTheStreamsStay) {
         EXPECT_EQ(streamHashes(edited), streamHashes(file));
         // info reads the new file back as the user wished it.
         const QString details = QString::fromUtf8(cli({"info", edited}).out);
-        EXPECT_EQ(line(details, "Original Date:"),
-                  Formatter::format(QDateTime(QDate(2024, 1, 2), QTime(3, 4, 5)), Formatter::Style::fullDate));
+        EXPECT_EQ(line(details, "Original Date:"), "Tuesday, 2 January 2024 03:04:05");
     }
-    qunsetenv("TZ");
 }
 
 TEST(VideoEdit, RemovalsAndNoTags) {

@@ -5,6 +5,7 @@
 #include "PropertyKeys.h"
 #include "Settings.h"
 #include "TSError.h"
+#include "WriteCheck.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -89,6 +90,9 @@ void ExifModifier::modify(UserSettings& settings, bool isModify) {
         }
     }
 
+    if (eachPhoto)
+        for (auto& photo : modifing) eachPhoto(photo);
+
     QString software = QCoreApplication::applicationName();
     if (software.isEmpty()) software = QStringLiteral("Tessorin");
     for (auto& photo : modifing) {
@@ -112,7 +116,12 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
         if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) dict = *photo.tags->metaData;
         else if (mode != SaveMode::modify) dict = photo.tags->strippedFallback();
         photo.tags->destMutable = dict;
-        done << ImageModifier::modifiedAsset(mode == SaveMode::modify, photo);
+        ModifyingPhotoAsset written = ImageModifier::modifiedAsset(mode == SaveMode::modify, photo);
+        // What was read from the source is the baseline: the values the wishes change are checked.
+        const imageio::PropertyDict before = photo.tags->fallbackData.value_or(imageio::PropertyDict{});
+        if (const auto difference = WriteCheck::readBackDifference(before, dict, std::get<QByteArray>(written.dataSource)))
+            throw TSError("The written file differs from the wishes: " + *difference);
+        done << written;
     }
     return done;
 }

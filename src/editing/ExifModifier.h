@@ -17,6 +17,10 @@ public:
     // Where the files road writes; the system's temporary folder unless set.
     QString filesDirectory;
 
+    // Per-photo wishes run after the shared ones and before each photo's tags are committed:
+    // those that start from each photo's own values (a date shift, a track log).
+    std::function<void(ModifyingPhotoAsset&)> eachPhoto;
+
     explicit ExifModifier(QList<ModifyingPhotoAsset> modifing);
 
     // Applies the wishes to every photo; `isModify` is true for an edit in place.
@@ -29,7 +33,8 @@ public:
     // Every photo is rewritten before any is handed on: one failure saves none of them.
     void save(SaveMode mode, const Completion& onCompletition);
 
-    // The stages of a save. Rewrites the bytes of every photo for `mode`; throws TSError.
+    // The stages of a save. Rewrites the bytes of every photo for `mode` and reads each back to
+    // compare it with the wishes; throws TSError on a failure or a difference.
     QList<ModifyingPhotoAsset> rewrite(SaveMode mode);
     // The files road: each photo's bytes under its own name in `filesDirectory`, through a
     // temporary file and a rename. A message on the first failure; files written before stay.

@@ -16,3 +16,7 @@ bool GeoLocation::operator==(const GeoLocation& o) const {
            verticalAccuracy == o.verticalAccuracy && speed == o.speed && course == o.course &&
            timestamp.toMSecsSinceEpoch() == o.timestamp.toMSecsSinceEpoch();
 }
+
+QString geoUri(const GeoCoordinate& c) {
+    return QStringLiteral("geo:%1,%2").arg(c.latitude, 0, 'f', 6).arg(c.longitude, 0, 'f', 6);
+}

@@ -30,6 +30,9 @@ struct GeoLocation {
     bool operator==(const GeoLocation& other) const;
 };
 
+// The geo: link of a place (RFC 5870), which the desktop's map applications open.
+QString geoUri(const GeoCoordinate& coordinate);
+
 // The texts that reverse geocoding gives for a place; any may be absent.
 struct Placemark {
     std::optional<QString> subLocality, locality, country, ISOcountryCode, thoroughfare, subThoroughfare,

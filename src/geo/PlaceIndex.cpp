@@ -222,6 +222,17 @@ std::optional<Placemark> PlaceIndex::reverse(const GeoCoordinate& c, const QLoca
     return placemarkAt(chosen, locale);
 }
 
+std::vector<PlaceIndex::Town> PlaceIndex::towns(quint32 minPopulation) const {
+    std::vector<Town> out;
+    for (qsizetype i = 0; i < size(); ++i) {
+        const places::Place& p = places_[i];
+        if (p.population >= minPopulation && p.kind == quint8(places::Kind::populated))
+            out.push_back({{p.latitude, p.longitude}, string(p.name), p.population});
+    }
+    std::stable_sort(out.begin(), out.end(), [](const Town& a, const Town& b) { return a.population > b.population; });
+    return out;
+}
+
 QList<PlaceMatch> PlaceIndex::search(const QString& typed, int limit, const QLocale& locale) const {
     QList<PlaceMatch> out;
     const QStringList parts = typed.split(u',');

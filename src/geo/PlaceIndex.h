@@ -52,6 +52,15 @@ public:
     // or administrative area: "Paris, US", "Rome, Georgia".
     QList<PlaceMatch> search(const QString& text, int limit = 10, const QLocale& locale = QLocale()) const;
 
+    // Every town (not a district) of at least this many people, most populous first: the
+    // labelled dots of the offline map.
+    struct Town {
+        GeoCoordinate coordinate;
+        QString name;
+        quint32 population;
+    };
+    std::vector<Town> towns(quint32 minPopulation) const;
+
     // The nearest place whatever its distance, and that distance in metres: for measuring.
     std::pair<qsizetype, double> nearest(const GeoCoordinate& coordinate) const;
     qsizetype size() const { return qsizetype(header_.placeCount); }

@@ -13,7 +13,7 @@ bool canWrite(Format format);
 // Merges `changes` over the source's metadata. A null value (QVariant::fromValue(nullptr))
 // deletes its tag, a null group deletes the whole group; a missing key keeps the file's value,
 // and so does a value equal to the one the file already reads. IPTC fields go to the IPTC block
-// and to XMP in a JPEG, to XMP elsewhere. Keys that are facts of the image (sizes, depth, colour
+// and to XMP in a JPEG or TIFF, to XMP elsewhere. Keys that are facts of the image (sizes, depth, colour
 // profile) are not metadata and are left alone.
 // Nothing, with the reason in `error`, when the format can't be written or the bytes are broken.
 std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& changes,

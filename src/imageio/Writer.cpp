@@ -53,7 +53,9 @@ std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format
         return fail(error, QStringLiteral("can't write metadata into this kind of %1 file").arg(formatName(format)));
     image->readMetadata();
     MetadataBlocks blocks{image->exifData(), image->iptcData(), image->xmpData()};
-    blocks.writeIim = format == Format::Jpeg || !image->iptcData().empty();
+    // JPEG and TIFF readers look for IIM records as well as XMP; elsewhere IIM goes only where
+    // the file already has it.
+    blocks.writeIim = format == Format::Jpeg || format == Format::Tiff || !image->iptcData().empty();
     blocks.keepImageStructure = format == Format::Tiff;
     applyChanges(before, changes, blocks);
     image->writeMetadata();

@@ -1,5 +1,7 @@
 #include "TSShare.h"
 
+#include "PrivacyStrip.h"
+
 #include "ImageDecoder.h"
 #include "ImageProperties.h"
 #include "Log.h"
@@ -77,6 +79,19 @@ std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, Q
             return std::nullopt;
         }
         return ShareItems{*jpeg, base + QStringLiteral("-no-metadata.jpg"), {}};
+    }
+    case ShareAction::shareWithoutLocation: {
+        // Everything but the place stays, the picture's bytes included.
+        if (asset->imageData().isEmpty()) return std::nullopt;
+        QString reason;
+        auto copy = PrivacyStrip::strippedCopy(*asset, PrivacyStrip::Kind::location, &reason);
+        if (!copy) {
+            Log::error(QStringLiteral("📤 removing the place of %1 failed: %2").arg(asset->path(), reason));
+            if (error) *error = kStripError;
+            return std::nullopt;
+        }
+        const QString suffix = file.suffix().isEmpty() ? QString() : "." + file.suffix();
+        return ShareItems{*copy, base + QStringLiteral("-no-location") + suffix, asset->ddStore().summaryText()};
     }
     case ShareAction::shareDetails:
         return textItems(asset->ddStore().detailsText(), base + QStringLiteral("-details.txt"));

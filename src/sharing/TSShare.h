@@ -12,7 +12,7 @@
 
 namespace sharing {
 
-enum class ShareAction { shareMeta, shareWithoutMeta, shareDetails, hrShare, jsonShare, rawShare };
+enum class ShareAction { shareMeta, shareWithoutMeta, shareWithoutLocation, shareDetails, hrShare, jsonShare, rawShare };
 
 // The items of one action: a file's bytes with the name a save dialog offers, and a text.
 // Either may be empty (a text action has no bytes; the stripped copy has no text).

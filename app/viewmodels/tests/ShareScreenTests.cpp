@@ -58,7 +58,7 @@ TEST_F(ShareScreen, EveryButtonSharesTheItemOnView) {
         const QVariantMap map = row.toMap();
         if (map["kind"] == "button") actions << map["action"].toString();
     }
-    ASSERT_EQ(actions.size(), 6);
+    ASSERT_EQ(actions.size(), 7);
     for (const QString& action : actions) {
         SCOPED_TRACE(action.toStdString());
         share.setMenuOpen(true);
@@ -124,7 +124,7 @@ TEST_F(ShareScreen, FailuresShowTheErrorAlert) {
 // No item on view, or an empty text: nothing happens at all.
 TEST_F(ShareScreen, NothingToShareDoesNothing) {
     QSignalSpy offered(&share, &ShareViewModel::saveRequested);
-    for (const char* action : {"shareMeta", "shareWithoutMeta", "shareDetails", "hrShare", "jsonShare", "rawShare"})
+    for (const char* action : {"shareMeta", "shareWithoutMeta", "shareWithoutLocation", "shareDetails", "hrShare", "jsonShare", "rawShare"})
         share.trigger(action);
     // A movie that can't be read has no tags to export.
     const QString broken = outDir_.filePath("broken.mov");

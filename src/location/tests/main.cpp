@@ -1,5 +1,7 @@
 // The location tests run inside an application object, as the geocoder's answers come through
 // the event loop; names are checked in English.
+#include "Isolation.h"
+
 #include <QCoreApplication>
 #include <QLocale>
 
@@ -7,7 +9,7 @@
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    testsupport::Isolation::setTestLocale(QLocale(QLocale::English, QLocale::UnitedStates));
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

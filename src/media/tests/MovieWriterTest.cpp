@@ -92,6 +92,7 @@ protected:
 }  // namespace
 
 TEST_F(Writer, SameItemsGiveTheSameMovie) {
+    ASSERT_EQ(movies().size(), 4);
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         const QList<MetadataItem> items = itemsOf(file);

@@ -7,8 +7,6 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -64,8 +62,6 @@ protected:
         if (!QCoreApplication::instance()) new QCoreApplication(argc, argv);  // lives as long as the tests
     }
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
         geocoder = std::make_shared<HandGeocoder>();
         TSGeocoder::setGeocoder(geocoder);
         display = std::make_shared<CountingDisplay>();
@@ -76,7 +72,6 @@ protected:
         placelookup::setActualIndexSource({});
         TSGeocoder::setGeocoder(nullptr);
     }
-    QTemporaryDir dir_;
     std::shared_ptr<HandGeocoder> geocoder;
     std::shared_ptr<CountingDisplay> display;
     std::shared_ptr<TSDataStore> store;

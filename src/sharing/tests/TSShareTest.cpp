@@ -22,7 +22,7 @@ using namespace testsupport;
 
 namespace {
 
-const ShareAction kAllActions[] = {ShareAction::shareMeta, ShareAction::shareWithoutMeta, ShareAction::shareDetails,
+const ShareAction kAllActions[] = {ShareAction::shareMeta, ShareAction::shareWithoutMeta, ShareAction::shareWithoutLocation, ShareAction::shareDetails,
                                    ShareAction::hrShare,   ShareAction::jsonShare,        ShareAction::rawShare};
 
 // The files album with one item on view, as the detail screen has it.
@@ -92,6 +92,31 @@ TEST(StrippedCopy, HoldsNoTagsAndStandsUpright) {
                          group == "MakerNotes" || key == "File:Comment")
                 << "left in the stripped copy: " << key.toStdString();
         }
+    }
+}
+
+// Without Location: no GPS tag is left, every other tag and the coded picture stay.
+TEST(StrippedCopy, WithoutLocationKeepsAllButThePlace) {
+    QTemporaryDir out;
+    for (const char* file : {"jpeg/gps/DSCN0010.jpg", "heif/Stonehenge.heic"}) {
+        SCOPED_TRACE(file);
+        const QString source = corpusDir() + "/" + file;
+        QString error;
+        const auto items = shareItems(ShareAction::shareWithoutLocation, *albumShowing(source), &error);
+        ASSERT_TRUE(items) << error.toStdString();
+        const QString path = writeFile(out, items->fileName, items->data);
+        EXPECT_EQ(QFileInfo(path).suffix(), QFileInfo(source).suffix());
+        const QJsonObject before = exiftoolJson(source, {"-G1", "-a", "-n"}).toObject();
+        const QJsonObject after = exiftoolJson(path, {"-G1", "-a", "-n"}).toObject();
+        ASSERT_TRUE(before.contains("GPS:GPSLatitude"));
+        for (auto it = before.begin(); it != before.end(); ++it) {
+            const QString group = it.key().section(':', 0, 0);
+            if (group == "GPS" || it.key().contains("GPS")) EXPECT_FALSE(after.contains(it.key())) << it.key().toStdString();
+            else if (group != "System" && group != "File" && it.key() != "SourceFile" && it.key() != "IFD0:Software" &&
+                     !group.startsWith("Composite") && group != "ExifTool")
+                EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
+        }
+        EXPECT_EQ(imageio::decodeImage(items->data), imageio::decodeImage(readFile(source)));
     }
 }
 

@@ -147,6 +147,7 @@ TEST_F(VideoModifier, ReadersSeeTheWishedDateAndPlaceAndTheSameStreams) {
     QDateTime when(QDate(2024, 1, 2), QTime(3, 4, 5));  // local time
     GeoLocation where(-33.8568, 151.2153);
     where.altitude = 58;
+    ASSERT_EQ(movies().size(), 4);
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         ExifVideoModifier m = modifierOf(file);
@@ -185,6 +186,7 @@ TEST_F(VideoModifier, RotationSurvives) {
 }
 
 TEST_F(VideoModifier, NoTagsLeavesTheSoftwareItemAlone) {
+    ASSERT_EQ(movies().size(), 4);
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         ExifVideoModifier m = modifierOf(file);

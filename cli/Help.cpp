@@ -1,0 +1,133 @@
+#include "Help.h"
+
+#include <QList>
+
+#include <utility>
+
+namespace cli {
+namespace {
+
+// Shared by every command that takes files.
+const char* const fileOptionsHelp =
+    "files:\n"
+    "  a folder stands for the photos and movies in it (known by their bytes; other files are\n"
+    "  skipped), sorted by name\n"
+    "  -r, --recursive     take the photos and movies of its subfolders too\n"
+    "  -@ FILE             read more paths from FILE, one a line ('-' for standard input)\n"
+    "  --ext EXT           only files ending in .EXT (may be repeated)\n"
+    "  --                  every later argument is a file\n";
+
+const char* const jsonHelp =
+    "  -j, --json          one JSON array for all files, a failed one as {\"file\", \"error\"}\n"
+    "  --pretty            indent the JSON\n";
+
+// In the order the tool's help lists them.
+const QList<std::pair<QString, QString>>& texts() {
+    static const QList<std::pair<QString, QString>> all{
+        {"props",
+         QStringLiteral("usage: tessorin-cli props [OPTIONS] FILE...\n\n"
+                        "The property dictionaries of each file as read, as a JSON array of\n"
+                        "{\"file\", \"properties\"} objects.\n\n"
+                        "  --pretty            indent the JSON\n") + fileOptionsHelp},
+        {"info",
+         QStringLiteral("usage: tessorin-cli info [OPTIONS] FILE...\n\n"
+                        "The details of each file as the detail table shows them, each behind a\n"
+                        "line \"==> FILE <==\".\n\n") + jsonHelp + fileOptionsHelp},
+        {"summary",
+         QStringLiteral("usage: tessorin-cli summary [OPTIONS] FILE...\n\n"
+                        "The short sentence about each file, as offered when sharing.\n\n") + jsonHelp + fileOptionsHelp},
+        {"tags",
+         QStringLiteral("usage: tessorin-cli tags [--raw | -j] [OPTIONS] FILE...\n\n"
+                        "All tags of each file in sections, in words.\n\n"
+                        "  --raw               every tag with its plain value\n") + jsonHelp + fileOptionsHelp},
+        {"location",
+         QStringLiteral("usage: tessorin-cli location [-j] [--] TEXT...\n\n"
+                        "The coordinate that a typed text means (degrees first, then decimals), in\n"
+                        "both text forms. Exit status 1 when the text is no coordinate.\n\n"
+                        "  -j, --json          as JSON\n"
+                        "  --pretty            indent the JSON\n")},
+        {"place",
+         QStringLiteral("usage: tessorin-cli place [-j] [--] LAT LON\n"
+                        "       tessorin-cli place [-j] --search TEXT\n\n"
+                        "The place at a position and its address (\"--\" at sea or far from any\n"
+                        "town), or up to ten places by name, best first, with their coordinates;\n"
+                        "\"TEXT, COUNTRY\" or \"TEXT, STATE\" narrows the search.\n\n"
+                        "  --search TEXT       places by name\n"
+                        "  -j, --json          as JSON\n"
+                        "  --pretty            indent the JSON\n")},
+        {"edit",
+         QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR)\n\n"
+                        "Rewrites the files with the wishes applied, one line per file of what\n"
+                        "changed; only the metadata change. Movies are written anew into DIR.\n\n"
+                        "wishes:\n"
+                        "  --date \"yyyy:MM:dd HH:mm:ss\"            the original date\n"
+                        "  --digitized-date \"yyyy:MM:dd HH:mm:ss\"  the digitized date\n"
+                        "  --location TEXT                        a place, in degrees or decimal\n"
+                        "  --no-location  --no-date  --no-tags     remove the place, the dates, all tags\n"
+                        "  --orientation N                        1 to 8\n"
+                        "  --set KEY=VALUE  --remove KEY          one tag, by its key (\"Keywords\", \"LensModel\",\n"
+                        "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\"); creator contact\n"
+                        "                                         fields as \"CiAdrCity\" or \"IPTC_CREATOR_CONTACT_INFO_CITY\"\n"
+                        "  --template FILE                        the IPTC values of a template file, before --set\n"
+                        "each photo from its own values:\n"
+                        "  --shift [+-][D ]H:MM[:SS]               move every date (\"+0:52\", \"-1 2:00:00\")\n"
+                        "  --zone +HH:MM|ZONE [--keep-instant]     set the time zone (\"Europe/Rome\"), keeping the\n"
+                        "                                         local times or, with --keep-instant, the instant\n"
+                        "  --geotag TRACK [--geotag-offset [+-]H:MM[:SS]] [--max-gap 5m]\n"
+                        "                                         the place from a GPX, KML or NMEA log\n"
+                        "  --strip private|location|dates          remove private data, the place or the dates\n"
+                        "target:\n"
+                        "  -o DIR              write the new files into DIR\n"
+                        "  --in-place          replace the files (photos only)\n"
+                        "  --keep-original     keep the original beside it as NAME_original.EXT\n"
+                        "  --render            draw the photo anew, into -o DIR\n") + fileOptionsHelp},
+        {"resources",
+         QStringLiteral("usage: tessorin-cli resources [--extract DIR] [OPTIONS] FILE...\n\n"
+                        "Each file's resource and the auxiliary images inside it (depth and\n"
+                        "disparity maps, HDR gain maps, mattes), one line each with its label,\n"
+                        "the file name the resource list gives it, its size and pixel size.\n\n"
+                        "  --extract DIR       write the auxiliary images into DIR under those names\n") + fileOptionsHelp},
+    };
+    return all;
+}
+
+QString toolHelp() {
+    QString out = QStringLiteral(
+        "usage: tessorin-cli [--no-human] COMMAND [OPTIONS] [ARGS...]\n"
+        "       tessorin-cli (-h | --help | --version)\n\n"
+        "Sees and fixes the metadata of photos and movies.\n\n"
+        "commands:\n");
+    for (const auto& [name, text] : texts())
+        for (const QString& line : usageText(name).split(u'\n', Qt::SkipEmptyParts))
+            out += "  " + line.section(QStringLiteral("tessorin-cli "), 1) + "\n";
+    out += QStringLiteral(
+        "\n"
+        "  --no-human          raw values instead of words\n"
+        "  -h, --help          this help; COMMAND --help for a command's own\n"
+        "  --version           the version, and those of exiv2, libheif and FFmpeg\n\n"
+        "Exit status: 0 all done, 1 some file failed (the others are still done), 2 bad usage.\n");
+    return out;
+}
+
+}  // namespace
+
+QString helpText(const QString& command) {
+    if (command.isEmpty()) return toolHelp();
+    for (const auto& [name, text] : texts())
+        if (name == command) return text;
+    return {};
+}
+
+QString usageText(const QString& command) {
+    const QString text = helpText(command);
+    const qsizetype blank = text.indexOf(QStringLiteral("\n\n"));
+    return blank < 0 ? text : text.left(blank + 1);
+}
+
+QStringList commandNames() {
+    QStringList out;
+    for (const auto& [name, text] : texts()) out << name;
+    return out;
+}
+
+}  // namespace cli

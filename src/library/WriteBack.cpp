@@ -1,0 +1,227 @@
+// The library's changes: marks, deletion into the trash, edits in place and their revert, new
+// items. Every file is written to a temporary file beside its target and renamed over it, so a
+// failure or a kill at any point leaves the original whole.
+#include "Index.h"
+#include "Library.h"
+#include "Log.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <sqlite3.h>
+
+namespace library {
+
+namespace {
+
+QString hiddenFolderName() { return QStringLiteral(".tessorin"); }
+
+bool writeAtomically(const QString& path, const QByteArray& data, QString* error) {
+    const bool existed = QFileInfo::exists(path);
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
+        if (error) *error = QStringLiteral("%1 can't be written: %2").arg(path, file.errorString());
+        file.cancelWriting();
+        return false;
+    }
+    if (!existed)
+        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+    return true;
+}
+
+// A copy that keeps the modification time, so a restored original is the file it was.
+bool copyAtomically(const QString& from, const QString& to, QString* error) {
+    QFile source(from);
+    if (!source.open(QIODevice::ReadOnly)) {
+        if (error) *error = QStringLiteral("%1 can't be read: %2").arg(from, source.errorString());
+        return false;
+    }
+    if (!writeAtomically(to, source.readAll(), error)) return false;
+    QFile target(to);
+    if (target.open(QIODevice::ReadWrite)) target.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
+    return true;
+}
+
+QString rootOf(const QStringList& roots, const QString& path) {
+    for (const QString& r : roots)
+        if (path.startsWith(r + '/')) return r;
+    return {};
+}
+
+}  // namespace
+
+bool Library::setFavorite(const QString& localIdentifier, bool favorite, QString* error) {
+    if (!ensureOpen(error)) return false;
+    Statement s(index_->db(), "UPDATE assets SET favorite = ?, version = version + 1 WHERE id = ?");
+    if (!s.exec({int(favorite), localIdentifier}) || sqlite3_changes(index_->db()) == 0) {
+        if (error) *error = QStringLiteral("No item %1 in the library").arg(localIdentifier);
+        return false;
+    }
+    emit libraryDidChange();
+    return true;
+}
+
+bool Library::setHidden(const QString& localIdentifier, bool hidden, QString* error) {
+    if (!ensureOpen(error)) return false;
+    Statement s(index_->db(), "UPDATE assets SET hidden = ?, version = version + 1 WHERE id = ?");
+    if (!s.exec({int(hidden), localIdentifier}) || sqlite3_changes(index_->db()) == 0) {
+        if (error) *error = QStringLiteral("No item %1 in the library").arg(localIdentifier);
+        return false;
+    }
+    emit libraryDidChange();
+    return true;
+}
+
+bool Library::deleteAsset(const QString& localIdentifier, QString* error) {
+    if (!ensureOpen(error)) return false;
+    auto a = asset(localIdentifier);
+    if (!a) {
+        if (error) *error = QStringLiteral("No item %1 in the library").arg(localIdentifier);
+        return false;
+    }
+    for (const Resource& r : a->resources) {
+        if (!QFileInfo::exists(r.path)) continue;
+        if (!QFile::moveToTrash(r.path)) {
+            if (error) *error = QStringLiteral("%1 can't be moved to the trash").arg(r.path);
+            scan();
+            return false;
+        }
+    }
+    if (a->isEdited()) QDir().rmdir(QFileInfo(a->resources.first().path).absolutePath());
+    Log::info(QStringLiteral("🗑 moved to the trash: %1").arg(localIdentifier));
+    scan();
+    return true;
+}
+
+bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data, const QString& extension,
+                          const QByteArray& adjustmentData, QString* error) {
+    if (!ensureOpen(error)) return false;
+    auto a = asset(localIdentifier);
+    if (!a || !a->canPerformEditOperation(1)) {
+        if (error) *error = QStringLiteral("Image is not editable");
+        return false;
+    }
+    const QString current = a->mainPath();
+    const QFileInfo info(current);
+    const QString target = extension.isEmpty() || info.suffix().compare(extension, Qt::CaseInsensitive) == 0
+                               ? current
+                               : info.absolutePath() + '/' + info.completeBaseName() + '.' + extension;
+    if (target != current && QFileInfo::exists(target)) {
+        if (error) *error = QStringLiteral("A file %1 is already there").arg(target);
+        return false;
+    }
+    QString original, adjustment;
+    if (a->isEdited()) {
+        // The first original stays: a revert goes back to the item as it came.
+        original = a->resources.first().path;
+        adjustment = a->resources.at(2).path;
+    } else {
+        const QString dir = rootOf(folders_, current) + '/' + hiddenFolderName() + "/edits/" + localIdentifier;
+        if (!QDir().mkpath(dir)) {
+            if (error) *error = QStringLiteral("The folder %1 can't be made").arg(dir);
+            return false;
+        }
+        original = dir + '/' + info.fileName();
+        adjustment = dir + "/Adjustments.json";
+        if (!copyAtomically(current, original, error)) return false;
+    }
+    const QJsonObject json{{"formatIdentifier", adjustmentFormatIdentifier()},
+                           {"formatVersion", adjustmentFormatVersion()},
+                           {"data", QString::fromLatin1(adjustmentData.toBase64())}};
+    if (!writeAtomically(adjustment, QJsonDocument(json).toJson(), error)) return false;
+    // The index learns of the edit before the file changes: a kill before the rename leaves the
+    // original where it was, and the next scan finds it there again by its size and first bytes.
+    bool ok = index_->transaction([&] {
+        Statement edit(index_->db(), "UPDATE assets SET edit_original = ?, edit_adjustment = ?, version = version + 1 WHERE id = ?");
+        Statement move(index_->db(), "UPDATE files SET path = ? WHERE path = ?");
+        return edit.exec({original, adjustment, localIdentifier}) && (target == current || move.exec({target, current}));
+    });
+    if (!ok) {
+        if (error) *error = QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError());
+        return false;
+    }
+    if (!writeAtomically(target, data, error)) {
+        scan();
+        return false;
+    }
+    if (target != current) QFile::remove(current);  // its copy is the kept original
+    scan();
+    return true;
+}
+
+bool Library::revert(const QString& localIdentifier, QString* error) {
+    if (!ensureOpen(error)) return false;
+    auto a = asset(localIdentifier);
+    if (!a || !a->isEdited()) {
+        if (error) *error = QStringLiteral("The item %1 has no edit to revert").arg(localIdentifier);
+        return false;
+    }
+    const QString original = a->resources.at(0).path;
+    const QString rendered = a->resources.at(1).path;
+    const QString target = QFileInfo(rendered).absolutePath() + '/' + QFileInfo(original).fileName();
+    if (target != rendered && QFileInfo::exists(target)) {
+        if (error) *error = QStringLiteral("A file %1 is already there").arg(target);
+        return false;
+    }
+    if (!copyAtomically(original, target, error)) return false;
+    bool ok = index_->transaction([&] {
+        Statement edit(index_->db(), "UPDATE assets SET edit_original = NULL, edit_adjustment = NULL, version = version + 1 WHERE id = ?");
+        Statement move(index_->db(), "UPDATE files SET path = ? WHERE path = ?");
+        return edit.exec({localIdentifier}) && (target == rendered || move.exec({target, rendered}));
+    });
+    if (!ok) {
+        if (error) *error = QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError());
+        return false;
+    }
+    if (target != rendered) QFile::remove(rendered);  // the edit's render; the original is back
+    QDir(QFileInfo(original).absolutePath()).removeRecursively();
+    scan();
+    return true;
+}
+
+std::optional<QString> Library::createAsset(const QByteArray& data, const QString& fileName,
+                                            const std::optional<QDateTime>& creationDate,
+                                            const std::optional<Location>& location, const QString& albumTitle,
+                                            QString* error) {
+    if (!ensureOpen(error)) return std::nullopt;
+    const QString title = albumTitle.isEmpty() ? applicationAlbumTitle() : albumTitle;
+    auto album = this->album(title);
+    if (!album) album = createAlbum(title, error);
+    if (!album) return std::nullopt;
+    const QString folder = album->identifier.mid(7);
+    const QFileInfo name(fileName);
+    QString path = folder + '/' + name.fileName();
+    for (int n = 1; QFileInfo::exists(path); ++n)
+        path = QStringLiteral("%1/%2_%3.%4").arg(folder, name.completeBaseName()).arg(n).arg(name.suffix());
+    if (!writeAtomically(path, data, error)) return std::nullopt;
+    scan();
+    auto created = assetForPath(path);
+    if (!created) {
+        if (error) *error = QStringLiteral("Error saving the image");
+        return std::nullopt;
+    }
+    if (creationDate || location) {
+        Statement s(index_->db(), "UPDATE assets SET user_date = ?, user_offset = ?, user_lat = ?, user_lon = ?, "
+                                  "version = version + 1 WHERE id = ?");
+        s.exec({creationDate ? QVariant(creationDate->toMSecsSinceEpoch()) : QVariant(),
+                creationDate ? QVariant(creationDate->offsetFromUtc()) : QVariant(),
+                location ? QVariant(location->latitude) : QVariant(), location ? QVariant(location->longitude) : QVariant(),
+                created->localIdentifier});
+        emit libraryDidChange();
+    }
+    return created->localIdentifier;
+}
+
+std::optional<QByteArray> Library::adjustmentData(const QString& localIdentifier) const {
+    auto a = asset(localIdentifier);
+    if (!a || !a->isEdited()) return std::nullopt;
+    QFile file(a->resources.at(2).path);
+    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+    const QJsonObject json = QJsonDocument::fromJson(file.readAll()).object();
+    return QByteArray::fromBase64(json.value("data").toString().toLatin1());
+}
+
+}  // namespace library
