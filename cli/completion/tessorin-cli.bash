@@ -31,14 +31,14 @@ _tessorin_cli() {
         if [[ $cur == -* ]]; then
             COMPREPLY=($(compgen -W "--no-human -h --help --version" -- "$cur"))
         else
-            COMPREPLY=($(compgen -W "props info summary tags location place edit" -- "$cur"))
+            COMPREPLY=($(compgen -W "props info summary tags location place edit resources" -- "$cur"))
         fi
         return 0
     fi
 
     case $prev in
         -@) COMPREPLY=($(compgen -f -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
-        -o) COMPREPLY=($(compgen -d -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
+        -o | --extract) COMPREPLY=($(compgen -d -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
         --ext) COMPREPLY=($(compgen -W "jpg jpeg tif tiff dng png webp heic heif avif cr3 mov mp4 m4v" -- "$cur")); return 0 ;;
         --orientation) COMPREPLY=($(compgen -W "1 2 3 4 5 6 7 8" -- "$cur")); return 0 ;;
         --date | --digitized-date | --location | --set | --remove | --search) return 0 ;;
@@ -51,6 +51,7 @@ _tessorin_cli() {
         tags) opts="--raw $json $files" ;;
         location) opts="$json --" ;;
         place) opts="--search $json --" ;;
+        resources) opts="--extract $files" ;;
         edit) opts="--date --digitized-date --location --orientation --set --remove --no-location
                     --no-date --no-tags -o --in-place --keep-original --render $files" ;;
         *) return 0 ;;

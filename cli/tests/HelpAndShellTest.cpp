@@ -13,7 +13,7 @@ namespace {
 
 ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_CLI), args); }
 
-const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit"};
+const QStringList commands{"props", "info", "summary", "tags", "location", "place", "edit", "resources"};
 
 QString pkgVersion(const QString& module) {
     return QString::fromUtf8(run("pkg-config", {"--modversion", module}).out).trimmed();
