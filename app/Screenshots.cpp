@@ -10,6 +10,7 @@
 #include "TSAlbum.h"
 #include "Settings.h"
 #include "IptcViewModel.h"
+#include "ResourcesViewModel.h"
 #include "ShareViewModel.h"
 #include "TSMapView.h"
 #include "TagTableModel.h"
@@ -117,6 +118,17 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     set(models_.share, "menuOpen", true);
     shoot("share-menu");
     set(models_.share, "menuOpen", false);
+
+    // The item's resource list once every step is counted, then its first auxiliary image.
+    models_.resources->setOpen(true);
+    for (int i = 0; i < 100 && models_.resources->showProgress(); ++i) settle(200);
+    shoot("resources");
+    const QVariantList rows = models_.resources->sections().value(0).toMap().value("rows").toList();
+    if (rows.size() > 1) {
+        models_.resources->showMedia(rows[1].toMap().value("url").toUrl());
+        shoot("resource-media");
+    }
+    models_.resources->setOpen(false);
 
     // The album list with the files album in it; on a tablet the item stays beside it.
     app.rebuildRoot();

@@ -1,6 +1,7 @@
 // `resources FILE... [--extract DIR]`: each file's resource and the auxiliary images inside it,
 // one line each (label, file name, size, pixel size); --extract writes the auxiliary images
 // into DIR under the names the resource list gives them.
+#include "Arguments.h"
 #include "Commands.h"
 #include "ExitStatus.h"
 #include "FileArgs.h"

@@ -113,6 +113,8 @@ Page {
 
     ShareMenu { id: shareMenu }
 
+    ResourceList { id: resourceList }
+
     FullScreenView {
         parent: Overlay.overlay
         anchors.fill: parent

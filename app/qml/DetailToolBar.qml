@@ -1,5 +1,5 @@
 // The detail screen's tools as ToolBar says: share opens the share menu, tags switches between
-// the detail and the tag table, more holds the setting toggles.
+// the detail and the tag table, more holds the setting toggles; a stack opens the resource list.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Controls.Material
@@ -36,6 +36,21 @@ Rectangle {
         anchors.leftMargin: bar.flat ? 0 : 12
         anchors.rightMargin: bar.flat ? 0 : 12
         spacing: bar.flat ? 4 : 0
+
+        // The resource list, when the item holds auxiliary images.
+        Item {
+            visible: Resources.available
+            Layout.fillWidth: !bar.flat
+            Layout.fillHeight: true
+            implicitWidth: resourcesTool.implicitWidth
+            ToolButton {
+                id: resourcesTool
+                anchors.verticalCenter: parent.verticalCenter
+                icon.source: "qrc:/icons/square.stack.3d.up.svg"
+                icon.color: "#1E6FD9"
+                onClicked: Resources.open = true
+            }
+        }
 
         Repeater {
             model: ToolBar.tools

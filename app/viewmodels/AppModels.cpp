@@ -10,6 +10,7 @@
 #include "MapPickerViewModel.h"
 #include "SettingsViewModel.h"
 #include "ShareViewModel.h"
+#include "ResourcesViewModel.h"
 #include "TagTableModel.h"
 #include "ToolBarModel.h"
 
@@ -28,7 +29,8 @@ AppModels::AppModels(QObject* parent)
       share(new ShareViewModel(this)),
       addressList(new AddressListModel(this)),
       location(new LocationModifierViewModel({}, this)),
-      mapPicker(new MapPickerViewModel(this)) {
+      mapPicker(new MapPickerViewModel(this)),
+      resources(new ResourcesViewModel(this)) {
     // The map picker hands its place back to the location screen.
     mapPicker->locationDelegate = [this](const HRLocation& l) { location->didChooseMapLocation(l); };
     // Navigation between the browsing screens.
@@ -72,4 +74,5 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "AddressList", addressList);
     qmlRegisterSingletonInstance(uri, 1, 0, "LocationScreen", location);
     qmlRegisterSingletonInstance(uri, 1, 0, "MapPicker", mapPicker);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
 }

@@ -15,6 +15,7 @@ class ShareViewModel;
 class AddressListModel;
 class LocationModifierViewModel;
 class MapPickerViewModel;
+class ResourcesViewModel;
 
 class AppModels : public QObject {
     Q_OBJECT
@@ -33,9 +34,10 @@ public:
     AddressListModel* addressList;
     LocationModifierViewModel* location;
     MapPickerViewModel* mapPicker;
+    ResourcesViewModel* resources;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
-    // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen and MapPicker.
-    // Call once, before loading QML.
+    // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen, MapPicker and
+    // Resources. Call once, before loading QML.
     void registerWithQml();
 };

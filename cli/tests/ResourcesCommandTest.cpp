@@ -1,5 +1,6 @@
 // `resources` over the sample media: what it lists and what --extract writes, against
 // exiftool's and libheif's own extraction of the same images.
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -16,9 +17,11 @@ ProcessResult cli(const QStringList& args) { return run(QStringLiteral(TESSORIN_
 
 QSize sizeOf(const QByteArray& bytes) { return QImage::fromData(bytes).size(); }
 
+using ResourcesCommand = IsolatedTest;
+
 }  // namespace
 
-TEST(ResourcesCommand, ListsAndExtractsThePortraitMapsAsExiftoolSizesThem) {
+TEST_F(ResourcesCommand, ListsAndExtractsThePortraitMapsAsExiftoolSizesThem) {
     const QString portrait = corpusDir() + "/portrait/image-with-matte.jpg";
     QTemporaryDir out;
     const ProcessResult result = cli({"resources", portrait, "--extract", out.path()});
@@ -41,7 +44,7 @@ TEST(ResourcesCommand, ListsAndExtractsThePortraitMapsAsExiftoolSizesThem) {
     EXPECT_EQ(QDir(out.path()).entryList(QDir::Files).size(), 2);
 }
 
-TEST(ResourcesCommand, GainMapOfTheHeicAndNothingForPlainPhotos) {
+TEST_F(ResourcesCommand, GainMapOfTheHeicAndNothingForPlainPhotos) {
     const QString heic = corpusDir() + "/heif/iphone_13_pro_max.HEIC";
     const QString plain = corpusDir() + "/jpeg/Canon_40D.jpg";
     QTemporaryDir out;
@@ -62,7 +65,7 @@ TEST(ResourcesCommand, GainMapOfTheHeicAndNothingForPlainPhotos) {
               QImageReader(theirs.filePath(aux.first())).size());
 }
 
-TEST(ResourcesCommand, MissingFilesAndBadUsage) {
+TEST_F(ResourcesCommand, MissingFilesAndBadUsage) {
     EXPECT_EQ(cli({"resources"}).exitCode, 2);
     EXPECT_EQ(cli({"resources", corpusDir() + "/jpeg/Canon_40D.jpg", "--extract"}).exitCode, 2);
     const ProcessResult missing = cli({"resources", "/nowhere/none.jpg", corpusDir() + "/jpeg/Canon_40D.jpg"});

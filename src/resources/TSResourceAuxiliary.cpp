@@ -56,7 +56,7 @@ PixelBuffer oriented(const PixelBuffer& map, int orientation) {
 
 std::optional<PixelBuffer> depthDataMap(const imageio::AuxiliaryDataInfo& info) {
     const auto format = mapFormat(info.depthDataType);
-    if (!format || info.width <= 0 || info.height <= 0 ||
+    if (!format || info.width <= 0 || info.height <= 0 || info.bitsPerSample < 1 || info.bitsPerSample > 16 ||
         qint64(info.bytesPerRow) < qint64(info.width) * info.bytesPerSample() ||
         qint64(info.bytesPerRow) * info.height > info.data.size())
         return {};

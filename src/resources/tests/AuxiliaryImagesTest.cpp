@@ -2,6 +2,7 @@
 // out of the same files, and hostile variants of those files.
 #include "AuxiliaryData.h"
 #include "TSResourceAuxiliary.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <QBuffer>
@@ -43,9 +44,11 @@ QByteArray exiftoolBinary(const QString& tag, const QString& path) {
     return result.out;
 }
 
+using AuxiliaryImages = testsupport::IsolatedTest;
+
 }  // namespace
 
-TEST(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
+TEST_F(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
     const QByteArray bytes = readFile(portraitPath());
     ASSERT_FALSE(bytes.isEmpty()) << "corpus portrait missing";
     EXPECT_EQ(typesFound(bytes),
@@ -76,7 +79,7 @@ TEST(AuxiliaryImages, PortraitJpegGivesItsDisparityAsJpegThenItsMatteAsBmp) {
     EXPECT_EQ(image.size(), QSize(1512, 2016));
 }
 
-TEST(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
+TEST_F(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
     const QByteArray bytes = readFile(portraitPath());
     ASSERT_FALSE(bytes.isEmpty());
     const QByteArray mp2 = exiftoolBinary("MPImage2", portraitPath());
@@ -103,7 +106,7 @@ TEST(AuxiliaryImages, JpegStreamsAndSamplesMatchWhatExiftoolTakesOut) {
     EXPECT_EQ(QSize(matte->width, matte->height), decoded(mp3).size());
 }
 
-TEST(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
+TEST_F(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
     const QByteArray bytes = readFile(gainMapHeic());
     ASSERT_FALSE(bytes.isEmpty());
     EXPECT_EQ(typesFound(bytes), (std::vector{AuxiliaryImageType::HDRGainMap}));
@@ -132,7 +135,7 @@ TEST(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
     EXPECT_EQ(far, 0);
 }
 
-TEST(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
+TEST_F(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
     for (const QString& name : {"jpeg/Canon_40D.jpg", "jpeg/iphone_hdr_YES.jpg", "heif/IMG_5195.HEIC",
                                 "heif/avif_exif_xmp.avif", "png/imagemagick.png", "tiff/BSG1.tiff"}) {
         const QByteArray bytes = readFile(corpusDir() + "/" + name);
@@ -147,7 +150,7 @@ TEST(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
     EXPECT_FALSE(empty.hasAux());
 }
 
-TEST(AuxiliaryImages, ADepthEntryIsItsRawBytesSeenAsEightBitGrey) {
+TEST_F(AuxiliaryImages, ADepthEntryIsItsRawBytesSeenAsEightBitGrey) {
     imageio::AuxiliaryDataInfo info;
     info.width = 2;
     info.height = 1;
@@ -160,6 +163,58 @@ TEST(AuxiliaryImages, ADepthEntryIsItsRawBytesSeenAsEightBitGrey) {
     ASSERT_EQ(image.size(), QSize(2, 1));
     EXPECT_EQ(image.constScanLine(0)[0], 0x10);
     EXPECT_EQ(image.constScanLine(0)[1], 0x20);
+}
+
+namespace {
+
+QByteArray jpegOf(const QImage& image) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "JPEG", 95);
+    return bytes;
+}
+
+// The JPEG with an XMP packet put in right behind its start.
+QByteArray withXmp(const QByteArray& jpeg, const QByteArray& xmp) {
+    const QByteArray payload = QByteArray("http://ns.adobe.com/xap/1.0/", 29) + xmp;
+    QByteArray segment("\xFF\xE1");
+    segment.append(char((payload.size() + 2) >> 8)).append(char((payload.size() + 2) & 0xFF)).append(payload);
+    return jpeg.left(2) + segment + jpeg.mid(2);
+}
+
+}  // namespace
+
+// An Android-style photo: a gain map appended behind the primary image, found through the
+// container directory in the primary's XMP (no MPF index).
+TEST_F(AuxiliaryImages, GainMapBehindAContainerDirectory) {
+    QImage gain(40, 30, QImage::Format_Grayscale8);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x) gain.scanLine(y)[x] = uchar(x * 6);
+    const QByteArray gainJpeg = withXmp(jpegOf(gain), R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF
+        xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"><rdf:Description
+        xmlns:hdrgm="http://ns.adobe.com/hdr-gain-map/1.0/" hdrgm:Version="1.0"/></rdf:RDF></x:xmpmeta>)");
+    QImage photo(80, 60, QImage::Format_RGB32);
+    photo.fill(Qt::darkCyan);
+    const QByteArray directory = QByteArray(R"(<x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF
+        xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"><rdf:Description
+        xmlns:Container="http://ns.google.com/photos/1.0/container/"
+        xmlns:Item="http://ns.google.com/photos/1.0/container/item/"><Container:Directory><rdf:Seq>
+        <rdf:li rdf:parseType="Resource"><Container:Item Item:Semantic="Primary" Item:Mime="image/jpeg"/></rdf:li>
+        <rdf:li rdf:parseType="Resource"><Container:Item Item:Semantic="GainMap" Item:Mime="image/jpeg" Item:Length=")") +
+                                 QByteArray::number(gainJpeg.size()) +
+                                 R"("/></rdf:li></rdf:Seq></Container:Directory></rdf:Description></rdf:RDF></x:xmpmeta>)";
+    const QByteArray file = withXmp(jpegOf(photo), directory) + gainJpeg;
+
+    const auto info = imageio::auxiliaryDataInfo(file, imageio::AuxiliaryDataType::HDRGainMap);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->encoded, gainJpeg);
+    EXPECT_EQ(QSize(info->width, info->height), QSize(40, 30));
+    EXPECT_NEAR(uchar(info->data[qsizetype(10) * info->bytesPerRow + 20]), 120, 3);
+    EXPECT_EQ(typesFound(file), std::vector{AuxiliaryImageType::HDRGainMap});
+    // A file cut short, or missing the image its directory lists, gives nothing.
+    EXPECT_TRUE(typesFound(file.left(file.size() - 10)).empty());
+    EXPECT_TRUE(typesFound(withXmp(jpegOf(photo), directory)).empty());
 }
 
 namespace {
@@ -194,7 +249,7 @@ void putBigOrLittle(QByteArray& jpeg, qsizetype at, quint32 value, bool big) {
 
 }  // namespace
 
-TEST(AuxiliaryImages, HostileIndexesAndSizesGiveNoImage) {
+TEST_F(AuxiliaryImages, HostileIndexesAndSizesGiveNoImage) {
     const QByteArray original = readFile(portraitPath());
     ASSERT_FALSE(original.isEmpty());
     const MpfLayout layout = mpfLayout(original);

@@ -1,5 +1,6 @@
 // The resource model over real files: order, progress, thumbnails and temporary files.
 #include "ResourcesModel.h"
+#include "Isolation.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -30,6 +31,8 @@ void loadAndWait(ResourcesModel& model) {
     ASSERT_TRUE(finished.wait(120000));
 }
 
+using ResourcesModelTest = testsupport::IsolatedTest;
+
 class UnknownResource : public RawResource {
     QString label() const override { return "Unknown"; }
     QString fileName() const override { return "unknown"; }
@@ -38,7 +41,7 @@ class UnknownResource : public RawResource {
 
 }  // namespace
 
-TEST(ResourcesModel, LoadsEachResourceInOrderWithItsAuxiliaryImages) {
+TEST_F(ResourcesModelTest, LoadsEachResourceInOrderWithItsAuxiliaryImages) {
     ResourcesModel model({corpusResource("portrait/image-with-matte.jpg"), fileResource("/nowhere/notes.txt", "plain text"),
                           fileResource("/nowhere/empty.jpg", {}), corpusResource("jpeg/Canon_40D.jpg")});
     EXPECT_EQ(model.imgNumber(), 40);
@@ -85,7 +88,7 @@ TEST(ResourcesModel, LoadsEachResourceInOrderWithItsAuxiliaryImages) {
     EXPECT_EQ(model.progress(), 40);
 }
 
-TEST(ResourcesModel, HeicGainMapAndNothingToLoad) {
+TEST_F(ResourcesModelTest, HeicGainMapAndNothingToLoad) {
     ResourcesModel model({corpusResource("heif/iphone_13_pro_max.HEIC")});
     loadAndWait(model);
     EXPECT_EQ(model.resourcesSub().value("0"), QList{AuxiliaryImageType::HDRGainMap});
@@ -98,7 +101,7 @@ TEST(ResourcesModel, HeicGainMapAndNothingToLoad) {
     EXPECT_EQ(none.progress(), 0);
 }
 
-TEST(ResourcesModel, AnUnknownKindOfResourceStopsTheLoopShortOfTheEnd) {
+TEST_F(ResourcesModelTest, AnUnknownKindOfResourceStopsTheLoopShortOfTheEnd) {
     ResourcesModel model({corpusResource("jpeg/Canon_40D.jpg"), std::make_shared<UnknownResource>(),
                           corpusResource("jpeg/Nikon_D70.jpg")});
     loadAndWait(model);
@@ -107,7 +110,7 @@ TEST(ResourcesModel, AnUnknownKindOfResourceStopsTheLoopShortOfTheEnd) {
     EXPECT_EQ(model.imgNumber(), 30);
 }
 
-TEST(ResourcesModel, TemporaryNamesCarryTheLabelBeforeTheExtension) {
+TEST_F(ResourcesModelTest, TemporaryNamesCarryTheLabelBeforeTheExtension) {
     EXPECT_EQ(auxiliaryFileName("IMG_0001.HEIC", AuxiliaryImageType::depth), "IMG_0001_DepthMap.HEIC");
     EXPECT_EQ(auxiliaryFileName("IMG_0001", AuxiliaryImageType::HDRGainMap), "IMG_0001_HDRGainMap.");
     EXPECT_EQ(auxiliaryFileName("a.b.jpg", AuxiliaryImageType::semanticSegmentationSkyMatte), "a.b_SkyMatte.jpg");

@@ -2,11 +2,11 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-// Temporary files, settings and caches go to a folder of this run only.
+// The application's temporary folder is made once per process: it goes into a folder of this
+// run only. Each test isolates the rest itself.
 int main(int argc, char** argv) {
     QTemporaryDir root;
-    for (const char* name : {"TMPDIR", "HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
-        qputenv(name, root.path().toUtf8());
+    qputenv("TMPDIR", root.path().toUtf8());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
