@@ -52,7 +52,9 @@ void TSMapView::setPlace(const QVariantMap& place) {
 
 void TSMapView::showPin() {
     if (pin_) {
-        zoom_ = (cameraType() == threeD ? threeDZoom : standardZoom) - (tiles() ? 0 : standardZoom - offlineZoom);
+        const TileSource* source = tiles();
+        const bool ground = source && !unreachable_.contains(source);
+        zoom_ = (cameraType() == threeD ? threeDZoom : standardZoom) - (ground ? 0 : standardZoom - offlineZoom);
         centre_ = mercator::project(*pin_, zoom_);
     } else {
         // No place: the world, centred on the Atlantic, 180 degrees across.
@@ -111,7 +113,17 @@ TileSource* TSMapView::tiles() {
     TileSource*& source = sources_[t];
     if (!source) {
         source = new TileSource(t, TileSource::defaultCacheDir(), this);
-        connect(source, &TileSource::tileReady, this, [this] { update(); });
+        connect(source, &TileSource::tileReady, this, [this, source] {
+            delivered_.insert(source);
+            update();
+        });
+        // With no network (a train, a plane) the offline map is all there is, and it shows
+        // nothing at street level: step back to the town, unless the user has moved the map.
+        connect(source, &TileSource::tileFailed, this, [this, source] {
+            if (delivered_.contains(source) || unreachable_.contains(source)) return;
+            unreachable_.insert(source);
+            if (!movedAway_) showPin();
+        });
     }
     return source->isEnabled() ? source : nullptr;
 }

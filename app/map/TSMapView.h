@@ -6,6 +6,7 @@
 #include "TileSource.h"
 
 #include <QHash>
+#include <QSet>
 #include <QQuickPaintedItem>
 #include <QVariantMap>
 #include <cmath>
@@ -100,4 +101,6 @@ private:
     int segment_ = 1;
     bool movedAway_ = false;
     QHash<QString, TileSource*> sources_;
+    // Servers that failed before giving a single tile: the network is out of reach.
+    QSet<const TileSource*> unreachable_, delivered_;
 };
