@@ -87,7 +87,9 @@ TEST(InfoCommand, ShowsTheCameraLensAndDateThatExiftoolReads) {
         const QString model = o["IFD0:Model"].toVariant().toString().trimmed();
         EXPECT_EQ(line("Camera:"), model.isEmpty() ? "--" : model);
         const QString lens = o["ExifIFD:LensModel"].toVariant().toString().trimmed();
-        if (!lens.isEmpty()) EXPECT_EQ(line("Lens:"), lens);
+        if (!lens.isEmpty()) {
+            EXPECT_EQ(line("Lens:"), lens);
+        }
         // The date row shows the original date (from XMP when the file has no EXIF one), else the
         // TIFF date, as the user's locale writes it.
         std::optional<QDateTime> d;

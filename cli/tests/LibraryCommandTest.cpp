@@ -143,7 +143,9 @@ TEST_F(LibraryCommand, KilledAtAnyPointOfAnEditTheOriginalStaysWhole) {
         const QJsonArray items = list();
         ASSERT_EQ(items.size(), 1);
         EXPECT_EQ(items[0]["localIdentifier"].toString(), id);
-        if (items[0]["edited"].toBool()) EXPECT_EQ(cli({"library", "revert", id}).exitCode, 0);
+        if (items[0]["edited"].toBool()) {
+            EXPECT_EQ(cli({"library", "revert", id}).exitCode, 0);
+        }
         EXPECT_EQ(readFile(photo()), original);
     }
 }

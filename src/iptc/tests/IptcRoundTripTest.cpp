@@ -155,7 +155,9 @@ TEST_F(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
                 continue;
             bool ours = it.key() == "IPTC:CodedCharacterSet";
             for (const Field& f : fields()) ours |= it.key() == f.exiftoolIim || it.key() == f.exiftoolXmp;
-            if (!ours) EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
+            if (!ours) {
+                EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
+            }
         }
     }
 }

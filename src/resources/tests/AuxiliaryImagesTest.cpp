@@ -136,12 +136,12 @@ TEST_F(AuxiliaryImages, HeicGainMapHasTheSizeLibheifsToolWritesAndNothingElse) {
 }
 
 TEST_F(AuxiliaryImages, PhotosWithoutAnyGiveNone) {
-    for (const QString& name : {"jpeg/Canon_40D.jpg", "jpeg/iphone_hdr_YES.jpg", "heif/IMG_5195.HEIC",
-                                "heif/avif_exif_xmp.avif", "png/imagemagick.png", "tiff/BSG1.tiff"}) {
+    for (const char* name : {"jpeg/Canon_40D.jpg", "jpeg/iphone_hdr_YES.jpg", "heif/IMG_5195.HEIC",
+                             "heif/avif_exif_xmp.avif", "png/imagemagick.png", "tiff/BSG1.tiff"}) {
         const QByteArray bytes = readFile(corpusDir() + "/" + name);
-        ASSERT_FALSE(bytes.isEmpty()) << name.toStdString();
-        EXPECT_TRUE(typesFound(bytes).empty()) << name.toStdString();
-        EXPECT_FALSE(TSResourceAuxiliary::hasAuxiliaryImage(bytes)) << name.toStdString();
+        ASSERT_FALSE(bytes.isEmpty()) << name;
+        EXPECT_TRUE(typesFound(bytes).empty()) << name;
+        EXPECT_FALSE(TSResourceAuxiliary::hasAuxiliaryImage(bytes)) << name;
     }
     EXPECT_TRUE(TSResourceAuxiliary::hasAuxiliaryImage(readFile(portraitPath())));
     EXPECT_TRUE(TSResourceAuxiliary::hasAuxiliaryImage(readFile(gainMapHeic())));
@@ -280,7 +280,9 @@ TEST_F(AuxiliaryImages, HostileIndexesAndSizesGiveNoImage) {
                           images[2].offset + 10, original.size() - 1}) {
         const QByteArray truncated = original.left(cut);
         const auto found = typesFound(truncated);
-        if (cut <= images[1].offset + 1000) EXPECT_TRUE(found.empty()) << cut;
+        if (cut <= images[1].offset + 1000) {
+            EXPECT_TRUE(found.empty()) << cut;
+        }
     }
     const QByteArray heic = readFile(gainMapHeic());
     for (qsizetype cut : {qsizetype(100), heic.size() / 2, heic.size() - 10})
