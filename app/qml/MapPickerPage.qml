@@ -29,7 +29,7 @@ Page {
                 placeholderText: "Search or insert an address"
                 onAccepted: { MapPicker.search(text); focus = false }
             }
-            ToolButton { text: "Done"; onClicked: MapPicker.finish() }
+            ToolButton { text: "Done"; font.capitalization: Font.MixedCase; onClicked: MapPicker.finish() }
         }
     }
 

@@ -50,7 +50,9 @@ Popup {
                 font.weight: Font.DemiBold
             }
             ToolButton {
+                // A text button has less padding than an icon one: keep it off the edge.
                 anchors.right: parent.right
+                anchors.rightMargin: 10
                 anchors.verticalCenter: parent.verticalCenter
                 visible: Resources.mediaUrl == ""
                 text: Resources.doneTitle
