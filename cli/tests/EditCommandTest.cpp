@@ -317,6 +317,12 @@ TEST_F(EditCommand, RenderDrawsUprightAndHeifBecomesJpeg) {
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QImage fromHeic(out.filePath("Stonehenge.jpg"));
     EXPECT_FALSE(fromHeic.isNull());
+    // Drawn anew, every tag is written afresh and must read as it did: the one-byte codes too.
+    const QStringList exifGroups{"-n", "-G1", "-a", "-ExifIFD:all", "-IFD0:all", "-GPS:all"};
+    const QJsonObject after = exiftoolJson(out.filePath("Stonehenge.jpg"), exifGroups).toObject();
+    EXPECT_EQ(after.value("ExifIFD:FileSource").toInt(), 3);
+    EXPECT_EQ(after.value("ExifIFD:SceneType").toInt(), 1);
+    expectOthersKept(heic, exiftoolJson(heic, exifGroups).toObject(), after, {});
     const QImage stored = QImage::fromData(readFile(rotated));
     const QString upright = out.filePath("portrait_6.jpg");
     const QImage drawn(upright);

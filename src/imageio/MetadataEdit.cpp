@@ -146,6 +146,11 @@ std::unique_ptr<Exiv2::Value> exifValue(uint16_t tag, const std::string& group, 
                     QByteArray::number(whole(n.value(1))) + QByteArray::number(whole(n.value(2)));
         } else if (v.typeId() == QMetaType::QVariantList) {
             for (double d : numbersOf(v)) bytes.append(char(whole(d) & 0xff));
+        } else if (v.typeId() == QMetaType::Int || v.typeId() == QMetaType::UInt || v.typeId() == QMetaType::LongLong ||
+                   v.typeId() == QMetaType::ULongLong || v.typeId() == QMetaType::Double) {
+            // A one-byte code read as a number (FileSource 3, SceneType 1) goes back as that byte,
+            // not as the digit's character.
+            bytes.append(char(whole(v.toDouble()) & 0xff));
         } else {
             bytes = textOf(v).toUtf8();
         }
