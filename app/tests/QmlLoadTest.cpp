@@ -20,8 +20,6 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -43,8 +41,6 @@ QQmlEngine* engine = nullptr;
 class QmlLoadTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
         // The maps draw offline: no tile server.
         Settings::setValue(TSMapView::standardTilesKey, "none");
         models->app->rebuildRoot();
@@ -58,7 +54,6 @@ protected:
     // Lets transitions, loading and thumbnails run.
     static void settle() { QTest::qWait(400); }
 
-    QTemporaryDir settingsDir_;
 };
 
 TEST_F(QmlLoadTest, EveryFileLoads) {

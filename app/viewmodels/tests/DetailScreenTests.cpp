@@ -20,7 +20,6 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -48,8 +47,6 @@ QString corpus(const QString& name) { return corpusDir() + "/" + name; }
 class DetailScreenTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
         TagTableModel::collapseState().clear();
         TSEnvironment::isPad() = false;
         TSEnvironment::setCurrentAlbum(nullptr);
@@ -100,7 +97,6 @@ protected:
         return path;
     }
 
-    QTemporaryDir settingsDir_;
     QTemporaryDir filesDir_;
 };
 
@@ -196,7 +192,7 @@ TEST_F(DetailScreenTest, HideEmptyTagsCollapsesEmptyDetailRowsOnly) {
         QStringList keys;
         for (int r = 0; r < table.rowCount(); ++r)
             if (table.index(r).data(DetailTableModel::CollapsedRole).toBool())
-                keys << table.index(r).data(DetailTableModel::KeyRole).toString();
+        keys << table.index(r).data(DetailTableModel::KeyRole).toString();
         return keys;
     };
     ASSERT_TRUE(Settings::flag(SettingsFlag::hideEmptyTags));

@@ -14,7 +14,6 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QJsonDocument>
-#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -25,8 +24,7 @@ namespace {
 class ShareScreen : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid() && outDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
+        ASSERT_TRUE(outDir_.isValid());
         TSEnvironment::setCurrentAlbum(nullptr);
         QGuiApplication::clipboard()->setText("before");
     }
@@ -42,7 +40,7 @@ protected:
     }
     QUrl target(const QString& name) const { return QUrl::fromLocalFile(outDir_.filePath(name)); }
 
-    QTemporaryDir settingsDir_, outDir_;
+    QTemporaryDir outDir_;
     ShareViewModel share;
 };
 

@@ -39,8 +39,6 @@ public:
 class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
         TSEnvironment::setCurrentAlbum(nullptr);
         TSEnvironment::pendingUrlAlbumName().reset();
         TSEnvironment::isPad() = false;
@@ -61,7 +59,6 @@ protected:
     static QStringList samples(int n) { return testsupport::corpusFiles().mid(0, n); }
     static QVariant cell(const QAbstractItemModel& model, int row, int role) { return model.data(model.index(row, 0), role); }
 
-    QTemporaryDir settingsDir_;
     std::shared_ptr<RecordingLogProvider> log_ = std::make_shared<RecordingLogProvider>();
 };
 

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -14,7 +13,6 @@ namespace {
 class FilesAlbumTest : public ::testing::Test {
 protected:
     TSMetaDataObservable& hub = TSEnvironment::observable();
-    QTemporaryDir settingsDir;
     std::shared_ptr<TSFilesAlbum> album = std::make_shared<TSFilesAlbum>();
     Recorder screen;
     QString corpus = testsupport::corpusDir();
@@ -22,8 +20,6 @@ protected:
                       corpus + "/video/apple_meta.mov"};
 
     void SetUp() override {
-        ASSERT_TRUE(settingsDir.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
         spin();
         hub.download = DownloadLevel::none;
         TSEnvironment::isPad() = false;

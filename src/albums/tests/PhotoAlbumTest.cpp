@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 
 namespace {
@@ -22,8 +21,6 @@ protected:
     std::unique_ptr<library::Library> lib;
 
     void SetUp() override {
-        ASSERT_TRUE(tmp.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, tmp.path() + "/config");
         QDir().mkpath(tmp.path() + "/lib");
         // Dates 2008, 2021 and 2023: the fetch keeps that order.
         const QList<QPair<QString, QString>> files{

@@ -5,17 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QSettings>
 #include <QTemporaryDir>
 
 namespace {
 
 class Asset : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     QTemporaryDir dir_;
 };
 

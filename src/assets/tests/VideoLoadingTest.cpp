@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QSettings>
 #include <QTemporaryDir>
 
 using namespace testsupport;
@@ -17,10 +16,6 @@ namespace {
 
 class VideoAsset : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     QString write(const QString& name, const QByteArray& bytes) {
         QFile f(dir_.filePath(name));
         EXPECT_TRUE(f.open(QIODevice::WriteOnly));

@@ -9,7 +9,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -21,17 +20,12 @@ namespace {
 
 class Editing : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(settingsDir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir_.path());
-    }
     static std::shared_ptr<TSAsset> asset(const QString& relative) {
         return std::make_shared<TSAsset>(corpusDir() + "/" + relative);
     }
     static ModifyingPhotoAsset photo(const std::shared_ptr<TSAsset>& a) {
         return {a, std::make_shared<TagsPhotoModifier>(a->metaData()), a->imageData(), 1};
     }
-    QTemporaryDir settingsDir_;
 };
 
 // Mean difference per channel of two images of one size, 0 to 255.

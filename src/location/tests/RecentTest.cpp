@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
-#include <QTemporaryDir>
 #include <QTimeZone>
 
 namespace {
@@ -27,11 +25,8 @@ class RecentLists : public ::testing::Test {
 protected:
     // Each test gets its own empty settings folder, never the user's.
     void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
         recents::loadRecents();
     }
-    QTemporaryDir dir_;
 };
 
 }  // namespace

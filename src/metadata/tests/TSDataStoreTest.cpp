@@ -4,23 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
 class DataStore : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     static TSDataStore filled(const QVariantMap& props) {
         TSDataStore s;
         s.fill(TSMetaData::fromProperties(props));
         return s;
     }
-    QTemporaryDir dir_;
 };
 
 QVariantMap gps(const QVariantMap& g) { return {{kCGImagePropertyGPSDictionary, g}}; }

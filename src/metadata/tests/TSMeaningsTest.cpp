@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -91,14 +89,7 @@ TEST(ContactText, ListsTheContactFieldsInVocabularyOrder) {
     EXPECT_EQ(meaning(kCGImagePropertyIPTCCreatorContactInfo, contact), "City: Oslo\nEmail(s): a@b.c");
 }
 
-class StringFor : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
-    QTemporaryDir dir_;
-};
+using StringFor = ::testing::Test;
 
 TEST_F(StringFor, UsesTheFallbackAndIgnoresBareNumbers) {
     TSMetaData md = TSMetaData::fromProperties(QVariantMap{

@@ -6,19 +6,12 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
 class MetaDict : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     static void setHuman(bool on) { Settings::setFlag(SettingsFlag::human, on); }
-    QTemporaryDir dir_;
 };
 
 TSMetaDictionay photo() {

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QSettings>
-#include <QTemporaryDir>
 
 using media::MetadataItem;
 using Row = std::pair<QString, QString>;
@@ -13,12 +11,7 @@ namespace {
 
 class MetaVideo : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     static void setHuman(bool on) { Settings::setFlag(SettingsFlag::human, on); }
-    QTemporaryDir dir_;
 };
 
 MetadataItem userData(const QByteArray& key, const QString& text) {

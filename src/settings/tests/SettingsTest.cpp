@@ -3,23 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <QSettings>
-#include <QTemporaryDir>
 
 namespace {
 
 // Each test gets its own empty settings folder, never the user's.
 class SettingsTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     static QStringList storedKeys() { return QSettings(Settings::organisation, Settings::application).allKeys(); }
     static void store(const QString& key, const QVariant& value) {
         QSettings(Settings::organisation, Settings::application).setValue(key, value);
     }
 
-    QTemporaryDir dir_;
 };
 
 TEST_F(SettingsTest, FirstStartSeesTheDefaultsWithoutWritingThem) {

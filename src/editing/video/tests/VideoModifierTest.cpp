@@ -9,7 +9,6 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSettings>
 #include <QTemporaryDir>
 
 using media::MetadataItem;
@@ -49,10 +48,6 @@ QDateTime exiftoolInstant(QString text) {
 
 class VideoModifier : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(dir_.isValid());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-    }
     ExifVideoModifier modifierOf(const QString& path) {
         auto m = ExifVideoModifier::make({std::make_shared<const TSAsset>(path)});
         EXPECT_TRUE(m);

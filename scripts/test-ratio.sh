@@ -1,0 +1,8 @@
+#!/bin/bash
+# Non-blank lines of test code (every tests/ folder and testsupport) against the rest of the code.
+cd "$(dirname "$0")/.." || exit 1
+count() { xargs -r cat | grep -cv '^[[:space:]]*$'; }
+tests=$( { find src app cli tools -path '*/tests/*' \( -name '*.cpp' -o -name '*.h' \); \
+           find testsupport \( -name '*.cpp' -o -name '*.h' \); } | count)
+code=$(find src app cli tools \( -name '*.cpp' -o -name '*.h' -o -name '*.qml' \) -not -path '*/tests/*' | count)
+echo "tests $tests, code $code, ratio $(( 100 * tests / code ))%"
