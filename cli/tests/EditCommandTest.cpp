@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
@@ -14,6 +15,8 @@
 #include <QTemporaryDir>
 
 #include <cmath>
+
+#include <sys/stat.h>
 
 using namespace testsupport;
 
@@ -393,4 +396,47 @@ TEST_F(EditCommand, BadInputIsReportedAndTheOthersGoOn) {
                                    QStringList{"edit", "--orientation", "9", good, "-o", "/tmp"},
                                    QStringList{"edit", "--location", "somewhere", good, "-o", "/tmp"}})
         EXPECT_EQ(cli(bad).exitCode, 2) << bad.join(' ').toStdString();
+}
+
+// A file edited in place keeps its own mode; a file the edit creates gets what the umask allows,
+// never the private mode of the temporary file it was written as.
+TEST_F(EditCommand, OutputFilesKeepTheSourcesModeOrFollowTheUmask) {
+    const auto modeOf = [](const QString& path) {
+        struct stat st {};
+        return ::stat(QFile::encodeName(path).constData(), &st) == 0 ? int(st.st_mode & 07777) : -1;
+    };
+    // The CLI under umask 027: a new file is 0666 & ~027 = 0640.
+    const auto underUmask = [](const QStringList& args) {
+        return run("sh", QStringList{"-c", "umask 027; exec \"$0\" \"$@\"", QStringLiteral(TESSORIN_CLI)} + args);
+    };
+    QTemporaryDir dir, out;
+    const QString photo = dir.filePath("Canon_40D.jpg");
+    ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", photo));
+    ASSERT_EQ(::chmod(QFile::encodeName(photo).constData(), 0604), 0);
+
+    ProcessResult r = underUmask({"edit", "--set", "LensModel=EF 50mm", photo, "-o", out.path()});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(modeOf(out.filePath("Canon_40D.jpg")), 0640);
+
+    r = underUmask({"edit", "--set", "LensModel=EF 85mm", photo, "--in-place", "--keep-original"});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(str(tagsOf(photo), "ExifIFD:LensModel"), "EF 85mm");
+    EXPECT_EQ(modeOf(photo), 0604);
+    EXPECT_EQ(modeOf(dir.filePath("Canon_40D_original.jpg")), 0604) << "the kept original is the file as it was";
+
+    const QString movie = video("apple_meta.mov");
+    r = underUmask({"edit", "--date", "2020:01:02 03:04:05", movie, "-o", out.path()});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    const QStringList movies = QDir(out.path()).entryList({"*.mp4", "*.mov"}, QDir::Files);
+    ASSERT_EQ(movies.size(), 1);
+    EXPECT_EQ(modeOf(out.filePath(movies[0])), 0640);
+
+    // A new item of the photo library (the isolation's library folder).
+    const QString library = qEnvironmentVariable("TESSORIN_LIBRARY");
+    r = underUmask({"edit", "--set", "LensModel=EF 50mm", photo, "--library", "new"});
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    QStringList added;
+    for (QDirIterator it(library, {"*.jpg"}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) added << it.next();
+    ASSERT_EQ(added.size(), 1) << r.out.toStdString();
+    EXPECT_EQ(modeOf(added[0]), 0640);
 }

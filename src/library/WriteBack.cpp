@@ -19,16 +19,14 @@ namespace {
 
 QString hiddenFolderName() { return QStringLiteral(".tessorin"); }
 
+// A file replaced keeps its mode; a new one gets what the umask allows (QSaveFile does both).
 bool writeAtomically(const QString& path, const QByteArray& data, QString* error) {
-    const bool existed = QFileInfo::exists(path);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
         if (error) *error = QStringLiteral("%1 can't be written: %2").arg(path, file.errorString());
         file.cancelWriting();
         return false;
     }
-    if (!existed)
-        QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
     return true;
 }
 
