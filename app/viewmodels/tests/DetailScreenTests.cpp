@@ -105,44 +105,29 @@ protected:
 TEST_F(DetailScreenTest, RowsFollowTheItemKindAndItsLocation) {
     DetailTableModel table;
     EXPECT_EQ(table.rowCount(), 0) << "no item, no rows";
-
-    const QList<TSKey>& photo = TSKeys::photoRows();
-    const QList<TSKey>& video = TSKeys::videoRows();
-    struct Case {
-        QString file;
-        int rows;
-    };
-    const QList<Case> cases{
-        {"jpeg/gps/DSCN0010.jpg", int(photo.size()) + 2},
-        {"jpeg/Canon_40D.jpg", int(photo.size())},
-        {"video/apple_meta.mov", int(video.size()) + 2},
-        {"video/small_video.mp4", int(video.size())},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.file.toStdString());
-        open({corpus(c.file)});
-        ASSERT_EQ(table.rowCount(), c.rows);
+    // Each kind with and without a position: the position adds the map and its separator.
+    int withPosition = 0;
+    for (const QString& file :
+         {"jpeg/gps/DSCN0010.jpg", "jpeg/Canon_40D.jpg", "video/apple_meta.mov", "video/small_video.mp4"}) {
+        SCOPED_TRACE(file.toStdString());
+        open({corpus(file)});
         const QStringList kinds = column(table, DetailTableModel::KindRole);
         EXPECT_EQ(kinds.mid(0, 4), (QStringList{"date", "location", "separator", "badges"}));
-        const bool isVideo = c.file.startsWith("video");
-        const QList<TSKey>& rows = isVideo ? video : photo;
-        for (int r = 2; r < c.rows; ++r) EXPECT_EQ(table.key(r), rows[r - 2]) << r;
-        const bool hasMap = c.rows == int(rows.size()) + 2;
-        EXPECT_EQ(kinds.contains("map"), hasMap);
         EXPECT_EQ(kinds.last(), "separator");
-        if (!hasMap) {
-            EXPECT_EQ(table.key(c.rows - 2), isVideo ? TSKey::USER_COMMENT : TSKey::IPTC_CREDIT);
-        }
-        EXPECT_EQ(kinds.contains("stack"), !isVideo);
+        EXPECT_EQ(kinds.contains("stack"), !file.startsWith("video"));
+        const bool hasPosition = file.contains("gps") || file.contains("apple_meta");
+        EXPECT_EQ(kinds.contains("map"), hasPosition);
+        if (hasPosition) withPosition = table.rowCount();
+        else EXPECT_EQ(table.rowCount(), withPosition - 2);
     }
 }
 
-TEST_F(DetailScreenTest, RowTextsComeFromTheStore) {
+TEST_F(DetailScreenTest, RowTextsShowWhatExiftoolReads) {
     DetailTableModel table;
     auto album = open({corpus("jpeg/gps/DSCN0010.jpg"), untagged()});
-    const TSDataStore& store = album->currentAsset->ddStore();
+    // exiftool: DateTimeOriginal 2008:10:22 16:28:39, Model COOLPIX P6000, 640x480.
     const QModelIndex date = table.index(0);
-    EXPECT_EQ(date.data(DetailTableModel::ValueRole).toString(), store.value(TSKey::EXIF_DATE).first);
+    EXPECT_EQ(date.data(DetailTableModel::ValueRole).toString(), "Wednesday, 22 October 2008 16:28:39");
     EXPECT_FALSE(date.data(DetailTableModel::InfoMarkRole).toBool()) << "one date source only";
     ASSERT_EQ(table.sources(0).size(), 1);
     EXPECT_TRUE(table.sources(0).first().startsWith("From Exif Original:\n"));
@@ -156,11 +141,14 @@ TEST_F(DetailScreenTest, RowTextsComeFromTheStore) {
     const int sizes = int(column(table, DetailTableModel::KindRole).indexOf("sizes"));
     EXPECT_EQ(table.index(sizes).data(DetailTableModel::FileNameRole).toString(), "DSCN0010.jpg");
     EXPECT_EQ(table.index(sizes).data(DetailTableModel::FileTypeRole).toString(), "JPEG");
-    EXPECT_TRUE(table.index(sizes).data(DetailTableModel::SizesRole).toString().contains(store.value(TSKey::WxH).first));
+    EXPECT_TRUE(table.index(sizes).data(DetailTableModel::SizesRole).toString().contains("640 x 480")) << 
+        table.index(sizes).data(DetailTableModel::SizesRole).toString().toStdString();
 
     // The whole details text goes to the clipboard, whichever row asked.
     table.copy();
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), store.detailsText());
+    const QString copied = QGuiApplication::clipboard()->text();
+    for (const char* part : {"DSCN0010.jpg", "COOLPIX P6000", "Wednesday, 22 October 2008 16:28:39"})
+        EXPECT_TRUE(copied.contains(part)) << part << " in " << copied.toStdString();
 
     select(*album, 1);
     EXPECT_EQ(table.index(1).data(DetailTableModel::ValueRole).toString(), "\nThis image has no exif tags");
@@ -248,23 +236,13 @@ TEST_F(DetailScreenTest, TagTableShowsSectionsWithRowsAndNamesThemAll) {
     open({untagged()});
     const TSMetaDictProtocol& dic = tags.metaDic();
     QStringList headers;
-    int rows = 0;
     for (int i = 0; i < tags.rowCount(); ++i) {
         const QModelIndex index = tags.index(i);
-        if (index.data(TagTableModel::KindRole) == "header")
-            headers << index.data(TagTableModel::TitleRole).toString();
-        else
-            ++rows;
+        if (index.data(TagTableModel::KindRole) != "header") continue;
+        headers << index.data(TagTableModel::TitleRole).toString();
+        EXPECT_EQ(tags.index(i + 1).data(TagTableModel::KindRole), "row") << "a header with no rows: " << headers.last().toStdString();
     }
-    QStringList withRows;
-    int expectedRows = 0;
-    for (int s = 0; s < dic.numberOfSections(); ++s) {
-        expectedRows += dic.numberOfRows(s);
-        if (dic.numberOfRows(s) > 0) withRows << dic.sectionTitle(dic.sectionKey(s));
-    }
-    EXPECT_EQ(headers, withRows);
-    EXPECT_EQ(rows, expectedRows);
-    EXPECT_EQ(tags.sectionTitles().size(), dic.numberOfSections());
+    ASSERT_FALSE(headers.isEmpty());
     EXPECT_GT(tags.sectionTitles().size(), headers.size()) << "empty sections have no header but are in the list";
     // A section without a header is reached where it would stand.
     for (int s = 0; s < dic.numberOfSections(); ++s) {
@@ -347,12 +325,7 @@ TEST_F(DetailScreenTest, VideoKeySpacesAreSortedAndRowsCopy) {
     open({path});
     QStringList keys;
     for (int s = 0; s < tags.metaDic().numberOfSections(); ++s) keys << tags.metaDic().sectionKey(s).value_or(QString());
-    ASSERT_GT(keys.size(), 1);
-    QStringList sorted = keys;
-    sorted.sort();
-    EXPECT_EQ(keys, sorted);
-    const auto item = TSEnvironment::currentAlbum()->currentAsset;
-    EXPECT_EQ(tags.metaDic().numberOfSections(), item->metaVideo()->keySpaces().size());
+    EXPECT_EQ(keys, (QStringList{"mdta", "udta"}));
 
     const int row = tags.goTo(0) + 1;
     ASSERT_EQ(tags.index(row).data(TagTableModel::KindRole), "row");

@@ -71,7 +71,10 @@ TEST_F(ShareScreen, EveryButtonSharesTheItemOnView) {
     // What each save wrote, read back.
     const QString base = outDir_.filePath("DSCN0010");
     EXPECT_EQ(readFile(outDir_.filePath("DSCN0010.jpg")), asset->imageData());
-    EXPECT_EQ(QString::fromUtf8(readFile(base + "-details.txt")), asset->ddStore().detailsText());
+    // exiftool: Model COOLPIX P6000, DateTimeOriginal 2008:10:22 16:28:39.
+    const QString details = QString::fromUtf8(readFile(base + "-details.txt"));
+    for (const char* part : {"DSCN0010.jpg", "COOLPIX P6000", "Wednesday, 22 October 2008 16:28:39"})
+        EXPECT_TRUE(details.contains(part)) << part << " in " << details.toStdString();
     EXPECT_TRUE(QJsonDocument::fromJson(readFile(base + "-tags.json")).isObject());
     EXPECT_TRUE(readFile(base + "-tags.txt").startsWith("**Exif**\n"));
     EXPECT_TRUE(readFile(base + "-tags-raw.txt").contains("{GPS}"));
@@ -86,7 +89,7 @@ TEST_F(ShareScreen, EveryButtonSharesTheItemOnView) {
 TEST_F(ShareScreen, WithMetadataCopiesTheSummary) {
     show(corpusDir() + "/heif/iphone_13_pro_max.HEIC");
     share.shareMeta();
-    EXPECT_EQ(QGuiApplication::clipboard()->text(), TSEnvironment::currentAlbum()->currentAsset->ddStore().summaryText());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "This photo was taken on 16 Feb 2022 at 12:55:41");
     EXPECT_EQ(share.saveFileName(), "iphone_13_pro_max.HEIC");
     EXPECT_EQ(share.pendingData(), readFile(corpusDir() + "/heif/iphone_13_pro_max.HEIC"));
     share.cancelSave();
