@@ -1,4 +1,5 @@
 #include "Log.h"
+#include "Isolation.h"
 #include "RecordingLogProvider.h"
 
 #include <gtest/gtest.h>
@@ -33,32 +34,29 @@ TEST(ConsoleLogProvider, LineCarriesFileFunctionLineOnlyWhenAsked) {
     EXPECT_EQ(line(ExtraInfo::no, QVariantList{}), "[\U0001F41E]");
 }
 
-// Restores JOURNAL_STREAM, which these tests change.
-class JournalStream : public ::testing::Test {
+// The isolation restores JOURNAL_STREAM, which these tests change.
+class JournalStream : public testsupport::IsolatedTest {
 protected:
-    void TearDown() override {
-        if (saved_.isNull()) qunsetenv("JOURNAL_STREAM");
-        else qputenv("JOURNAL_STREAM", saved_);
-    }
-    const QByteArray saved_ = qEnvironmentVariableIsSet("JOURNAL_STREAM") ? qgetenv("JOURNAL_STREAM") : QByteArray();
+    void set(const QByteArray& value) { isolation().setEnv("JOURNAL_STREAM", value); }
+    void unset() { isolation().unsetEnv("JOURNAL_STREAM"); }
 };
 
 TEST_F(JournalStream, OnlyTheDeviceAndInodeOfStandardErrorCount) {
     struct stat st {};
     ASSERT_EQ(fstat(fileno(stderr), &st), 0);
     const QByteArray dev = QByteArray::number(qulonglong(st.st_dev));
-    qputenv("JOURNAL_STREAM", dev + ':' + QByteArray::number(qulonglong(st.st_ino)));
+    set(dev + ':' + QByteArray::number(qulonglong(st.st_ino)));
     EXPECT_TRUE(ConsoleLogProvider::stderrIsJournal());
     for (const QByteArray& other : {dev + ':' + QByteArray::number(qulonglong(st.st_ino) + 1), QByteArray("garbage")}) {
-        qputenv("JOURNAL_STREAM", other);
+        set(other);
         EXPECT_FALSE(ConsoleLogProvider::stderrIsJournal()) << other.constData();
     }
-    qunsetenv("JOURNAL_STREAM");
+    unset();
     EXPECT_FALSE(ConsoleLogProvider::stderrIsJournal());
 }
 
 TEST_F(JournalStream, OutsideTheJournalLinesGoToStandardError) {
-    qunsetenv("JOURNAL_STREAM");
+    unset();
     ConsoleLogProvider provider(LogDateFormatter("HH"), ExtraInfo::both);
     ::testing::internal::CaptureStderr();
     provider.log(LogLevel::warning, QStringLiteral("disk full"), "Saver.cpp", "save()", 7);
