@@ -48,6 +48,10 @@ void strip(TagsPhotoModifier& tags, Kind kind) {
            {kCGImagePropertyExifCameraOwnerName, kCGImagePropertyExifBodySerialNumber,
             kCGImagePropertyExifLensSerialNumber, kCGImagePropertyExifImageUniqueID});
     if (!tags.metaData) return;
+    // The XMP edit history names the documents and programs the photo passed through. Our reader
+    // doesn't read it, so whether the file has one is unknown here: a private copy is always written.
+    tags.metaData->insert(kXMPHistoryDictionary, nullValue());
+    tags.changed = true;
     // Maker notes carry serial numbers and owner names in forms of their own; a group of nulls
     // takes the whole note. The XMP aux group goes whole for the same reason.
     for (auto it = tags.metaData->begin(); it != tags.metaData->end(); ++it) {

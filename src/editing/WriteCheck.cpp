@@ -73,12 +73,15 @@ std::optional<QString> readBackDifference(const imageio::PropertyDict& before, c
     const auto read = imageio::readProperties(written, &error);
     if (!read) return "the written file can't be read back: " + error;
     // In a TIFF file the {TIFF} group also describes the pixels, which the writer keeps on purpose.
-    const bool tiff = imageio::detectFormat(written) == imageio::Format::Tiff;
-    // IPTC is left out: outside JPEG it lives in XMP, which our reader doesn't fold back everywhere.
+    const imageio::Format format = imageio::detectFormat(written);
+    const bool tiff = format == imageio::Format::Tiff;
+    // IPTC reads back from the IIM records JPEG and TIFF files get; elsewhere it lives in XMP
+    // alone, which our reader doesn't fold back into the group.
+    const bool iim = tiff || format == imageio::Format::Jpeg;
     for (const QString& group : {QString(kCGImagePropertyExifDictionary), QString(kCGImagePropertyTIFFDictionary),
-                                 QString(kCGImagePropertyGPSDictionary)}) {
+                                 QString(kCGImagePropertyGPSDictionary), QString(kCGImagePropertyIPTCDictionary)}) {
         const QVariant wish = wished.value(group);
-        if (!wish.isValid()) continue;
+        if (!wish.isValid() || (group == kCGImagePropertyIPTCDictionary && !iim)) continue;
         const bool checkRemovals = !(tiff && group == kCGImagePropertyTIFFDictionary);
         if (removal(wish) && checkRemovals) {
             bool left = false;

@@ -9,7 +9,7 @@
 namespace WriteCheck {
 
 // `before` is what the source read, `wished` the dictionary laid over it. Only values that the
-// wish changes in the EXIF, TIFF and GPS groups are compared: a removed tag must be gone, a set
+// wish changes in the EXIF, TIFF and GPS groups (and IPTC in JPEG and TIFF) are compared: a removed tag must be gone, a set
 // one must read the same (numbers to the precision of their rationals). Nothing when all agree; otherwise the first difference
 // in words.
 std::optional<QString> readBackDifference(const imageio::PropertyDict& before, const imageio::PropertyDict& wished,

@@ -498,6 +498,11 @@ void applyChanges(const PropertyDict& before, const PropertyDict& changes, Metad
             });
         else if (k == kCGImagePropertyExifAuxDictionary && Editor::allRemoved(it.value()))
             eraseXmpIf(blocks.xmp, [](const std::string& key) { return key.rfind("Xmp.aux.", 0) == 0; });
+        else if (k == kXMPHistoryDictionary && Editor::allRemoved(it.value()))
+            // Where the file came from and each program that saved it, with their document ids.
+            eraseXmpIf(blocks.xmp, [](const std::string& key) {
+                return key.rfind("Xmp.xmpMM.", 0) == 0 || key.rfind("Xmp.photoshop.DocumentAncestors", 0) == 0;
+            });
     }
 }
 

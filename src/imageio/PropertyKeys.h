@@ -13,6 +13,8 @@ TS_KEY(kCGImagePropertyTIFFDictionary, "{TIFF}")
 TS_KEY(kCGImagePropertyGPSDictionary, "{GPS}")
 TS_KEY(kCGImagePropertyIPTCDictionary, "{IPTC}")
 TS_KEY(kCGImagePropertyJFIFDictionary, "{JFIF}")
+// Ours: no reader fills it; a removal under this key takes the XMP edit history (xmpMM) out.
+TS_KEY(kXMPHistoryDictionary, "{XMPHistory}")
 TS_KEY(kCGImagePropertyPNGDictionary, "{PNG}")
 TS_KEY(kCGImagePropertyWebPDictionary, "{WebP}")
 TS_KEY(kCGImagePropertyHEICSDictionary, "{HEICS}")

@@ -331,9 +331,12 @@ TEST_F(BatchEdit, PrivacyStripIsLossless) {
     const QString a = sample("a.jpg", "jpeg/Canon_40D.jpg",
                              {"-Orientation#=6", "-ExifIFD:SerialNumber=123456", "-ExifIFD:OwnerName=Jane Roe",
                               "-ExifIFD:LensSerialNumber=L99", "-GPSLatitude=41.9", "-GPSLatitudeRef=N",
-                              "-GPSLongitude=12.5", "-GPSLongitudeRef=E", "-XMP-aux:SerialNumber=123456"});
+                              "-GPSLongitude=12.5", "-GPSLongitudeRef=E", "-XMP-aux:SerialNumber=123456",
+                              "-XMP-xmpMM:DocumentID=xmp.did:146E0D5C", "-XMP-xmpMM:HistoryAction=saved",
+                              "-XMP-xmpMM:HistorySoftwareAgent=Photo Editor 5", "-XMP-photoshop:DocumentAncestors=xmp.did:1"});
     const QJsonObject before = tags(a);
-    for (const char* planted : {"ExifIFD:SerialNumber", "ExifIFD:OwnerName", "XMP-aux:SerialNumber", "GPS:GPSLatitude"})
+    for (const char* planted : {"ExifIFD:SerialNumber", "ExifIFD:OwnerName", "XMP-aux:SerialNumber", "GPS:GPSLatitude",
+                                "XMP-xmpMM:DocumentID", "XMP-xmpMM:HistoryAction", "XMP-photoshop:DocumentAncestors"})
         ASSERT_TRUE(before.contains(planted)) << planted;
 
     const QString out = edit(a, with([](BatchWishes& w) { w.strip = PrivacyStrip::Kind::personal; }));
@@ -342,7 +345,8 @@ TEST_F(BatchEdit, PrivacyStripIsLossless) {
     for (auto it = after.begin(); it != after.end(); ++it) {
         const QString key = it.key();
         EXPECT_FALSE(key.startsWith("GPS:") || key.startsWith("Canon") || key.contains("Serial") ||
-                     key.contains("OwnerName") || key.startsWith("XMP-aux:") || key.endsWith(":MakerNotes"))
+                     key.contains("OwnerName") || key.startsWith("XMP-aux:") || key.endsWith(":MakerNotes") ||
+                     key.startsWith("XMP-xmpMM:") || key.endsWith(":DocumentAncestors"))
             << key.toStdString() << " is left";
     }
     for (const char* kept : {"ICC_Profile:ProfileDescription", "IFD0:Orientation", "File:ImageWidth",
@@ -365,23 +369,27 @@ TEST_F(BatchEdit, PrivacyStripIsLossless) {
 TEST_F(BatchEdit, ReadBackDifferenceLeavesOriginal) {
     const QString a = sample("a.jpg", "jpeg/Canon_40D.jpg");
     const QByteArray original = readFile(a);
-    auto asset = std::make_shared<TSAsset>(a);
-    ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
-    UserSettings settings(asset->metaData(), asset->ddStore());
-    ExifModifier modifier({photo});
-    modifier.filesDirectory = dir_.path();  // in place
-    // A tag no writer knows can't be carried into the file: the read-back misses it.
-    modifier.eachPhoto = [](ModifyingPhotoAsset& p) {
-        p.tags->exifData.insert("NoSuchTag", "x");
-        p.tags->changed = true;
-    };
-    modifier.modify(settings, false);
-    try {
-        modifier.rewrite(SaveMode::files);
-        ADD_FAILURE() << "the difference went unnoticed";
-    } catch (const TSError& e) {
-        EXPECT_TRUE(e.message().contains("NoSuchTag")) << e.message().toStdString();
+    // A tag no writer knows can't be carried into the file: the read-back misses it, in the EXIF
+    // group and in the IPTC records alike.
+    for (const bool iptc : {false, true}) {
+        SCOPED_TRACE(iptc ? "IPTC" : "EXIF");
+        auto asset = std::make_shared<TSAsset>(a);
+        ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
+        UserSettings settings(asset->metaData(), asset->ddStore());
+        ExifModifier modifier({photo});
+        modifier.filesDirectory = dir_.path();  // in place
+        modifier.eachPhoto = [iptc](ModifyingPhotoAsset& p) {
+            (iptc ? p.tags->iptcData : p.tags->exifData).insert("NoSuchTag", "x");
+            p.tags->changed = true;
+        };
+        modifier.modify(settings, false);
+        try {
+            modifier.rewrite(SaveMode::files);
+            ADD_FAILURE() << "the difference went unnoticed";
+        } catch (const TSError& e) {
+            EXPECT_TRUE(e.message().contains(iptc ? "{IPTC}.NoSuchTag" : "{Exif}.NoSuchTag")) << e.message().toStdString();
+        }
+        EXPECT_EQ(readFile(a), original);
+        EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"a.jpg"});
     }
-    EXPECT_EQ(readFile(a), original);
-    EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"a.jpg"});
 }
