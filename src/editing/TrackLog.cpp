@@ -269,11 +269,16 @@ std::optional<TrackFix> TrackLog::at(qint64 msecs, qint64 maxGapMsecs) const {
     const TrackPoint& b = *later;
     if (a.segment != b.segment || b.msecs - a.msecs > maxGapMsecs) return std::nullopt;
     // Linear in degrees: over the short gaps bridged this is within centimetres of the great
-    // circle (a log crossing the 180th meridian between two points is not bridged correctly).
+    // circle. The longitude goes the short way round, across the 180th meridian if that is shorter.
     const double f = double(msecs - a.msecs) / double(b.msecs - a.msecs);
     TrackFix fix;
     fix.latitude = a.latitude + (b.latitude - a.latitude) * f;
-    fix.longitude = a.longitude + (b.longitude - a.longitude) * f;
+    double east = b.longitude - a.longitude;
+    if (east > 180) east -= 360;
+    else if (east < -180) east += 360;
+    fix.longitude = a.longitude + east * f;
+    if (fix.longitude > 180) fix.longitude -= 360;
+    else if (fix.longitude < -180) fix.longitude += 360;
     if (a.altitude && b.altitude) fix.altitude = *a.altitude + (*b.altitude - *a.altitude) * f;
     if (a.latitude != b.latitude || a.longitude != b.longitude) fix.track = bearing(a, b);
     return fix;

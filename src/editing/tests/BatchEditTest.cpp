@@ -246,6 +246,16 @@ TEST_F(BatchEdit, TrackLogsOfEveryFormat) {
     EXPECT_NEAR(kml->points().last().latitude, 40.25, 1e-9);
     EXPECT_EQ(kml->points().last().msecs, ten + 3600'000);
 
+    // Across the 180th meridian the short way: 0.2° east over ten seconds, not 359.8° west.
+    const auto dateLine = TrackLog::parse(R"(<gpx version="1.1"><trk><trkseg>
+        <trkpt lat="-17" lon="179.9"><time>2024-05-01T10:00:00Z</time></trkpt>
+        <trkpt lat="-17" lon="-179.9"><time>2024-05-01T10:00:10Z</time></trkpt></trkseg></trk></gpx>)");
+    ASSERT_TRUE(dateLine);
+    EXPECT_NEAR(dateLine->at(ten + 2500, 60'000)->longitude, 179.95, 1e-9);
+    EXPECT_NEAR(std::fabs(dateLine->at(ten + 5000, 60'000)->longitude), 180, 1e-9);
+    EXPECT_NEAR(dateLine->at(ten + 7500, 60'000)->longitude, -179.95, 1e-9);
+    EXPECT_NEAR(*dateLine->at(ten + 7500, 60'000)->track, 90, 0.1);
+
     // NMEA: RMC then GGA of one second make one point; a wrong checksum drops its sentence.
     const auto nmea = TrackLog::parse("$GPRMC,100000,A,4500.000,N,00900.000,E,0.0,0.0,010524,,*16\r\n"
                                       "$GPGGA,100000,4500.000,N,00900.000,E,1,08,1.0,50.0,M,0,M,,*59\r\n"
