@@ -147,8 +147,8 @@ int editCommand(const QStringList& rawArgs) {
     QStringList passOn;  // what the movie editor is given besides the movies
     for (const auto& [a, value] : parsed.options) {
         // movies carry no IPTC, and the file list is the movie editor's own
-        static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template", "--shift", "--zone",
-                                            "--keep-instant", "--geotag", "--geotag-offset", "--max-gap", "--strip"};
+        static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template",
+                                            "--geotag", "--geotag-offset", "--max-gap"};
         const bool forMovies = !photosOnly.contains(a);
         if (forMovies) passOn << a;
         if (forMovies && !value.isNull()) passOn << value;
@@ -296,9 +296,9 @@ int editCommand(const QStringList& rawArgs) {
     }
     if (settings && wroteAny) settings->saveRecents();
     if (!movies.isEmpty()) {
-        if (!movieEditor() || batch.any()) {
+        if (!movieEditor() || batch.trackLog) {
             for (const QString& m : movies)
-                printError(m + (batch.any() ? ": movies take no shift, zone, track log or strip yet\n" : ": movies can't be edited here\n"));
+                printError(m + (batch.trackLog ? ": movies take no track log\n" : ": movies can't be edited here\n"));
             return 1;
         }
         const int movieStatus = movieEditor()(passOn + QStringList{"--"} + movies);

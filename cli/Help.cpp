@@ -76,7 +76,7 @@ const QList<std::pair<QString, QString>>& texts() {
                         "                                         \"By-line\") or its name (\"IPTC_KEYWORDS\"); creator contact\n"
                         "                                         fields as \"CiAdrCity\" or \"IPTC_CREATOR_CONTACT_INFO_CITY\"\n"
                         "  --template FILE                        the IPTC values of a template file, before --set\n"
-                        "each photo from its own values:\n"
+                        "each photo or movie from its own values (the track log is for photos):\n"
                         "  --shift [+-][D ]H:MM[:SS]               move every date (\"+0:52\", \"-1 2:00:00\")\n"
                         "  --zone +HH:MM|ZONE [--keep-instant]     set the time zone (\"Europe/Rome\"), keeping the\n"
                         "                                         local times or, with --keep-instant, the instant\n"

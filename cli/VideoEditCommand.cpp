@@ -2,6 +2,7 @@
 // A movie is written anew into the output folder, as "video_yyMMdd_HHmmss.mp4".
 #include "Commands.h"
 
+#include "DateShift.h"
 #include "Formatter.h"
 #include "HRLocation.h"
 #include "TSAsset.h"
@@ -17,6 +18,7 @@ namespace {
 int usage(const QString& problem) {
     printError("tessorin-cli edit: " + problem + "\n"
                "usage for movies: tessorin-cli edit [--date \"yyyy:MM:dd HH:mm:ss\"] [--location TEXT]\n"
+               "                  [--shift OFFSET] [--zone ZONE [--keep-instant]] [--strip private|location|dates]\n"
                "                  [--no-date] [--no-location] [--no-tags] MOVIE... -o DIR\n");
     return 2;
 }
@@ -29,6 +31,11 @@ QString changesText(const VideoWishes& w) {
     else if (w.date) out << "date " + Formatter::exifDateText(*w.date);
     if (w.removeLocation) out << QStringLiteral("location removed");
     else if (w.location) out << "location " + iso6709Text(*w.location);
+    if (w.shiftSeconds) out << QStringLiteral("dates shifted by %1 s").arg(*w.shiftSeconds);
+    if (w.zone) out << "zone " + (w.zone->offsetSeconds ? TimeZones::offsetText(*w.zone->offsetSeconds) : w.zone->zoneName);
+    if (w.strip) out << (*w.strip == PrivacyStrip::Kind::location ? QStringLiteral("location removed")
+                         : *w.strip == PrivacyStrip::Kind::dates  ? QStringLiteral("dates removed")
+                                                                  : QStringLiteral("private data removed"));
     return out.join(", ");
 }
 
@@ -45,7 +52,8 @@ int videoEditCommand(const QStringList& args) {
             files << args.mid(i + 1);
             break;
         }
-        static const QStringList withValue{"--date", "--location", "-o", "--digitized-date", "--orientation", "--set", "--remove"};
+        static const QStringList withValue{"--date",  "--location", "-o",    "--digitized-date", "--orientation",
+                                           "--set",   "--remove",   "--shift", "--zone",           "--strip"};
         QString value;
         if (withValue.contains(a)) {
             if (i + 1 >= args.size()) return usage(a + " needs a value");
@@ -58,6 +66,20 @@ int videoEditCommand(const QStringList& args) {
             wishes.location = hrl::degreesLocation(value);
             if (!wishes.location) wishes.location = hrl::decimalLocation(value);
             if (!wishes.location) return usage("'" + value + "' is no location");
+        } else if (a == "--shift") {
+            wishes.shiftSeconds = DateShift::parseOffset(value);
+            if (!wishes.shiftSeconds) return usage("'" + value + "' is no offset of the form [+-][D ]H:MM[:SS]");
+        } else if (a == "--zone") {
+            const bool keep = wishes.zone && wishes.zone->keepInstant;
+            wishes.zone = TimeZones::parseZone(value);
+            if (!wishes.zone) return usage("'" + value + "' is no time zone");
+            wishes.zone->keepInstant = keep;
+        } else if (a == "--keep-instant") {
+            if (!wishes.zone) return usage("--keep-instant follows --zone");
+            wishes.zone->keepInstant = true;
+        } else if (a == "--strip") {
+            wishes.strip = PrivacyStrip::parseKind(value);
+            if (!wishes.strip) return usage("--strip takes private, location or dates");
         } else if (a == "-o") {
             outputDir = value;
         } else if (a == "--no-date") {
@@ -77,7 +99,8 @@ int videoEditCommand(const QStringList& args) {
     if (files.isEmpty()) return usage("no files given");
     if (outputDir.isEmpty() && !inPlace) return usage("give -o DIR");
     if (!outputDir.isEmpty() && !QFileInfo(outputDir).isDir()) return usage("no folder " + outputDir);
-    const bool anyWish = wishes.noTags || wishes.removeDate || wishes.removeLocation || wishes.date || wishes.location;
+    const bool anyWish = wishes.noTags || wishes.removeDate || wishes.removeLocation || wishes.date || wishes.location ||
+                         wishes.shiftSeconds || wishes.zone || wishes.strip;
 
     // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -90,7 +113,7 @@ int videoEditCommand(const QStringList& args) {
             continue;
         }
         if (!unsupported.isEmpty()) {
-            printError(path + ": a movie takes only --date, --location, --no-date, --no-location and --no-tags, not " +
+            printError(path + ": a movie takes only --date, --location, --shift, --zone, --strip, --no-date, --no-location and --no-tags, not " +
                        unsupported.join(", ") + "\n");
             status = 1;
             continue;
@@ -107,7 +130,14 @@ int videoEditCommand(const QStringList& args) {
             status = 1;
             continue;
         }
-        if (anyWish) modifier->modify(wishes);
+        if (anyWish) {
+            const QStringList problems = modifier->modify(wishes);
+            if (!problems.isEmpty()) {
+                printError(path + ": " + problems.join("; ") + "\n");
+                status = 1;
+                continue;
+            }
+        }
         if (!modifier->changed()) {
             printOut(path + ": Nothing changed\n");
             continue;

@@ -225,3 +225,51 @@ TEST(VideoEdit, WhatAMovieCantDo) {
     EXPECT_TRUE(shortMedia.err.contains("cut short")) << shortMedia.err.toStdString();
     EXPECT_TRUE(QDir(out.path()).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
 }
+
+// Each movie from its own date: shifted, given a zone keeping its clock or its instant, and the
+// place, dates or private data taken out, as exiftool and ffprobe read them; the streams stay.
+TEST(VideoEdit, ShiftZoneAndStripReadBackAndTheStreamsStay) {
+    QTemporaryDir out;
+    const QString file = video("apple_meta.mov");  // 2023-05-14T10:20:30+0200 at +45.4640+009.1900
+    struct Case {
+        QStringList args;
+        const char* date;  // exiftool's Keys:CreationDate, or nothing when it must be gone
+        bool place;
+    };
+    const QList<Case> cases{
+        {{"--shift", "+1 2:00:00"}, "2023:05:15 12:20:30+02:00", true},
+        {{"--shift", "-0:30"}, "2023:05:14 09:50:30+02:00", true},
+        {{"--zone", "+05:30"}, "2023:05:14 10:20:30+05:30", true},
+        // 08:20:30 UTC, in London's summer time.
+        {{"--zone", "Europe/London", "--keep-instant"}, "2023:05:14 09:20:30+01:00", true},
+        {{"--strip", "location"}, "2023:05:14 10:20:30+02:00", false},
+        {{"--strip", "dates"}, nullptr, true},
+        {{"--strip", "private"}, "2023:05:14 10:20:30+02:00", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const ProcessResult r = cli(QStringList{"edit"} + c.args + QStringList{file, "-o", out.path()});
+        ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+        const QString edited = editedFile(r);
+        ASSERT_TRUE(QFileInfo::exists(edited)) << r.out.toStdString();
+        const QJsonValue et = exiftoolJson(edited, {"-G1", "-Keys:CreationDate", "-Keys:GPSCoordinates"});
+        EXPECT_EQ(et["Keys:CreationDate"].toString(), c.date ? QString(c.date) : QString());
+        EXPECT_EQ(et["Keys:GPSCoordinates"].isString(), c.place);
+        EXPECT_EQ(streamHashes(edited), streamHashes(file));
+    }
+    // The movie's own form of the date stays: no colon in its zone.
+    const ProcessResult shifted = cli({"edit", "--shift", "+0:01", file, "-o", out.path()});
+    const QJsonObject tags = ffprobe(editedFile(shifted))["format"].toObject()["tags"].toObject();
+    EXPECT_EQ(tags["com.apple.quicktime.creationdate"].toString(), "2023-05-14T10:21:30+0200");
+
+    // A track log is for photos: the movie is reported and left alone.
+    QFile gpx(out.filePath("t.gpx"));
+    ASSERT_TRUE(gpx.open(QIODevice::WriteOnly));
+    gpx.write(R"(<gpx version="1.1"><trk><trkseg><trkpt lat="1" lon="2"><time>2023-05-14T08:20:30Z</time></trkpt></trkseg></trk></gpx>)");
+    gpx.close();
+    const QStringList before = QDir(out.path()).entryList(QDir::Files);
+    const ProcessResult geotag = cli({"edit", "--geotag", gpx.fileName(), file, "-o", out.path()});
+    EXPECT_EQ(geotag.exitCode, 1);
+    EXPECT_TRUE(geotag.err.contains("movies take no track log")) << geotag.err.toStdString();
+    EXPECT_EQ(QDir(out.path()).entryList(QDir::Files), before);
+}

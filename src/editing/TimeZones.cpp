@@ -13,7 +13,8 @@ namespace {
 
 const QString kDateFormat = QStringLiteral("yyyy:MM:dd HH:mm:ss");
 
-// The offset the wish gives at a local time (when keeping it) or at an instant.
+}  // namespace
+
 int offsetAt(const ZoneWish& wish, const QDateTime& localOrInstant, bool isInstant) {
     if (wish.offsetSeconds) return *wish.offsetSeconds;
     const QTimeZone zone(wish.zoneName.toUtf8());
@@ -21,8 +22,6 @@ int offsetAt(const ZoneWish& wish, const QDateTime& localOrInstant, bool isInsta
     QDateTime local(localOrInstant.date(), localOrInstant.time(), zone);
     return local.isValid() ? local.offsetFromUtc() : zone.offsetFromUtc(localOrInstant);
 }
-
-}  // namespace
 
 std::optional<int> parseOffsetText(const QString& text) {
     static const QRegularExpression form(QStringLiteral(R"(^\s*([+-])(\d{1,2}):?(\d{2})?\s*$)"));

@@ -2,6 +2,7 @@
 // Sets the zone of a photo's dates (OffsetTime, OffsetTimeOriginal, OffsetTimeDigitized), either
 // keeping the local times (the camera showed the right clock, the zone was missing or wrong) or
 // keeping the instant (the camera stayed on home time: the local times move).
+#include <QDateTime>
 #include <QString>
 #include <optional>
 
@@ -22,6 +23,10 @@ std::optional<ZoneWish> parseZone(const QString& text);
 QString offsetText(int seconds);
 // Seconds east of UTC of an EXIF offset text, or nothing.
 std::optional<int> parseOffsetText(const QString& text);
+
+// Seconds east of UTC the wish gives at a wall-clock time (a QDateTime in UTC standing for the
+// clock) or, with `isInstant`, at an instant: a zone name's offset on that date.
+int offsetAt(const ZoneWish& wish, const QDateTime& localOrInstant, bool isInstant);
 
 // Applies the wish to every date the photo has. Nothing on success; otherwise why the photo was
 // left alone (keeping the instant needs the zone the dates were in).

@@ -1,11 +1,13 @@
 #pragma once
 // Changing a video's tags. A video can only be changed by writing a new file: TagsVideoModifier
 // edits the list of the movie's metadata items, ExifVideoModifier applies the wishes and writes
-// the movie anew (a lossless rewrite of its metadata, see MovieWriter). Only the date and the
-// location can be changed, or all tags dropped.
+// the movie anew (a lossless rewrite of its metadata, see MovieWriter). The date and the
+// location can be changed, the dates shifted or given a zone, private data or all tags dropped.
 #include "GeoLocation.h"
 #include "MetadataItem.h"
+#include "PrivacyStrip.h"
 #include "TSAsset.h"
+#include "TimeZones.h"
 #include "UserSettings.h"
 
 #include <QDateTime>
@@ -34,6 +36,16 @@ public:
     void removeLocation();
     // One QuickTime metadata ISO 6709 location in place of all location items.
     void setLocation(const GeoLocation& location);
+    // Moves every date item by `seconds` on its own clock, keeping its zone and its form.
+    void shiftDates(qint64 seconds);
+    // Gives every date item the wished zone, keeping its local time or its instant. Nothing on
+    // success; otherwise why the movie was left alone.
+    std::optional<QString> setZone(const TimeZones::ZoneWish& wish);
+    // Takes out the place, the dates, or the private data: the place, items naming a serial
+    // number or an owner, and the movie's other metadata (XMP and its history, makers' atoms).
+    void strip(PrivacyStrip::Kind kind);
+    // The movie's other metadata go while its items stay.
+    bool dropOtherMetadata = false;
 };
 
 // "+45.5000-122.2500+10/": latitude, longitude and altitude, as QuickTime writes a place.
@@ -48,6 +60,10 @@ struct VideoWishes {
     bool removeLocation = false;
     std::optional<QDateTime> date;  // a changed date, in local time
     std::optional<GeoLocation> location;
+    // Each movie from its own values, after the wishes above.
+    std::optional<qint64> shiftSeconds;
+    std::optional<TimeZones::ZoneWish> zone;
+    std::optional<PrivacyStrip::Kind> strip;
 };
 
 // One video being edited: the item and its modifier.
@@ -63,7 +79,8 @@ public:
 
     QList<ModifyingVideoAsset> modifing;
 
-    void modify(const VideoWishes& wishes);
+    // Returns what could not be done, one line each; the rest is done.
+    QStringList modify(const VideoWishes& wishes);
     // The edit screen's wishes: its no-tags, date and location switches, its date and place.
     // The date switch also drops the date wishes from `settings`.
     void modify(UserSettings& settings);

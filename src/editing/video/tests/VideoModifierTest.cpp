@@ -107,15 +107,15 @@ TEST_F(VideoModifier, WishesFollowTheSwitches) {
     const QString file = video("apple_meta.mov");
     // The removal switch wins over a wished date; no tags wins over everything.
     ExifVideoModifier m = modifierOf(file);
-    m.modify({false, true, false, QDateTime::currentDateTime(), std::nullopt});
+    m.modify({false, true, false, QDateTime::currentDateTime(), std::nullopt, {}, {}, {}});
     EXPECT_FALSE(identifiers(m.modifing[0].modifier.items).contains("mdta/com.apple.quicktime.creationdate"));
     ExifVideoModifier none = modifierOf(file);
-    none.modify({true, false, false, QDateTime::currentDateTime(), GeoLocation(1, 2)});
+    none.modify({true, false, false, QDateTime::currentDateTime(), GeoLocation(1, 2), {}, {}, {}});
     EXPECT_TRUE(none.modifing[0].modifier.items.isEmpty());
     EXPECT_TRUE(none.changed());
     // The date the video shows already changes nothing.
     ExifVideoModifier same = modifierOf(file);
-    same.modify({false, false, false, same.modifing[0].asset->ddStore().date, std::nullopt});
+    same.modify({false, false, false, same.modifing[0].asset->ddStore().date, std::nullopt, {}, {}, {}});
     EXPECT_FALSE(same.changed());
     // The software item names this application.
     const QList<MetadataItem> out = ExifVideoModifier::exportItems(m.modifing[0].modifier.items);
@@ -146,7 +146,7 @@ TEST_F(VideoModifier, ReadersSeeTheWishedDateAndPlaceAndTheSameStreams) {
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         ExifVideoModifier m = modifierOf(file);
-        m.modify({false, false, false, when, where});
+        m.modify({false, false, false, when, where, {}, {}, {}});
         const QString out = save(m);
         ASSERT_FALSE(out.isEmpty());
         EXPECT_TRUE(QFileInfo(out).fileName().startsWith("video_"));
@@ -172,7 +172,7 @@ TEST_F(VideoModifier, ReadersSeeTheWishedDateAndPlaceAndTheSameStreams) {
 
 TEST_F(VideoModifier, RotationSurvives) {
     ExifVideoModifier m = modifierOf(video("apple_meta_rot90.mov"));
-    m.modify({false, false, true, std::nullopt, std::nullopt});
+    m.modify({false, false, true, std::nullopt, std::nullopt, {}, {}, {}});
     const QString out = save(m);
     const QJsonObject stream = ffprobe(out)["streams"][0].toObject();
     EXPECT_EQ(stream["side_data_list"][0]["rotation"].toInt(), -90);
@@ -185,7 +185,7 @@ TEST_F(VideoModifier, NoTagsLeavesTheSoftwareItemAlone) {
     for (const QString& file : movies()) {
         SCOPED_TRACE(file.toStdString());
         ExifVideoModifier m = modifierOf(file);
-        m.modify({true, false, false, std::nullopt, std::nullopt});
+        m.modify({true, false, false, std::nullopt, std::nullopt, {}, {}, {}});
         const QString out = save(m);
         const auto items = media::readMovie(readFile(out))->metadata;
         ASSERT_EQ(items.size(), 1);
