@@ -182,7 +182,7 @@ TEST_F(LocationScreens, MapPicker) {
 
     picker.search("-33.8568 151.2153");
     EXPECT_DOUBLE_EQ(picker.pin()["latitude"].toDouble(), -33.8568);
-    EXPECT_EQ(picker.curAnnotation()->subtitle, hrl::coordinatesText(GeoLocation(-33.8568, 151.2153), true));
+    EXPECT_EQ(picker.curAnnotation()->subtitle, "33° 51' 24\" S 151° 12' 55\" E");
 }
 
 TEST_F(LocationScreens, AddressListOfACorpusPhotoAgreesWithExiftool) {

@@ -1,6 +1,5 @@
 // The rows of video items: the texts of durations and codecs, the rows of the sample movies,
 // and what cut, audio-only and misnamed movies show.
-#include "HRLocation.h"
 #include "TSAsset.h"
 #include "TestSupport.h"
 #include "VideoLoading.h"
@@ -67,7 +66,7 @@ TEST_F(VideoAsset, AppleMovieFillsItsRows) {
     EXPECT_DOUBLE_EQ(s.location->coordinate.latitude, 45.464);
     EXPECT_DOUBLE_EQ(s.location->coordinate.longitude, 9.19);
     EXPECT_EQ(s.locationSource, DataSource::fromExif);
-    EXPECT_EQ(row(a, TSKey::EXIF_LOCATION), hrl::coordinatesText(*s.location, false));
+    EXPECT_EQ(row(a, TSKey::EXIF_LOCATION), "45° 27' 50\" N\n9° 11' 23\" E");
     ASSERT_TRUE(a.metaVideo());
     EXPECT_EQ(a.metaVideo()->keySpaces(), QStringList{"mdta"});
     EXPECT_TRUE(s.summaryText().startsWith("This video was taken on "));
