@@ -116,4 +116,11 @@ QJsonObject ffprobe(const QString& path) {
     return QJsonDocument::fromJson(r.out).object();
 }
 
+QByteArray streamHashes(const QString& path) {
+    const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_FALSE(r.out.isEmpty());
+    return r.out;
+}
+
 }  // namespace testsupport

@@ -46,5 +46,7 @@ void expectSameImage(const QString& source, const QString& written);
 
 // ffprobe's reading of a file's format and streams.
 QJsonObject ffprobe(const QString& path);
+// FFmpeg's hash of each stream's packets, copied, not decoded: equal when the media are.
+QByteArray streamHashes(const QString& path);
 
 }  // namespace testsupport

@@ -23,12 +23,6 @@ QString line(const QString& details, const QString& label) {
     return at < 0 ? QString() : details.mid(at + label.size() + 2).section('\n', 0, 0);
 }
 
-QByteArray streamHashes(const QString& path) {
-    const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    return r.out;
-}
-
 QDateTime exiftoolInstant(QString text) {
     text.replace(10, 1, u'T');
     text.replace(4, 1, u'-').replace(7, 1, u'-');

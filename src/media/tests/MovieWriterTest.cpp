@@ -21,13 +21,6 @@ using namespace testsupport;
 namespace {
 
 // One line per stream: its index, type and the SHA-256 of all its packets.
-QByteArray streamHashes(const QString& path) {
-    const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    EXPECT_FALSE(r.out.isEmpty());
-    return r.out;
-}
-
 QString ffprobeTags(const QString& path) {
     return QString::fromUtf8(run("ffprobe", {"-v", "error", "-show_entries", "format_tags:stream_side_data", "-of", "flat", path}).out);
 }

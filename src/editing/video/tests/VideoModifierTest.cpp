@@ -33,12 +33,6 @@ MetadataItem userData(const QByteArray& key, const QString& text) {
     return item;
 }
 
-QByteArray streamHashes(const QString& path) {
-    const ProcessResult r = run("ffmpeg", {"-v", "error", "-i", path, "-map", "0", "-c", "copy", "-f", "streamhash", "-"});
-    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
-    return r.out;
-}
-
 // The instant of an exiftool date such as "2024:01:01 21:34:05Z" or "2023:05:14 10:20:30+02:00".
 QDateTime exiftoolInstant(QString text) {
     text.replace(10, 1, u'T');
