@@ -5,4 +5,4 @@ count() { xargs -r cat | grep -cv '^[[:space:]]*$'; }
 tests=$( { find src app cli tools -path '*/tests/*' \( -name '*.cpp' -o -name '*.h' \); \
            find testsupport \( -name '*.cpp' -o -name '*.h' \); } | count)
 code=$(find src app cli tools \( -name '*.cpp' -o -name '*.h' -o -name '*.qml' \) -not -path '*/tests/*' | count)
-echo "tests $tests, code $code, ratio $(( 100 * tests / code ))%"
+echo "tests $tests, code $code, ratio $(( 1000 * tests / code / 10 )).$(( 1000 * tests / code % 10 ))%"
