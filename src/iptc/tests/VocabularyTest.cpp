@@ -47,18 +47,6 @@ TEST(Vocabulary, ShippedSourceTypesLeadWithTheEmptyOptionAndKeepRetiredOnes) {
     EXPECT_EQ(iptc::optionLabel(std::nullopt, options->options), QString());
 }
 
-TEST(Vocabulary, HowEachKeyIsEdited) {
-    EXPECT_TRUE(std::holds_alternative<IptcOptions>(*iptc::iptcMultiData(TSKey::IPTC_SOURCE_TYPE)));
-    // Asked twice: the kept answer is the same.
-    EXPECT_TRUE(std::holds_alternative<IptcOptions>(*iptc::iptcMultiData(TSKey::IPTC_SOURCE_TYPE)));
-    EXPECT_TRUE(std::holds_alternative<IptcDictionary>(*iptc::iptcMultiData(TSKey::IPTC_CREATOR_CONTACT_INFO)));
-    for (TSKey k : {TSKey::IPTC_KEYWORDS, TSKey::IPTC_AUTHOR_TITLE, TSKey::IPTC_DESCRIPTION_WRITER})
-        EXPECT_TRUE(std::holds_alternative<IptcList>(*iptc::iptcMultiData(k))) << rawValue(k).toStdString();
-    for (TSKey k : {TSKey::IPTC_HEADLINE, TSKey::AUTHOR, TSKey::IPTC_COUNTRYCODE, TSKey::IPTC_CREATOR_CONTACT_INFO_CITY})
-        EXPECT_FALSE(iptc::iptcMultiData(k)) << rawValue(k).toStdString();
-    EXPECT_FALSE(iptc::iptcOptions(TSKey::IPTC_HEADLINE));
-}
-
 TEST(Vocabulary, MissingOrBrokenFileMakesSourceTypeFreeText) {
     QTemporaryDir dir;
     EXPECT_FALSE(iptc::iptcMultiData(TSKey::IPTC_SOURCE_TYPE, dir.filePath("none.json")));
