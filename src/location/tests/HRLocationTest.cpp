@@ -17,22 +17,23 @@ void expectAt(const std::optional<GeoLocation>& loc, double lat, double lon) {
 
 }  // namespace
 
-TEST(DecimalLocation, AcceptsTheTypedShapes) {
-    expectAt(decimalLocation(QString("45.5 9.2")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45.5, 9.2")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45,5 9,2")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45.5N 9.2E")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45.5 N 9.2 E")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("9.2E 45.5N")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("9.2 45.5 N")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("-33.8568 151.2153")), -33.8568, 151.2153);
-}
-
-TEST(DecimalLocation, LettersSetTheSignOfTheirNumber) {
-    expectAt(decimalLocation(QString("45.5S 9.2")), -45.5, 9.2);
-    expectAt(decimalLocation(QString("-45.5S 9.2")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45.5 9.2W")), 45.5, -9.2);
-    expectAt(decimalLocation(QString("10 w 20 s")), -20, -10);
+TEST(DecimalLocation, ReadsTheTypedShapesWithLettersSettingTheSign) {
+    const struct {
+        const char* typed;
+        double lat, lon;
+    } cases[] = {
+        {"45.5 9.2", 45.5, 9.2},       {"45.5, 9.2", 45.5, 9.2},   {"45,5 9,2", 45.5, 9.2},
+        {"45.5N 9.2E", 45.5, 9.2},     {"45.5 N 9.2 E", 45.5, 9.2}, {"9.2E 45.5N", 45.5, 9.2},
+        {"9.2 45.5 N", 45.5, 9.2},     {"-33.8568 151.2153", -33.8568, 151.2153},
+        {"45.5S 9.2", -45.5, 9.2},     {"-45.5S 9.2", 45.5, 9.2},  {"45.5 9.2W", 45.5, -9.2},
+        {"10 w 20 s", -20, -10},
+        // The plain comma rule never finishes on these; ours must, and still read the numbers.
+        {",45.5 9.2", 45.5, 9.2},      {"45.5 9.2,", 45.5, 9.2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.typed);
+        expectAt(decimalLocation(QString(c.typed)), c.lat, c.lon);
+    }
 }
 
 TEST(DecimalLocation, RefusesWhatIsNoCoordinate) {
@@ -43,12 +44,6 @@ TEST(DecimalLocation, RefusesWhatIsNoCoordinate) {
     EXPECT_FALSE(decimalLocation(QString("45.5x 9.2")));
     EXPECT_FALSE(decimalLocation(QString("1 2 3 4 5")));
     EXPECT_FALSE(decimalLocation(QString("")));
-}
-
-TEST(DecimalLocation, LeadingAndTrailingCommasDoNotStall) {
-    // The plain comma rule never finishes on these; ours must, and still read the numbers.
-    expectAt(decimalLocation(QString(",45.5 9.2")), 45.5, 9.2);
-    expectAt(decimalLocation(QString("45.5 9.2,")), 45.5, 9.2);
     EXPECT_FALSE(decimalLocation(QString(",")));
 }
 
