@@ -262,34 +262,52 @@ bool Library::ensureOpen(QString* error) const {
     return false;
 }
 
-ScanReport Library::scan() {
+ScanReport Library::scan() { return scan({}, folders_); }
+
+ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     ScanReport report;
     if (!ensureOpen(nullptr)) {
+        report.indexError = index_->error();
         report.problems << index_->error();
-        return report;
+        return lastScan_ = report;
     }
     // What is on disk now. Folders we can't read keep their files in the index: a missing
     // disk or a locked folder must not cost the user's marks.
     struct OnDisk { qint64 size, mtime; };
     QHash<QString, OnDisk> disk;
     QStringList unreachable;
-    std::function<void(const QString&)> walk = [&](const QString& dir) {
+    auto isRoot = [&](const QString& dir) { return folders_.contains(dir); };
+    std::function<void(const QString&, bool)> walk = [&](const QString& dir, bool into) {
         QDir d(dir);
         const QFileInfo info(dir);
+        if (!info.exists() && !isRoot(dir)) return;  // a subfolder that went: its files went too
         if (!info.isDir() || !info.isReadable() || !info.isExecutable()) {
             unreachable << dir;
             report.problems << QStringLiteral("The library folder %1 can't be read").arg(dir);
             return;
         }
         // Hidden entries (our own folder of originals among them) aren't part of the library.
-        for (const QFileInfo& e : d.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot, QDir::Name)) {
-            if (e.isDir()) walk(e.absoluteFilePath());
+        const auto filter = (into ? QDir::Dirs : QDir::Filter(0)) | QDir::Files | QDir::NoDotAndDotDot;
+        for (const QFileInfo& e : d.entryInfoList(filter, QDir::Name)) {
+            if (e.isDir()) walk(e.absoluteFilePath(), true);
             else if (kindForPath(e.fileName())) disk.insert(e.absoluteFilePath(), {e.size(), e.lastModified().toMSecsSinceEpoch()});
         }
     };
-    for (const QString& root : folders_) walk(root);
+    auto inLibrary = [&](const QString& path) {
+        return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); });
+    };
+    QStringList shallowScope, deepScope;
+    for (const QString& f : shallow) if (inLibrary(f)) shallowScope << QDir::cleanPath(f);
+    for (const QString& f : deep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
+    for (const QString& dir : std::as_const(shallowScope)) walk(dir, false);
+    for (const QString& dir : std::as_const(deepScope)) walk(dir, true);
+    auto inScope = [&](const QString& path) {
+        const QString dir = QFileInfo(path).absolutePath();
+        return shallowScope.contains(dir) ||
+               std::any_of(deepScope.begin(), deepScope.end(), [&](const QString& d) { return under(path, d); });
+    };
     auto reachable = [&](const QString& path) {
-        return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); }) &&
+        return inLibrary(path) && inScope(path) &&
                std::none_of(unreachable.begin(), unreachable.end(), [&](const QString& u) { return under(path, u); });
     };
 
@@ -311,7 +329,7 @@ ScanReport Library::scan() {
     QList<FileRow> gone;
     for (const FileRow& r : std::as_const(known))
         if (!disk.contains(r.path) && reachable(r.path)) gone << r;
-    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) return report;
+    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) return lastScan_ = report;
     std::sort(fresh.begin(), fresh.end());
 
     // The reading is done before the transaction, so the database is held only for the writes.
@@ -397,9 +415,12 @@ ScanReport Library::scan() {
         return true;
     });
     if (!ok) {
-        report.problems << QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
-        return report;
+        report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
+        report.problems << report.indexError;
+        Log::error(QStringLiteral("🗂 %1").arg(report.indexError));
+        return lastScan_ = report;
     }
+    lastScan_ = report;
     emit libraryDidChange();
     return report;
 }
@@ -627,8 +648,8 @@ void Library::startWatching() {
     if (watcher_) return;
     watcher_ = std::make_unique<FolderWatcher>();
     watcher_->watch(folders_);
-    connect(watcher_.get(), &FolderWatcher::changed, this, [this] {
-        scan();
+    connect(watcher_.get(), &FolderWatcher::changed, this, [this](const QStringList& shallow, const QStringList& deep) {
+        scan(shallow, deep);
         watcher_->watch(folders_);  // folders made since
     });
 }
