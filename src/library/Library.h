@@ -246,6 +246,14 @@ private:
     std::unique_ptr<Index> index_;
     std::unique_ptr<FolderWatcher> watcher_;
     ScanReport lastScan_;
+    // Every asset as last loaded, with its creation date in milliseconds for sorting.
+    const QList<Asset>& allAssets() const;
+    struct Cache {
+        qint64 dataVersion = -1, changes = -1;
+        QList<Asset> assets;
+        QList<qint64> dates;
+    };
+    mutable Cache cache_;
 };
 
 // Text of a resource type, as logs and the resource list show it.
