@@ -113,3 +113,17 @@ TEST_F(LibraryFixture, LivePhotoPairsByContentIdentifierNotByName) {
     EXPECT_FALSE(assetOf(lone).mediaSubtypes & Subtype::photoLive);
     EXPECT_EQ(assetOf(stranger).mediaType, MediaType::video);
 }
+
+TEST_F(LibraryFixture, FetchSeesWhatAnotherProcessWroteToTheIndex) {
+    const QString file = add("jpeg/Canon_40D.jpg", "a.jpg");
+    lib->scan();
+    const QString id = assetOf(file).localIdentifier;
+    EXPECT_FALSE(lib->fetchAssets().objectAt(0).favorite);
+    // Another connection to the same index, as the command-line tool has while the app runs.
+    Library other({root()}, database());
+    ASSERT_TRUE(other.setFavorite(id, true));
+    EXPECT_TRUE(lib->fetchAssets().objectAt(0).favorite);
+    add("jpeg/Nikon_D70.jpg", "b.jpg");
+    other.scan();
+    EXPECT_EQ(lib->fetchAssets().count(), 2);
+}
