@@ -74,8 +74,11 @@ int main(int argc, char** argv) {
     const ScanReport again = lib.scan();
     const double rescanSeconds = t.nsecsElapsed() / 1e9;
 
+    // The first fetch loads the index; later ones, until it changes, reuse what it loaded.
+    t.start();
+    qsizetype photos = lib.fetchAssets(FetchOptions{SortOrder::creationDateDescending, MediaType::image, false}).count();
+    const double firstFetchSeconds = t.nsecsElapsed() / 1e9;
     double fetchSeconds = 1e9;
-    qsizetype photos = 0;
     for (int i = 0; i < 5; ++i) {
         t.start();
         photos = lib.fetchAssets(FetchOptions{SortOrder::creationDateDescending, MediaType::image, false}).count();
@@ -101,7 +104,8 @@ int main(int argc, char** argv) {
     std::printf("exiftool -fast2%8.2f s  %8.0f files/s  (we are %.1f times as fast)\n", exiftoolSeconds,
                 files / exiftoolSeconds, exiftoolSeconds / scanSeconds);
     std::printf("rescan         %8.3f s  (%d unchanged, %d read)\n", rescanSeconds, again.filesUnchanged, again.filesRead);
-    std::printf("fetch photos   %8.1f ms, by date\n", fetchSeconds * 1000);
+    std::printf("fetch photos   %8.1f ms, by date (%.1f ms the first time after a change)\n", fetchSeconds * 1000,
+                firstFetchSeconds * 1000);
     std::printf("change noticed %8.3f s  (%lld inserted)\n", changeSeconds, static_cast<long long>(details.insertedIndexes.size()));
     std::printf("peak memory    %8.1f MB\n", usage.ru_maxrss / 1024.0);
     return 0;

@@ -77,6 +77,7 @@ int libraryCommand(const QStringList& args) {
     if (sub == "scan") {
         const ScanReport r = lib.scan();
         for (const QString& p : r.problems) printError(p + "\n");
+        if (!r.indexError.isEmpty()) return 1;
         printOut(QStringLiteral("%1 read, %2 unchanged, %3 moved, %4 removed; %5 items\n")
                      .arg(r.filesRead).arg(r.filesUnchanged).arg(r.filesMoved).arg(r.filesRemoved)
                      .arg(lib.fetchAssets(FetchOptions{SortOrder::creationDateAscending, std::nullopt, true}).count()));

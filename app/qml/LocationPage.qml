@@ -17,7 +17,11 @@ Page {
 
     Connections {
         target: LocationScreen
-        function onPhotoPickerRequested() { photoDialog.open() }
+        // The album on view first; with no pictures in it, a file straight away.
+        function onPhotoPickerRequested() {
+            if (LocationScreen.albumPhotos.length > 0) photoPicker.open()
+            else photoDialog.open()
+        }
         function onMapPickerRequested() { page.mapPickerRequested() }
         function onAlert(title, message) { alert.title = title; alert.text = message; alert.open() }
     }
@@ -95,6 +99,45 @@ Page {
         }
     }
 
+    Dialog {
+        id: photoPicker
+        anchors.centerIn: Overlay.overlay
+        modal: true
+        title: "From a photo"
+        width: Math.min(page.width - 32, 420)
+        height: Math.min(page.height - 64, 520)
+        GridView {
+            id: photoGrid
+            anchors.fill: parent
+            clip: true
+            cellWidth: width / Math.max(1, Math.floor(width / 96))
+            cellHeight: cellWidth
+            model: LocationScreen.albumPhotos
+            delegate: ItemDelegate {
+                id: cell
+                required property var modelData
+                width: photoGrid.cellWidth
+                height: photoGrid.cellHeight
+                padding: 2
+                contentItem: Image {
+                    source: "image://thumb/" + encodeURIComponent(cell.modelData.path)
+                    sourceSize: Qt.size(192, 192)
+                    fillMode: Image.PreserveAspectCrop
+                    asynchronous: true
+                }
+                onClicked: { photoPicker.close(); LocationScreen.choosePhoto(modelData.path) }
+            }
+        }
+        footer: DialogButtonBox {
+            Button {
+                text: "Choose a File..."
+                flat: true
+                onClicked: { photoPicker.close(); photoDialog.open() }
+            }
+            Button { text: "Cancel"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+        }
+    }
+
     FileDialog {
         id: photoDialog
         nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng)"]
@@ -106,6 +149,7 @@ Page {
         anchors.centerIn: Overlay.overlay
         modal: true
         property alias text: alertText.text
+        onAccepted: LocationScreen.openSettings()
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
         footer: DialogButtonBox {
             Button { text: "Settings"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }

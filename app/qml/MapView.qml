@@ -22,10 +22,16 @@ Item {
         id: gestures
         anchors.fill: parent
         acceptedButtons: Qt.LeftButton | Qt.RightButton
+        // A mouse drag stays the map's, not the list's around it. A finger's may be taken over
+        // by the pinch (or the list): kept, it would leave two fingers panning.
         preventStealing: true
         property point last
         property bool moved: false
-        onPressed: (mouse) => { last = Qt.point(mouse.x, mouse.y); moved = false }
+        onPressed: (mouse) => {
+            preventStealing = mouse.source === Qt.MouseEventNotSynthesized
+            last = Qt.point(mouse.x, mouse.y)
+            moved = false
+        }
         onPositionChanged: (mouse) => {
             if (!pressed) return
             map.pan(mouse.x - last.x, mouse.y - last.y)
@@ -39,14 +45,14 @@ Item {
         }
         onPressAndHold: (mouse) => { if (!moved) root.pressAndHold(map.coordinateAt(mouse.x, mouse.y)) }
         onWheel: (wheel) => map.zoomAt(Math.pow(2, wheel.angleDelta.y / 480), wheel.x, wheel.y)
-    }
-    PinchHandler {
-        target: null
-        property real lastScale: 1
-        onActiveChanged: lastScale = 1
-        onActiveScaleChanged: {
-            map.zoomAt(activeScale / lastScale, centroid.position.x, centroid.position.y)
-            lastScale = activeScale
+        PinchHandler {
+            target: null
+            property real lastScale: 1
+            onActiveChanged: lastScale = 1
+            onActiveScaleChanged: {
+                map.zoomAt(activeScale / lastScale, centroid.position.x, centroid.position.y)
+                lastScale = activeScale
+            }
         }
     }
 

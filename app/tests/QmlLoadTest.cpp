@@ -166,6 +166,42 @@ TEST_F(QmlLoadTest, ScreensRunThroughTheirStates) {
     window->close();
 }
 
+
+TEST_F(QmlLoadTest, TwoFingersSpreadApartZoomTheMapIn) {
+    QQmlComponent component(engine, QUrl("qrc:/qml/MapView.qml"));
+    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> object(component.create());
+    auto* item = qobject_cast<QQuickItem*>(object.get());
+    ASSERT_TRUE(item);
+    QQuickWindow window;
+    window.resize(400, 400);
+    item->setParentItem(window.contentItem());
+    item->setSize(QSizeF(400, 400));
+    item->setProperty("place", QVariantMap{{"latitude", 45.5}, {"longitude", 9.2}, {"title", "Milan"}});
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    auto* map = item->property("map").value<TSMapView*>();
+    ASSERT_TRUE(map);
+    const double before = map->zoom();
+
+    // Two fingers 100 pixels apart about the middle, spread to 400 in small steps.
+    static QPointingDevice* touch = QTest::createTouchDevice();
+    QTest::touchEvent(&window, touch).press(0, QPoint(150, 200)).press(1, QPoint(250, 200));
+    QTest::qWait(20);
+    for (int spread = 55; spread <= 200; spread += 5) {
+        QTest::touchEvent(&window, touch).move(0, QPoint(200 - spread, 200)).move(1, QPoint(200 + spread, 200));
+        QTest::qWait(10);
+    }
+    QTest::touchEvent(&window, touch).release(0, QPoint(0, 200)).release(1, QPoint(400, 200));
+    QTest::qWait(50);
+    // Four times as far apart: two zoom levels in, less what the handler's threshold swallowed
+    // at the start.
+    EXPECT_GT(map->zoom() - before, 1.3);
+    EXPECT_LE(map->zoom() - before, 2.0 + 1e-9);
+    EXPECT_TRUE(map->property("movedAway").toBool());
+    window.close();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -33,6 +33,7 @@ AppModels::AppModels(QObject* parent)
       resources(new ResourcesViewModel(this)) {
     // The map picker hands its place back to the location screen.
     mapPicker->locationDelegate = [this](const HRLocation& l) { location->didChooseMapLocation(l); };
+    connect(location, &LocationModifierViewModel::settingsRequested, app, &AppController::openSettings);
     // Navigation between the browsing screens.
     connect(app, &AppController::filesOpened, albumList, &AlbumListViewModel::openPaths);
     connect(app, &AppController::rootRebuilt, albumList, &AlbumListViewModel::load);

@@ -1,10 +1,13 @@
 #include "LocationModifierViewModel.h"
 
+#include "Geocoder.h"
 #include "Log.h"
 #include "PlaceIndex.h"
 #include "Recent.h"
 #include "TSDataStore.h"
+#include "TSFilesAlbum.h"
 #include "TSGeocoder.h"
+#include "TSPhotoAlbum.h"
 
 #include <QFileInfo>
 #include <QImageReader>
@@ -32,10 +35,18 @@ HRLocation LocationModifierViewModel::named(const GeoLocation& location, const P
 }
 
 QList<HRLocation> LocationModifierViewModel::placesNamed(const QString& text) {
-    QList<HRLocation> out;
     const auto index = PlaceIndex::shared();
-    if (!index) return out;
-    for (const PlaceMatch& m : index->search(text)) {
+    return index ? fromMatches(index->search(text)) : QList<HRLocation>();
+}
+
+QList<HRLocation> LocationModifierViewModel::fromMatches(const QList<PlaceMatch>& matches) {
+    QList<HRLocation> out;
+    for (const PlaceMatch& m : matches) {
+        // A street address (from the online service) reads like a named coordinate.
+        if (m.placemark.thoroughfare) {
+            out.append(named(GeoLocation(m.coordinate.latitude, m.coordinate.longitude), m.placemark));
+            continue;
+        }
         HRLocation hr;
         hr.title = m.placemark.locality;
         QStringList below;
@@ -70,6 +81,16 @@ void LocationModifierViewModel::search(const QString& text) {
         queryFragment_ = text;
         // The offline place search answers at once; like a completer, it leaves the check alone.
         searched_ = placesNamed(text);
+        // The online service, when one is set, answers later with streets and the towns above.
+        if (auto* geocoder = dynamic_cast<Geocoder*>(&TSGeocoder::geocoder()); geocoder && geocoder->isOnline()) {
+            QPointer<LocationModifierViewModel> self(this);
+            geocoder->search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+                if (!self || mine != self->searches_) return;
+                self->searched_ = fromMatches(found);
+                if (self->checked_.section == searched && self->checked_.row >= self->searched_.size()) self->checked_ = defaultIndexPath;
+                emit self->changed();
+            });
+        }
     }
     if (checked_.section == searched && checked_.row >= searched_.size()) checked_ = defaultIndexPath;
     emit changed();
@@ -109,6 +130,21 @@ void LocationModifierViewModel::choosePhoto(const QString& path) {
     hr.thumbnail = reader.read();
     imgHRLocation_ = hr;
     setChecked(hr.location ? IndexPath{fromPhoto, 1} : defaultIndexPath);
+}
+
+QVariantList LocationModifierViewModel::albumPhotos() const {
+    QVariantList out;
+    const auto album = TSEnvironment::currentAlbum();
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(album.get());
+    const auto* files = dynamic_cast<const TSFilesAlbum*>(album.get());
+    for (int i = 0; i < album->count(); ++i) {
+        if (album->isVideo(i)) continue;
+        QString path;
+        if (photos && photos->fetchedAssets) path = photos->fetchedAssets->objectAt(i).mainPath();
+        else if (files) path = files->imageUrl(i).value_or(QString());
+        if (!path.isEmpty()) out.append(QVariantMap{{"path", path}, {"title", QFileInfo(path).fileName()}});
+    }
+    return out;
 }
 
 std::optional<HRLocation> LocationModifierViewModel::locationAt(IndexPath p) const {

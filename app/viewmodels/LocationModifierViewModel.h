@@ -3,6 +3,7 @@
 // results, the present position, a place from another photo, a place from the map, the photo's
 // own place, the recent places. Leaving it delivers the checked row's place.
 #include "HRLocation.h"
+#include "PlaceIndex.h"
 #include "TSLocationManager.h"
 
 #include <QObject>
@@ -16,6 +17,8 @@ class LocationModifierViewModel : public QObject {
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     // [{header, rows: [{title, subtitle, image, disclosure, checked, style}]}], six of them.
     Q_PROPERTY(QVariantList sections READ sections NOTIFY changed)
+    // The pictures of the album on view, for "From a photo": [{path, title}].
+    Q_PROPERTY(QVariantList albumPhotos READ albumPhotos NOTIFY photoPickerRequested)
 public:
     struct IndexPath {
         int section = 0, row = 0;
@@ -48,6 +51,9 @@ public:
     Q_INVOKABLE void tap(int section, int row);
     // The place from a picture file (section 2) and from the map picker (section 3).
     Q_INVOKABLE void choosePhoto(const QString& path);
+    QVariantList albumPhotos() const;
+    // The position alert's "Settings": the program's settings screen.
+    Q_INVOKABLE void openSettings() { emit settingsRequested(); }
     void didChooseMapLocation(const HRLocation& location);
     Q_INVOKABLE void appear();
     // Leaving: the checked row's place goes to the delegate.
@@ -55,6 +61,7 @@ public:
 
     // Places whose name matches, best first, as search results: the place, its area and country.
     static QList<HRLocation> placesNamed(const QString& text);
+    static QList<HRLocation> fromMatches(const QList<PlaceMatch>& matches);
     // A coordinate named by a placemark: the place as title, the address on one line below.
     static HRLocation named(const GeoLocation& location, const Placemark& placemark);
 
@@ -62,6 +69,7 @@ signals:
     void changed();
     void photoPickerRequested();
     void mapPickerRequested();
+    void settingsRequested();
     void alert(const QString& title, const QString& message);
 
 private:

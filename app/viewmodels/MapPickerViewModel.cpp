@@ -1,5 +1,6 @@
 #include "MapPickerViewModel.h"
 
+#include "Geocoder.h"
 #include "LocationModifierViewModel.h"
 #include "TSGeocoder.h"
 
@@ -40,7 +41,18 @@ void MapPickerViewModel::search(const QString& text) {
         l.location = coordinate;
         return setPin(l);
     }
-    const QList<HRLocation> found = LocationModifierViewModel::placesNamed(text);
+    const quint64 mine = ++searches_;
+    if (auto* geocoder = dynamic_cast<Geocoder*>(&TSGeocoder::geocoder()); geocoder && geocoder->isOnline()) {
+        QPointer<MapPickerViewModel> self(this);
+        geocoder->search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+            if (self && mine == self->searches_) self->showFound(LocationModifierViewModel::fromMatches(found));
+        });
+        return;
+    }
+    showFound(LocationModifierViewModel::placesNamed(text));
+}
+
+void MapPickerViewModel::showFound(const QList<HRLocation>& found) {
     if (found.isEmpty()) return emit alert(nothingTitle, nothingMessage);
     if (found.size() == 1) return setPin(found.first());
     searchedLocations_ = found;

@@ -44,7 +44,10 @@ signals:
 
 private:
     void setPin(const HRLocation& location);
+    // A search's answer: an alert for none, the pin for one, a list to choose from for more.
+    void showFound(const QList<HRLocation>& found);
 
     std::optional<HRLocation> curAnnotation_;
     QList<HRLocation> searchedLocations_;
+    quint64 searches_ = 0;  // an answer to an older search is dropped
 };

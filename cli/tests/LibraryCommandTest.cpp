@@ -142,3 +142,31 @@ TEST_F(LibraryCommand, KilledAtAnyPointOfAnEditTheOriginalStaysWhole) {
         EXPECT_EQ(readFile(photo()), original);
     }
 }
+
+TEST_F(LibraryCommand, DiskFullDuringAScanFailsClearlyAndLosesNothing) {
+    ASSERT_EQ(cli({"library", "scan"}).exitCode, 0);
+    const QString id = list().at(0)["localIdentifier"].toString();
+    ASSERT_EQ(cli({"library", "favorite", id}).exitCode, 0);
+    // Enough new files that their rows outgrow the room the tool is given.
+    const QStringList jpegs = QDir(corpusDir() + "/jpeg").entryList({"*.jpg"}, QDir::Files);
+    ASSERT_GE(jpegs.size(), 10);
+    for (int copy = 0; copy < 20; ++copy) {
+        const QString dir = lib() + QStringLiteral("/Roll%1").arg(copy);
+        QDir().mkpath(dir);
+        for (const QString& j : jpegs) ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/" + j, dir + '/' + j));
+    }
+    // No file of the tool may grow past 40 KiB: the index's shared memory (32 KiB) still fits,
+    // its journal does not. The signal for it is ignored, so the write fails as on a full disk.
+    const ProcessResult full = run("prlimit", {"--fsize=40960", "sh", "-c", "trap '' XFSZ; exec \"$0\" \"$@\"",
+                                               QStringLiteral(TESSORIN_CLI), "library", "scan"});
+    EXPECT_NE(full.exitCode, 0);
+    EXPECT_TRUE(full.err.contains("index couldn't be updated")) << full.err.toStdString();
+
+    // The index is as it was, nothing moved aside, and a scan with room reads everything.
+    EXPECT_TRUE(QDir(tmp.path() + "/data/Tessorin").entryList({"*corrupt*"}).isEmpty());
+    const ProcessResult show = cli({"library", "show", id});
+    EXPECT_TRUE(QJsonDocument::fromJson(show.out).object()["favorite"].toBool()) << show.err.toStdString();
+    const ProcessResult again = cli({"library", "scan"});
+    EXPECT_EQ(again.exitCode, 0) << again.err.toStdString();
+    EXPECT_EQ(list().size(), 1 + 20 * jpegs.size());
+}

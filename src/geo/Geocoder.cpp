@@ -118,11 +118,41 @@ void Geocoder::deliver(quint64 id, const GeocodeResult& result) {
     if (c) c(result);
 }
 
+bool Geocoder::isOnline() const {
+    const QString url = onlineURL_ ? onlineURL_().trimmed() : QString();
+    return !url.isEmpty() && QUrl(url).isValid();
+}
+
 void Geocoder::search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion) {
     const QLocale locale;
-    GeocoderActor::shared().enqueue([shared = shared_, index = index_, text, limit, locale, completion = std::move(completion)] {
+    const QString url = onlineURL_ ? onlineURL_().trimmed() : QString();
+    GeocoderActor::shared().enqueue([shared = shared_, index = index_, text, limit, locale, url, completion = std::move(completion)] {
         QList<PlaceMatch> matches;
         if (auto places = index ? index() : nullptr) matches = places->search(text, limit, locale);
-        shared->post([completion, matches](Geocoder&) { completion(matches); });
+        const QUrl base(url);
+        if (url.isEmpty() || !base.isValid()) {
+            shared->post([completion, matches](Geocoder&) { completion(matches); });
+            return;
+        }
+        QNetworkReply* reply = network()->get(nominatim::searchRequest(base, text, limit, locale));
+        QObject::connect(reply, &QNetworkReply::finished, reply, [shared, reply, matches, limit, completion] {
+            reply->deleteLater();
+            QList<PlaceMatch> merged;
+            if (reply->error() == QNetworkReply::NoError) {
+                for (const auto& [placemark, coordinate] : nominatim::parseSearch(reply->readAll()))
+                    merged.append(PlaceMatch{placemark, coordinate, 0});
+            } else {
+                Log::info("🗺 online search: " + reply->errorString() + "; the offline answer stands", "search");
+            }
+            // An offline town the service named too (within a kilometre) is left out.
+            for (const PlaceMatch& m : matches) {
+                const bool known = std::any_of(merged.begin(), merged.end(), [&](const PlaceMatch& o) {
+                    return GeoLocation(o.coordinate.latitude, o.coordinate.longitude)
+                               .distance(GeoLocation(m.coordinate.latitude, m.coordinate.longitude)) < 1000;
+                });
+                if (!known && merged.size() < limit) merged.append(m);
+            }
+            shared->post([completion, merged](Geocoder&) { completion(merged); });
+        });
     });
 }

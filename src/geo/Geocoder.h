@@ -23,8 +23,12 @@ public:
     void cancelGeocode() override;
 
     // Places by name, best first (PlaceIndex::search), on the worker; the completion runs on
-    // the thread that made the Geocoder.
+    // the thread that made the Geocoder. With an online service, its answers come first (they
+    // know streets), then the offline places that aren't among them; when it fails, the offline
+    // answer stands.
     void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion);
+    // Whether searches and reverse look-ups ask an online service too.
+    bool isOnline() const;
 
 private:
     struct Shared;

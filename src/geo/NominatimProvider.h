@@ -4,6 +4,7 @@
 #include "GeoLocation.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QLocale>
 #include <QNetworkRequest>
 #include <QUrl>
@@ -17,5 +18,12 @@ QNetworkRequest reverseRequest(const QUrl& base, const GeoCoordinate& coordinate
 // The placemark of an answer; nothing for an error answer ("Unable to geocode": open sea) or
 // one that names no place.
 std::optional<Placemark> parseReverse(const QByteArray& json);
+
+// GET BASE/search?format=jsonv2&q=..&addressdetails=1&limit=.., in the user's language.
+QNetworkRequest searchRequest(const QUrl& base, const QString& text, int limit, const QLocale& locale);
+
+// The places of a search answer, in its order; each has a placemark and a position. Entries
+// without a position or a name are left out; an answer that isn't a list gives none.
+QList<std::pair<Placemark, GeoCoordinate>> parseSearch(const QByteArray& json);
 
 }  // namespace nominatim

@@ -3,6 +3,7 @@
 #include "Log.h"
 
 #include <QDirIterator>
+#include <QFile>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -18,7 +19,12 @@ FolderWatcher::FolderWatcher() {
     connect(notifier_.get(), &QSocketNotifier::activated, this, &FolderWatcher::readEvents);
     settle_.setSingleShot(true);
     settle_.setInterval(100);
-    connect(&settle_, &QTimer::timeout, this, &FolderWatcher::changed);
+    connect(&settle_, &QTimer::timeout, this, [this] {
+        const QStringList shallow(shallow_.begin(), shallow_.end()), deep(deep_.begin(), deep_.end());
+        shallow_.clear();
+        deep_.clear();
+        emit changed(shallow, deep);
+    });
 }
 
 FolderWatcher::~FolderWatcher() {
@@ -33,8 +39,11 @@ void FolderWatcher::watch(const QStringList& roots) {
     auto add = [&](const QString& dir) {
         if (watched_.contains(dir)) return;
         int wd = inotify_add_watch(fd_, dir.toLocal8Bit().constData(), mask);
-        if (wd >= 0) watched_.insert(dir, wd);
+        if (wd < 0) return;
+        watched_.insert(dir, wd);
+        folderOf_.insert(wd, dir);
     };
+    roots_ = roots;
     for (const QString& root : roots) {
         add(root);
         QDirIterator it(root, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
@@ -51,16 +60,35 @@ void FolderWatcher::readEvents() {
         for (ssize_t at = 0; at < n;) {
             const auto* e = reinterpret_cast<const inotify_event*>(buffer + at);
             at += ssize_t(sizeof(inotify_event) + e->len);
+            if (e->mask & IN_Q_OVERFLOW) {
+                // Events were lost: everything is looked at again.
+                for (const QString& root : std::as_const(roots_)) deep_.insert(root);
+                any = true;
+                continue;
+            }
             if (e->mask & IN_IGNORED) {
-                for (auto it = watched_.begin(); it != watched_.end(); ++it)
-                    if (it.value() == e->wd) {
-                        watched_.erase(it);
-                        break;
-                    }
+                watched_.remove(folderOf_.take(e->wd));
+                continue;
+            }
+            const QString folder = folderOf_.value(e->wd);
+            if (folder.isEmpty()) continue;
+            if (e->len == 0) {
+                // The watched folder itself went or moved. A moved one is watched again under its
+                // new name by the next watch().
+                if (e->mask & IN_MOVE_SELF) {
+                    inotify_rm_watch(fd_, e->wd);
+                    watched_.remove(folderOf_.take(e->wd));
+                }
+                if (e->mask & (IN_DELETE_SELF | IN_MOVE_SELF)) {
+                    deep_.insert(folder);
+                    any = true;
+                }
                 continue;
             }
             // Our own temporary files and hidden folders come and go with every save.
-            if (e->len > 0 && e->name[0] == '.') continue;
+            if (e->name[0] == '.') continue;
+            if (e->mask & IN_ISDIR) deep_.insert(folder + '/' + QFile::decodeName(e->name));
+            else shallow_.insert(folder);
             any = true;
         }
     }

@@ -4,6 +4,7 @@
 // directories through QFileSystemWatcher misses, and needs one watch per folder, not per file.
 #include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <QTimer>
@@ -22,8 +23,10 @@ public:
     void watch(const QStringList& roots);
 
 signals:
-    // Once per burst of events: a program writing many files causes one scan.
-    void changed();
+    // Once per burst of events: a program writing many files causes one scan, of the folders
+    // whose files changed (`shallow`) and of folders that came or went with all below them
+    // (`deep`).
+    void changed(const QStringList& shallow, const QStringList& deep);
 
 private:
     void readEvents();
@@ -31,6 +34,9 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     QTimer settle_;
     QHash<QString, int> watched_;
+    QHash<int, QString> folderOf_;
+    QSet<QString> shallow_, deep_;
+    QStringList roots_;
 };
 
 }  // namespace library

@@ -194,12 +194,18 @@ bool Index::exec(const char* sql) {
     return true;
 }
 
-QString Index::lastError() const { return db_ ? QString::fromUtf8(sqlite3_errmsg(db_)) : error_; }
+QString Index::lastError() const {
+    if (!failure_.isEmpty()) return failure_;
+    return db_ ? QString::fromUtf8(sqlite3_errmsg(db_)) : error_;
+}
 
 bool Index::transaction(const std::function<bool()>& body) {
-    if (!exec("BEGIN IMMEDIATE")) return false;
-    if (body() && exec("COMMIT")) return true;
-    exec("ROLLBACK");
+    failure_.clear();
+    // The wait for another writer is the busy timeout's; then it fails as "database is locked".
+    if (body && exec("BEGIN IMMEDIATE") && body() && exec("COMMIT")) return true;
+    // Kept before the rollback, whose success would clear it.
+    failure_ = QString::fromUtf8(sqlite3_errmsg(db_));
+    if (!sqlite3_get_autocommit(db_)) exec("ROLLBACK");
     return false;
 }
 

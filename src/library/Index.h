@@ -57,6 +57,7 @@ private:
     bool migrate(QString* problem);
     QString path_;
     QString error_;
+    QString failure_;  // of the last failed transaction
     sqlite3* db_ = nullptr;
 };
 

@@ -16,6 +16,8 @@
 #include <QTimeZone>
 #include <QUuid>
 #include <algorithm>
+#include <sqlite3.h>
+#include <vector>
 
 namespace library {
 
@@ -41,6 +43,11 @@ struct AssetRow {
     std::optional<double> userLat, userLon;
     QString editOriginal, editAdjustment;
 };
+
+// Paths in the index are absolute and clean: their parts are found without QFileInfo, which
+// costs an allocation and a parse per call.
+QString folderOf(const QString& path) { return path.left(path.lastIndexOf('/')); }
+QString fileNameOf(const QString& path) { return path.mid(path.lastIndexOf('/') + 1); }
 
 bool under(const QString& path, const QString& folder) {
     return path.startsWith(folder) && (path.size() == folder.size() || path.at(folder.size()) == '/');
@@ -68,9 +75,10 @@ bool isOnRemoteVolume(const QString& dir) {
     return best && isRemoteFileSystem(best->fileSystemType());
 }
 
-QDateTime toDateTime(qint64 ms, std::optional<int> offset) {
-    // A fixed offset, not a time zone: building a QTimeZone per asset is costly.
-    return offset ? QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, *offset) : QDateTime::fromMSecsSinceEpoch(ms, Qt::LocalTime);
+QDateTime toDateTime(qint64 ms, std::optional<int> offset, const QTimeZone& local) {
+    // A fixed offset when the file gives one. Otherwise the system's zone, made once per load:
+    // Qt::LocalTime goes through mktime, which looks at /etc/localtime on every call.
+    return offset ? QDateTime::fromMSecsSinceEpoch(ms, Qt::OffsetFromUTC, *offset) : QDateTime::fromMSecsSinceEpoch(ms, local);
 }
 
 const char selectFiles[] =
@@ -115,8 +123,9 @@ const char insertFile[] =
     "width, height, duration, subtypes, selfie, burst, content_id) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)";
 
 // Turns the rows of one asset into the asset the platform would show.
+// `date` receives the creation date in milliseconds, the key fetches sort on.
 Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> files,
-                QHash<QString, bool>& remoteFolders) {
+                QHash<QString, bool>& remoteFolders, const QTimeZone& local, qint64* date) {
     // The main file first: a picture before a raw file before a movie, then by name.
     std::sort(files.begin(), files.end(), [](const FileRow* x, const FileRow* y) {
         auto rank = [](FileKind k) { return k == FileKind::image ? 0 : k == FileKind::raw ? 1 : 2; };
@@ -127,11 +136,12 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
     asset.localIdentifier = id;
     asset.mediaType = main.kind == FileKind::video ? MediaType::video : MediaType::image;
     asset.mediaSubtypes = main.subtypes;
-    asset.folder = QFileInfo(main.path).absolutePath();
+    asset.folder = folderOf(main.path);
     asset.modificationDate = QDateTime::fromMSecsSinceEpoch(main.mtime, Qt::UTC);
-    if (a.userDate) asset.creationDate = toDateTime(*a.userDate, a.userOffset);
-    else if (main.date) asset.creationDate = toDateTime(*main.date, main.offset);
-    else asset.creationDate = asset.modificationDate.toLocalTime();
+    if (a.userDate) asset.creationDate = toDateTime(*a.userDate, a.userOffset, local);
+    else if (main.date) asset.creationDate = toDateTime(*main.date, main.offset, local);
+    else asset.creationDate = toDateTime(main.mtime, std::nullopt, local);
+    *date = a.userDate ? *a.userDate : main.date ? *main.date : main.mtime;
     if (a.userLat && a.userLon) asset.location = Location{*a.userLat, *a.userLon, std::nullopt};
     else if (main.lat && main.lon) asset.location = Location{*main.lat, *main.lon, main.alt};
     asset.pixelWidth = main.width;
@@ -145,13 +155,13 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
     asset.version = a.version;
 
     auto remote = [&](const QString& path) {
-        const QString dir = QFileInfo(path).absolutePath();
+        const QString dir = folderOf(path);
         auto it = remoteFolders.find(dir);
         if (it == remoteFolders.end()) it = remoteFolders.insert(dir, isOnRemoteVolume(dir));
         return *it;
     };
     auto resource = [&](ResourceType type, const QString& path, qint64 size, const QString& name = {}) {
-        asset.resources << Resource{type, name.isEmpty() ? QFileInfo(path).fileName() : name, path, size, !remote(path)};
+        asset.resources << Resource{type, name.isEmpty() ? fileNameOf(path) : name, path, size, !remote(path)};
     };
     const bool isVideo = asset.mediaType == MediaType::video;
     if (!a.editOriginal.isEmpty()) {
@@ -262,34 +272,52 @@ bool Library::ensureOpen(QString* error) const {
     return false;
 }
 
-ScanReport Library::scan() {
+ScanReport Library::scan() { return scan({}, folders_); }
+
+ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     ScanReport report;
     if (!ensureOpen(nullptr)) {
+        report.indexError = index_->error();
         report.problems << index_->error();
-        return report;
+        return lastScan_ = report;
     }
     // What is on disk now. Folders we can't read keep their files in the index: a missing
     // disk or a locked folder must not cost the user's marks.
     struct OnDisk { qint64 size, mtime; };
     QHash<QString, OnDisk> disk;
     QStringList unreachable;
-    std::function<void(const QString&)> walk = [&](const QString& dir) {
+    auto isRoot = [&](const QString& dir) { return folders_.contains(dir); };
+    std::function<void(const QString&, bool)> walk = [&](const QString& dir, bool into) {
         QDir d(dir);
         const QFileInfo info(dir);
+        if (!info.exists() && !isRoot(dir)) return;  // a subfolder that went: its files went too
         if (!info.isDir() || !info.isReadable() || !info.isExecutable()) {
             unreachable << dir;
             report.problems << QStringLiteral("The library folder %1 can't be read").arg(dir);
             return;
         }
         // Hidden entries (our own folder of originals among them) aren't part of the library.
-        for (const QFileInfo& e : d.entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot, QDir::Name)) {
-            if (e.isDir()) walk(e.absoluteFilePath());
+        const auto filter = (into ? QDir::Dirs : QDir::Filter(0)) | QDir::Files | QDir::NoDotAndDotDot;
+        for (const QFileInfo& e : d.entryInfoList(filter, QDir::Name)) {
+            if (e.isDir()) walk(e.absoluteFilePath(), true);
             else if (kindForPath(e.fileName())) disk.insert(e.absoluteFilePath(), {e.size(), e.lastModified().toMSecsSinceEpoch()});
         }
     };
-    for (const QString& root : folders_) walk(root);
+    auto inLibrary = [&](const QString& path) {
+        return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); });
+    };
+    QStringList shallowScope, deepScope;
+    for (const QString& f : shallow) if (inLibrary(f)) shallowScope << QDir::cleanPath(f);
+    for (const QString& f : deep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
+    for (const QString& dir : std::as_const(shallowScope)) walk(dir, false);
+    for (const QString& dir : std::as_const(deepScope)) walk(dir, true);
+    auto inScope = [&](const QString& path) {
+        const QString dir = QFileInfo(path).absolutePath();
+        return shallowScope.contains(dir) ||
+               std::any_of(deepScope.begin(), deepScope.end(), [&](const QString& d) { return under(path, d); });
+    };
     auto reachable = [&](const QString& path) {
-        return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); }) &&
+        return inLibrary(path) && inScope(path) &&
                std::none_of(unreachable.begin(), unreachable.end(), [&](const QString& u) { return under(path, u); });
     };
 
@@ -311,7 +339,7 @@ ScanReport Library::scan() {
     QList<FileRow> gone;
     for (const FileRow& r : std::as_const(known))
         if (!disk.contains(r.path) && reachable(r.path)) gone << r;
-    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) return report;
+    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) return lastScan_ = report;
     std::sort(fresh.begin(), fresh.end());
 
     // The reading is done before the transaction, so the database is held only for the writes.
@@ -397,17 +425,23 @@ ScanReport Library::scan() {
         return true;
     });
     if (!ok) {
-        report.problems << QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
-        return report;
+        report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
+        report.problems << report.indexError;
+        Log::error(QStringLiteral("🗂 %1").arg(report.indexError));
+        return lastScan_ = report;
     }
+    lastScan_ = report;
     emit libraryDidChange();
     return report;
 }
 
 namespace {
 
-// Every asset of the library's folders, loaded in two statements.
-QList<Asset> loadAll(Index& index, const QStringList& roots) {
+// Every asset of the library's folders, loaded in two statements, with their creation dates
+// in milliseconds.
+QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& dates) {
+    dates.clear();
+    const QTimeZone local = QTimeZone::systemTimeZone();
     QHash<QString, AssetRow> rows;
     {
         Statement s(index.db(),
@@ -430,7 +464,11 @@ QList<Asset> loadAll(Index& index, const QStringList& roots) {
     }
     QList<FileRow> files;
     {
-        Statement s(index.db(), (QByteArray(selectFiles) + " ORDER BY asset").constData());
+        // The same columns less those only a scan needs (the hash of the first bytes, the
+        // content identifier): fewer strings to make.
+        Statement s(index.db(),
+                    "SELECT path, asset, size, mtime, NULL, kind, readable, date, offset, lat, lon, alt, width, height, "
+                    "duration, subtypes, selfie, burst, NULL FROM files ORDER BY asset");
         while (s.step()) files << fileRow(s);
     }
     QList<Asset> assets;
@@ -440,7 +478,12 @@ QList<Asset> loadAll(Index& index, const QStringList& roots) {
         if (group.isEmpty()) return;
         const QString id = group.first()->asset;
         const bool inRoots = std::any_of(roots.begin(), roots.end(), [&](const QString& r) { return under(group.first()->path, r); });
-        if (inRoots && rows.contains(id)) assets << makeAsset(id, rows.value(id), group, remoteFolders);
+        auto row = rows.constFind(id);
+        if (inRoots && row != rows.cend()) {
+            qint64 date = 0;
+            assets << makeAsset(id, *row, group, remoteFolders, local, &date);
+            dates << date;
+        }
         group.clear();
     };
     for (const FileRow& f : files) {
@@ -454,7 +497,7 @@ QList<Asset> loadAll(Index& index, const QStringList& roots) {
         const Asset& a = assets[i];
         if (a.burstIdentifier.isEmpty()) continue;
         auto it = firstOfBurst.find(a.burstIdentifier);
-        if (it == firstOfBurst.end() || a.creationDate < assets[*it].creationDate) firstOfBurst[a.burstIdentifier] = i;
+        if (it == firstOfBurst.end() || dates[i] < dates[*it]) firstOfBurst[a.burstIdentifier] = i;
     }
     for (qsizetype i : std::as_const(firstOfBurst)) assets[i].representsBurst = true;
     return assets;
@@ -517,6 +560,20 @@ FetchResult Library::fetchAssets(const QStringList& localIdentifiers) const {
     return refetch(result);
 }
 
+const QList<Asset>& Library::allAssets() const {
+    // Loading and grouping every row costs far more than a fetch needs: the assets are kept
+    // until the index changes, by this connection (its change count) or another (data_version).
+    Statement version(index_->db(), "PRAGMA data_version");
+    const qint64 dataVersion = version.step() ? version.integer(0) : -1;
+    const qint64 changes = sqlite3_total_changes64(index_->db());
+    if (dataVersion != cache_.dataVersion || changes != cache_.changes || dataVersion < 0) {
+        cache_.assets = loadAll(*index_, folders_, cache_.dates);
+        cache_.dataVersion = dataVersion;
+        cache_.changes = changes;
+    }
+    return cache_.assets;
+}
+
 FetchResult Library::refetch(const FetchResult& before) const {
     FetchResult result;
     result.query_ = before.query_;
@@ -527,28 +584,28 @@ FetchResult Library::refetch(const FetchResult& before) const {
     const QString folder = album.startsWith(QLatin1String("folder:")) ? album.mid(7) : QString();
     const qint64 recent = recentSince();
     const QSet<QString> ids(q.localIdentifiers.begin(), q.localIdentifiers.end());
-    for (Asset& a : loadAll(*index_, folders_)) {
+    const QList<Asset>& all = allAssets();
+    // Sorted on keys computed once per load: comparing QDateTime values converts them at
+    // every step.
+    std::vector<std::pair<qint64, qsizetype>> keys;
+    keys.reserve(size_t(all.size()));
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        const Asset& a = all[i];
         if (!ids.isEmpty() && !ids.contains(a.localIdentifier)) continue;
         // The hidden album shows what every other fetch leaves out.
         if (a.hidden && !q.options.includeHidden && smart != SmartAlbum::allHidden) continue;
         if (q.options.mediaType && a.mediaType != *q.options.mediaType) continue;
         if (smart && !inSmartAlbum(smart, a, recent)) continue;
         if (!folder.isEmpty() && a.folder != folder) continue;
-        result.assets_ << std::move(a);
+        keys.emplace_back(cache_.dates[i], i);
     }
-    // Sorted on keys computed once: comparing QDateTime values converts them at every step.
     const bool ascending = q.options.sort == SortOrder::creationDateAscending;
-    QList<std::pair<qint64, qsizetype>> keys;
-    keys.reserve(result.assets_.size());
-    for (qsizetype i = 0; i < result.assets_.size(); ++i) keys.append({result.assets_[i].creationDate.toMSecsSinceEpoch(), i});
     std::sort(keys.begin(), keys.end(), [&](const auto& x, const auto& y) {
         if (x.first != y.first) return ascending ? x.first < y.first : y.first < x.first;
-        return result.assets_[x.second].localIdentifier < result.assets_[y.second].localIdentifier;
+        return all[x.second].localIdentifier < all[y.second].localIdentifier;
     });
-    QList<Asset> sorted;
-    sorted.reserve(keys.size());
-    for (const auto& k : keys) sorted.append(std::move(result.assets_[k.second]));
-    result.assets_ = std::move(sorted);
+    result.assets_.reserve(qsizetype(keys.size()));
+    for (const auto& k : keys) result.assets_.append(all[k.second]);
     return result;
 }
 
@@ -584,7 +641,7 @@ QList<Collection> Library::userCollections() const {
 QList<Collection> Library::smartAlbums() const {
     QList<Collection> list;
     if (!index_->isOpen()) return list;
-    const QList<Asset> all = loadAll(*index_, folders_);
+    const QList<Asset>& all = allAssets();
     const qint64 recent = recentSince();
     for (const auto& s : smartAlbumNames) {
         const bool any = std::any_of(all.begin(), all.end(), [&](const Asset& a) {
@@ -627,8 +684,8 @@ void Library::startWatching() {
     if (watcher_) return;
     watcher_ = std::make_unique<FolderWatcher>();
     watcher_->watch(folders_);
-    connect(watcher_.get(), &FolderWatcher::changed, this, [this] {
-        scan();
+    connect(watcher_.get(), &FolderWatcher::changed, this, [this](const QStringList& shallow, const QStringList& deep) {
+        scan(shallow, deep);
         watcher_->watch(folders_);  // folders made since
     });
 }

@@ -152,6 +152,8 @@ struct ScanReport {
     int filesRemoved = 0;
     int filesMoved = 0;
     QStringList problems;  // one line per folder or file that couldn't be read
+    // Set when the index couldn't take the changes (locked, disk full): it stays as it was.
+    QString indexError;
 };
 
 class Index;
@@ -179,6 +181,11 @@ public:
 
     // Reads new and changed files once; unchanged ones (path, size, modification time) are kept.
     ScanReport scan();
+    // The same, for these folders only: `shallow` ones without their subfolders, `deep` ones
+    // with them. A deep folder that is gone takes its files out of the library.
+    ScanReport scan(const QStringList& shallow, const QStringList& deep);
+    // What the last scan did, the watcher's included.
+    const ScanReport& lastScanReport() const { return lastScan_; }
 
     FetchResult fetchAssets(const FetchOptions& options = {}) const;
     FetchResult fetchAssets(const QString& collectionIdentifier, const FetchOptions& options = {}) const;
@@ -238,6 +245,15 @@ private:
     QStringList folders_;
     std::unique_ptr<Index> index_;
     std::unique_ptr<FolderWatcher> watcher_;
+    ScanReport lastScan_;
+    // Every asset as last loaded, with its creation date in milliseconds for sorting.
+    const QList<Asset>& allAssets() const;
+    struct Cache {
+        qint64 dataVersion = -1, changes = -1;
+        QList<Asset> assets;
+        QList<qint64> dates;
+    };
+    mutable Cache cache_;
 };
 
 // Text of a resource type, as logs and the resource list show it.

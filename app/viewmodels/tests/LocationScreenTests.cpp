@@ -2,11 +2,15 @@
 // checks and hand-back, the map picker, and the address list of a photo's place.
 #include "AddressListModel.h"
 #include "Geocoder.h"
+#include "AppController.h"
+#include "AppModels.h"
+#include "HttpAnswer.h"
 #include "Isolation.h"
 #include "LocationModifierViewModel.h"
 #include "MapPickerViewModel.h"
 #include "Recent.h"
 #include "Settings.h"
+#include "TSFilesAlbum.h"
 #include "TSGeocoder.h"
 #include "TestSupport.h"
 
@@ -211,4 +215,64 @@ TEST_F(LocationScreens, AddressListOfACorpusPhotoAgreesWithExiftool) {
     // No place: no sections; no direction, altitude or speed: just the link and the coordinates.
     EXPECT_TRUE(AddressListModel::sectionsFor(std::nullopt, pm, md, true).isEmpty());
     EXPECT_EQ(AddressListModel::sectionsFor(at, std::nullopt, TSMetaData(), true).size(), 2);
+}
+
+TEST_F(LocationScreens, PlaceSearchAsksTheOnlineServiceWhenOneIsSet) {
+    testsupport::HttpAnswer server("200 OK", R"([{"lat":"41.8897","lon":"12.4694","address":{"house_number":"7",
+        "road":"Piazza di Santa Maria in Trastevere","suburb":"Trastevere","city":"Roma","state":"Lazio",
+        "postcode":"00153","country":"Italia","country_code":"it"}}])");
+    TSGeocoder::setGeocoder(std::make_shared<Geocoder>([&] { return server.url(); }));
+    const GeoCoordinate piazza{41.8897, 12.4694};
+
+    LocationModifierViewModel screen(noSource());
+    screen.search("Piazza di Santa Maria in Trastevere 7, Roma");
+    EXPECT_EQ(screen.queryFragment(), "Piazza di Santa Maria in Trastevere 7, Roma");
+    ASSERT_TRUE(waitUntil([&] {
+        return !screen.searchedLocations().isEmpty() && screen.searchedLocations().first().location->coordinate == piazza;
+    }));
+    const HRLocation& street = screen.searchedLocations().first();
+    EXPECT_EQ(street.title, "Trastevere, Roma, Italia (IT)");
+    EXPECT_EQ(street.subtitle, "Trastevere, Piazza di Santa Maria in Trastevere 7, 00153 Roma, Lazio (IT)");
+    EXPECT_EQ(screen.checkedIndexPath(), LocationModifierViewModel::defaultIndexPath);
+    EXPECT_EQ(server.request().count("GET /nominatim/search?"), 1);
+
+    // Typed coordinates are named, never searched for.
+    screen.search("45.5 9.2");
+    ASSERT_TRUE(waitUntil([&] { return screen.checkedIndexPath() == LocationModifierViewModel::IndexPath{0, 0}; }));
+    EXPECT_EQ(server.request().count("GET /nominatim/search?"), 1);
+
+    // The map picker's search: a single answer moves the pin there.
+    MapPickerViewModel picker;
+    picker.search("Piazza di Santa Maria in Trastevere 7, Roma");
+    ASSERT_TRUE(waitUntil([&] { return picker.pin()["latitude"].toDouble() == piazza.latitude; }));
+    EXPECT_DOUBLE_EQ(picker.pin()["longitude"].toDouble(), piazza.longitude);
+}
+
+TEST_F(LocationScreens, FromAPhotoOffersTheAlbumOnViewAndTheAlertLeadsToSettings) {
+    // Two photos and a movie picked as files: the movie isn't offered.
+    const QString gps = testsupport::corpusDir() + "/jpeg/gps/DSCN0010.jpg";
+    const QString plain = testsupport::corpusDir() + "/png/imagemagick.png";
+    auto album = std::make_shared<TSFilesAlbum>();
+    album->loadBookmarks({gps, testsupport::corpusDir() + "/video/apple_meta.mov", plain});
+    TSEnvironment::setCurrentAlbum(album);
+    LocationModifierViewModel screen(noSource());
+    const QVariantList photos = screen.albumPhotos();
+    TSEnvironment::setCurrentAlbum(nullptr);
+    ASSERT_EQ(photos.size(), 2);
+    EXPECT_EQ(photos[0].toMap()["path"], gps);
+    EXPECT_EQ(photos[0].toMap()["title"], "DSCN0010.jpg");
+    EXPECT_EQ(photos[1].toMap()["path"], plain);
+
+    screen.choosePhoto(photos[0].toMap()["path"].toString());
+    EXPECT_EQ(screen.checkedIndexPath(), (LocationModifierViewModel::IndexPath{2, 1}));
+    ASSERT_TRUE(screen.locationAt({2, 1}));
+    // exiftool: GPSLatitude 43.4674483333333, GPSLongitude 11.8851266666639
+    EXPECT_NEAR(screen.locationAt({2, 1})->location->coordinate.latitude, 43.46744833, 1e-6);
+    EXPECT_NEAR(screen.locationAt({2, 1})->location->coordinate.longitude, 11.88512667, 1e-6);
+    screen.choosePhoto(photos[1].toMap()["path"].toString());
+    EXPECT_EQ(screen.checkedIndexPath(), LocationModifierViewModel::defaultIndexPath);
+
+    AppModels models;
+    models.location->openSettings();
+    EXPECT_EQ(models.app->screens().last(), "settings");
 }

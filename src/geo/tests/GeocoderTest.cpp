@@ -1,4 +1,5 @@
 #include "Geocoder.h"
+#include "HttpAnswer.h"
 #include "GeocoderActor.h"
 #include "NominatimProvider.h"
 
@@ -39,29 +40,7 @@ struct Answer {
 
 QString locality(const GeocodeResult& r) { return r.placemarks.isEmpty() ? QString() : r.placemarks.first().locality.value_or(""); }
 
-// A one-answer HTTP server on the loopback address, standing in for a Nominatim service.
-class FakeNominatim {
-public:
-    FakeNominatim(QByteArray status, QByteArray body) {
-        server_.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&server_, &QTcpServer::newConnection, [this, status, body] {
-            QTcpSocket* s = server_.nextPendingConnection();
-            QObject::connect(s, &QTcpSocket::readyRead, s, [this, s, status, body] {
-                request_ += s->readAll();
-                if (!request_.contains("\r\n\r\n")) return;
-                s->write("HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\nConnection: close\r\nContent-Length: " +
-                         QByteArray::number(body.size()) + "\r\n\r\n" + body);
-                s->disconnectFromHost();
-            });
-        });
-    }
-    QString url() const { return QStringLiteral("http://127.0.0.1:%1/nominatim").arg(server_.serverPort()); }
-    const QByteArray& request() const { return request_; }
-
-private:
-    QTcpServer server_;
-    QByteArray request_;
-};
+using FakeNominatim = testsupport::HttpAnswer;
 
 const QByteArray romeAnswer = R"({"place_id":1,"lat":"41.8897","lon":"12.4694","address":{"house_number":"7",
     "road":"Piazza di Santa Maria in Trastevere","suburb":"Trastevere","city":"Roma","state":"Lazio",
@@ -199,4 +178,44 @@ TEST(Nominatim, ReadsAnswersAndRefusesErrors) {
     EXPECT_EQ(village->administrativeArea, QString("Lisboa"));
     EXPECT_EQ(village->ISOcountryCode, QString("PT"));
     EXPECT_FALSE(village->thoroughfare);
+}
+
+TEST(Geocoder, OnlineSearchComesFirstAndOfflineTownsFillIn) {
+    // A street near the middle of Arezzo: the offline town of that name is the same place.
+    FakeNominatim server("200 OK", R"([{"lat":"43.4633","lon":"11.8798","name":"","address":{"road":"Via Roma",
+        "house_number":"1","city":"Arezzo","state":"Toscana","country":"Italia","country_code":"it"}},
+        {"lat":"nonsense","lon":"11","address":{"city":"Nowhere"}}])");
+    Geocoder g([&] { return server.url(); });
+    EXPECT_TRUE(g.isOnline());
+    auto searchFor = [](Geocoder& geocoder, const QString& text, int limit) {
+        std::optional<QList<PlaceMatch>> answer;
+        geocoder.search(text, limit, [&](const QList<PlaceMatch>& m) { answer = m; });
+        QEventLoop loop;
+        QTimer tick;
+        QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
+            if (answer) loop.quit();
+        });
+        tick.start(1);
+        QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
+        loop.exec();
+        return answer;
+    };
+    const auto found = searchFor(g, "Via Roma 1, Arezzo", 5);
+    ASSERT_TRUE(found);
+    ASSERT_FALSE(found->isEmpty());
+    EXPECT_EQ(found->first().placemark.thoroughfare, QString("Via Roma"));
+    EXPECT_EQ(found->first().coordinate, (GeoCoordinate{43.4633, 11.8798}));
+    for (const PlaceMatch& m : *found) EXPECT_NE(m.placemark.locality, QString("Nowhere"));
+    EXPECT_TRUE(server.request().startsWith("GET /nominatim/search?format=jsonv2&q=Via%20Roma%201%2C%20Arezzo&addressdetails=1&limit=5 "))
+        << server.request().toStdString();
+
+    // With the service failing, the offline answer stands; with none set, nothing goes out.
+    FakeNominatim broken("503 Service Unavailable", "");
+    Geocoder g2([&] { return broken.url(); });
+    const auto offline = searchFor(g2, "Arezzo", 3);
+    ASSERT_TRUE(offline);
+    ASSERT_FALSE(offline->isEmpty());
+    EXPECT_EQ(offline->first().placemark.locality, QString("Arezzo"));
+    EXPECT_FALSE(Geocoder([] { return QString(); }).isOnline());
+    EXPECT_FALSE(Geocoder().isOnline());
 }

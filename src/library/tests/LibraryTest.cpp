@@ -287,3 +287,38 @@ TEST_F(LibraryFixture, AnotherProgramsChangesAreNoticed) {
     ASSERT_EQ(d.changedObjects.size(), 1);
     EXPECT_EQ(d.changedObjects[0].resources.value(0).fileSize, QFileInfo(kept).size());
 }
+
+TEST_F(LibraryFixture, WatcherLooksOnlyAtTheFoldersThatChanged) {
+    const QStringList sources{"jpeg/Canon_40D.jpg", "jpeg/Nikon_D70.jpg", "jpeg/jolla.jpg"};
+    for (const QString& album : {"A", "B"})
+        for (int i = 0; i < 3; ++i) add(sources[i], QStringLiteral("%1/%2.jpg").arg(album).arg(i));
+    lib->scan();
+    lib->startWatching();
+    QSignalSpy spy(lib.get(), &Library::libraryDidChange);
+
+    {
+        QFile f(root() + "/B/1.jpg");
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite | QIODevice::Append));
+        f.write("trailing bytes after the picture");
+    }
+    ASSERT_TRUE(spy.wait(10000));
+    // The changed file read again, its two neighbours looked at, album A left alone.
+    EXPECT_EQ(lib->lastScanReport().filesRead, 1);
+    EXPECT_EQ(lib->lastScanReport().filesUnchanged, 2);
+
+    // A folder moved in from outside is read whole, subfolders and all.
+    const QString outside = path("outside/C");
+    QDir().mkpath(outside + "/Sub");
+    ASSERT_TRUE(QFile::copy(testsupport::corpusDir() + "/" + sources[0], outside + "/x.jpg"));
+    ASSERT_TRUE(QFile::copy(testsupport::corpusDir() + "/" + sources[1], outside + "/Sub/y.jpg"));
+    ASSERT_TRUE(QDir().rename(outside, root() + "/C"));
+    ASSERT_TRUE(spy.wait(10000));
+    EXPECT_EQ(lib->lastScanReport().filesRead, 2);
+    EXPECT_EQ(lib->lastScanReport().filesUnchanged, 0);
+    EXPECT_EQ(lib->fetchAssets().count(), 8);
+
+    // A folder deleted takes its items with it.
+    ASSERT_TRUE(QDir(root() + "/A").removeRecursively());
+    for (int i = 0; i < 50 && lib->fetchAssets().count() != 5; ++i) spy.wait(200);
+    EXPECT_EQ(lib->fetchAssets().count(), 5);
+}

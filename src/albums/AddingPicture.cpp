@@ -1,0 +1,46 @@
+#include "AddingPicture.h"
+
+#include "Log.h"
+
+void AddingPicture::start(const library::Library& library, const library::FetchOptions& options) {
+    allPhotosIndex.reset();
+    actualIndex.reset();
+    tessorinIndex.reset();
+    allPhotosAlbum = library.fetchAssets(options);
+    // The application's album may not exist yet: its folder is fetched all the same, and a
+    // refetch after the save finds the new item in it.
+    const auto album = library.album(library::Library::applicationAlbumTitle());
+    const QString identifier = album ? album->identifier
+                                     : QStringLiteral("folder:%1/%2").arg(library.folders().value(0), library::Library::applicationAlbumTitle());
+    tessorinAlbum = library.fetchAssets(identifier, options);
+}
+
+QCoro::Task<> AddingPicture::wait() {
+    Log::debug("🛰 >>>> semaphore.wait() <<<<");
+    co_await addingSemaphore.wait();
+    Log::debug("🛰 #### semaphore.wait() ####");
+}
+
+void AddingPicture::complete() {
+    addingSemaphore.release(1);
+    Log::debug("🛰 #### semaphore.signal() ####");
+}
+
+std::optional<int> AddingPicture::indexTest(const library::ChangeDetails& details) {
+    if (details.insertedObjects.isEmpty()) return std::nullopt;
+    const auto index = details.fetchResultAfterChanges.indexOf(details.insertedObjects.first().localIdentifier);
+    return index ? std::optional<int>(int(*index)) : std::nullopt;
+}
+
+void AddingPicture::update(const library::Library& library, const library::FetchResult& currentAlbum) {
+    if (!adding) return;
+    actualIndex = indexTest(library.changeDetails(currentAlbum));
+    if (actualIndex) return;
+    if (allPhotosAlbum) allPhotosIndex = indexTest(library.changeDetails(*allPhotosAlbum));
+    if (tessorinAlbum) tessorinIndex = indexTest(library.changeDetails(*tessorinAlbum));
+}
+
+AddingPicture& TSEnvironment::addingPicture() {
+    static AddingPicture shared;
+    return shared;
+}
