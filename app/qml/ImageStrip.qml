@@ -54,6 +54,21 @@ Rectangle {
                 source: "qrc:/icons/play.circle.fill.svg"
                 sourceSize: Qt.size(48, 48)
             }
+            // A live photo's mark; a press on it plays the movie over the still.
+            Image {
+                visible: Detail.isLive(index)
+                anchors.left: parent.left
+                anchors.top: parent.top
+                anchors.margins: 8
+                source: "qrc:/icons/livephoto.svg"
+                sourceSize: Qt.size(22, 22)
+                TapHandler { onTapped: Detail.livePlaying = true }
+            }
+            Loader {
+                anchors.fill: parent
+                active: Detail.livePlaying && index === Detail.currentIndex && !Detail.fullScreen
+                sourceComponent: LivePlayer {}
+            }
             TapHandler {
                 onDoubleTapped: Detail.fullScreen = true
             }
