@@ -34,5 +34,5 @@ id_of() { "$cli" library list | awk -v name="$1" '$4 == name { print $1; exit }'
 favourite=$(id_of "$(basename "${photos[2]}")")
 edited=$(id_of "$(basename "${photos[1]}")")
 [ -n "$favourite" ] && "$cli" library favorite "$favourite" > /dev/null
-[ -n "$edited" ] && "$cli" edit --date "2024-06-13 18:30:00" --library modify "$edited" > /dev/null
+[ -n "$edited" ] && "$cli" edit --date "2024:06:13 18:30:00" --library modify "$edited" > /dev/null
 echo "XDG_DATA_HOME=$data TESSORIN_LIBRARY=$lib"

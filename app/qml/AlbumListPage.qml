@@ -111,8 +111,9 @@ Page {
         objectName: "libraryUnavailable"
         parent: Overlay.overlay
         anchors.centerIn: parent
+        width: Math.min(parent.width - 40, 320)
         modal: true
-        Label { id: unavailableText; wrapMode: Text.WordWrap; width: 260 }
+        Label { id: unavailableText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
             Button { text: "Settings"; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
             Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }

@@ -111,42 +111,4 @@ Rectangle {
             }
         }
     }
-
-    // The platform asked before a delete; so do we.
-    Dialog {
-        id: confirmDelete
-        objectName: "confirmDelete"
-        property string action
-        parent: Overlay.overlay
-        anchors.centerIn: parent
-        modal: true
-        title: action
-        Label { id: confirmText; wrapMode: Text.WordWrap; width: 260 }
-        footer: DialogButtonBox {
-            Button { text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.DestructiveRole; Material.foreground: "#FF3B30" }
-            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
-            onClicked: (button) => { if (button.text !== "Cancel") ToolBar.confirmDelete(); confirmDelete.close() }
-        }
-    }
-    Dialog {
-        id: toolAlert
-        parent: Overlay.overlay
-        anchors.centerIn: parent
-        modal: true
-        standardButtons: Dialog.Ok
-        Label { id: toolAlertText; wrapMode: Text.WordWrap; width: 260 }
-    }
-    Connections {
-        target: ToolBar
-        function onDeleteConfirmationRequested(title, message, action) {
-            confirmDelete.action = action
-            confirmText.text = message
-            confirmDelete.open()
-        }
-        function onAlert(title, message) {
-            toolAlert.title = title
-            toolAlertText.text = message
-            toolAlert.open()
-        }
-    }
 }

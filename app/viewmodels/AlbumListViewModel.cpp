@@ -207,6 +207,7 @@ void AlbumListViewModel::selectEntry(int section, int index) {
         }
         album->setAlbum(allPhotosFetch_, index, allPhotos_->title);
         emit albumOpened();
+        if (index >= 0) emit itemRequested(index);
         break;
     }
     case Action::album: openCollection(sections_[section].entries[index].collection); break;

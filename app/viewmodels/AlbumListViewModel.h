@@ -88,6 +88,8 @@ signals:
     void documentPickerRequested();
     // A new album is current: the group screen shows it.
     void albumOpened();
+    // The "open the last item" action: the group shows this item at once.
+    void itemRequested(int index);
     void folderChanged();
     void libraryFoldersChanged();
     void alert(const QString& title, const QString& message);

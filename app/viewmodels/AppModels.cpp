@@ -45,6 +45,7 @@ AppModels::AppModels(QObject* parent)
     connect(app, &AppController::groupLeft, group, &GroupViewModel::leave);
     connect(albumList, &AlbumListViewModel::albumOpened, app, &AppController::openGroup);
     connect(albumList, &AlbumListViewModel::albumOpened, group, &GroupViewModel::attach);
+    connect(albumList, &AlbumListViewModel::itemRequested, group, &GroupViewModel::show);
     connect(group, &GroupViewModel::detailRequested, app, &AppController::openDetail);
     connect(settings, &SettingsViewModel::aboutRequested, app, &AppController::openAbout);
     connect(settings, &SettingsViewModel::closed, albumList, &AlbumListViewModel::load);

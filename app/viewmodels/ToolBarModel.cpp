@@ -73,8 +73,10 @@ ToolBarModel::State ToolBarModel::currentState() {
 
 void ToolBarModel::refresh() {
     const QStringList tools = toolsFor(currentState());
-    if (tools == tools_) return;
+    const QString heart = favoriteSymbol();
+    if (tools == tools_ && heart == favoriteSymbol_) return;
     tools_ = tools;
+    favoriteSymbol_ = heart;
     emit toolsChanged();
 }
 
@@ -127,7 +129,6 @@ void ToolBarModel::favorite() {
     if (!AssetModifier::favorite(*TSEnvironment::library(), asset->localIdentifier, &error))
         emit alert(QStringLiteral("Favorite"), error);
     refresh();
-    emit toolsChanged();  // the heart follows even when the tools stay the same
 }
 
 void ToolBarModel::requestDelete() {

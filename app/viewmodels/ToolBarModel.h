@@ -77,5 +77,6 @@ signals:
 
 private:
     QStringList tools_;
+    QString favoriteSymbol_;
     QString pendingDelete_;  // the item the confirmation asks about
 };
