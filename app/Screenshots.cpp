@@ -157,7 +157,7 @@ void Screenshots::libraryScreens() {
     shoot("library-albums");
     models_.albumList->selectEntry(0, 0);
     shoot("library-group");
-    models_.group->show(0);
+    models_.group->show(2);  // newest first: the demo's live photo
     shoot("library-detail");
     models_.toolBar->favorite();
     shoot("library-favorite");

@@ -9,6 +9,7 @@
 #include "Isolation.h"
 #include "Library.h"
 #include "Settings.h"
+#include "SettingsViewModel.h"
 #include "TSPhotoAlbum.h"
 #include "TestSupport.h"
 #include "ToolBarModel.h"
@@ -125,6 +126,10 @@ TEST_F(LibraryScreens, UnreadableFoldersGiveTheAlertAndChosenFoldersANewLibrary)
     models->openLibrary({root, isolation().root() + "/nowhere"}, false);
     EXPECT_EQ(rows(list, AlbumListViewModel::TitleRole).first(), "Selected Photos");
 
+    // The settings' row asks the view for the folder dialog, whose answer comes here.
+    QSignalSpy access(models->settings, &SettingsViewModel::photoAccessRequested);
+    models->settings->select(5);
+    EXPECT_EQ(access.count(), 1);
     list.setLibraryFolders({QUrl::fromLocalFile(root + "/Trips")});
     EXPECT_EQ(Settings::value("libraryFolders").toStringList(), QStringList{root + "/Trips"});
     EXPECT_EQ(models->library->folders(), QStringList{root + "/Trips"});

@@ -353,8 +353,8 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
         tags << row.tag();
         keys << row.key;
     }
-    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 3, 4, 6}));
-    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "showLivePhotos", "video", "saveInTessorin"}));
+    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "showLivePhotos", "video", "", "saveInTessorin"}));
     EXPECT_EQ(cell(settings, 2, SettingsViewModel::OnRole), true);
     EXPECT_EQ(cell(settings, 0, SettingsViewModel::KindRole), "disclosure");
 
