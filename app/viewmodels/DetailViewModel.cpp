@@ -215,7 +215,16 @@ void DetailViewModel::failure(const QString& message) {
     if (!message.isEmpty()) emit alert(QStringLiteral("Alert"), message);
 }
 
+void DetailViewModel::takeIncremental() {
+    // The strip shows the album as it is now; details the library observer left are spent.
+    if (auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum())) {
+        std::lock_guard lock(album->changes->semaphore);
+        album->changes->incremental.reset();
+    }
+}
+
 void DetailViewModel::albumChanged() {
+    takeIncremental();
     Log::debug("## InTabViewController albumChanged() ##");
     emit currentChanged();
     emit alignRequested();

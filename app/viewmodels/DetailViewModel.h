@@ -175,5 +175,6 @@ private:
     QList<Landing> landings_;
 
     void setBar(bool enabled, bool overlay);
+    void takeIncremental();
     void setActualIndex(int index);
 };
