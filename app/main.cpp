@@ -8,6 +8,7 @@
 #include "Recent.h"
 #include "Screenshots.h"
 #include "SingleInstance.h"
+#include "Albums.h"
 #include "TSAlbum.h"
 
 #include <QCommandLineParser>
@@ -18,6 +19,7 @@
 #include <QQmlApplicationEngine>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QWindow>
 #include <cstring>
 
 namespace {
@@ -98,13 +100,18 @@ int main(int argc, char** argv) {
     // The library is read once the screens listen, so that its alert can show.
     TSEnvironment::pendingQuickAction() = parser.isSet(lastPhoto);
     models.openLibrary();
+    TSEnvironment::ramCheck(TSEnvironment::physicalMemory());
     models.app->openArguments(parser.positionalArguments());
-    QObject::connect(&instance, &SingleInstance::argumentsReceived, &models, [&models](QStringList arguments) {
+    QObject::connect(&instance, &SingleInstance::argumentsReceived, &models, [&models, &engine](QStringList arguments) {
         if (arguments.removeAll(QStringLiteral("--last-photo")) > 0) {
             TSEnvironment::pendingQuickAction() = true;
             models.app->rebuildRoot();
         }
         models.app->openArguments(arguments);
+        if (auto* window = qobject_cast<QWindow*>(engine.rootObjects().value(0))) {
+            window->raise();
+            window->requestActivate();
+        }
     });
     return app.exec();
 }

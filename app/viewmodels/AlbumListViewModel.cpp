@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <functional>
 
 namespace {
 
@@ -171,6 +172,17 @@ void AlbumListViewModel::load() {
                 return;
             }
         }
+    // An album inside a folder of albums.
+    std::function<std::optional<library::Collection>(const QList<library::Collection>&)> find =
+        [&](const QList<library::Collection>& list) -> std::optional<library::Collection> {
+        for (const library::Collection& c : list) {
+            if (c.type == library::CollectionType::album && c.title.toLower() == wanted) return c;
+            if (auto inner = find(c.children)) return inner;
+        }
+        return std::nullopt;
+    };
+    if (TSEnvironment::library())
+        if (auto album = find(TSEnvironment::library()->userCollections())) openCollection(*album);
 }
 
 void AlbumListViewModel::toggle(int section) {

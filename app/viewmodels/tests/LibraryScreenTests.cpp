@@ -141,6 +141,9 @@ TEST_F(LibraryScreens, LinksQuickActionAndLibraryFilesOpenLibraryAlbums) {
     models->albumList->load();
     EXPECT_TRUE(models->albumList->inFolder());  // a folder of albums opens into the list
     models->albumList->upFolder();
+    TSEnvironment::pendingUrlAlbumName() = "paris";  // an album inside it
+    models->albumList->load();
+    EXPECT_EQ(TSEnvironment::currentAlbum()->title(), "Paris");
 
     openAllPhotos(3);
     EXPECT_EQ(currentName(), "d.jpg");
