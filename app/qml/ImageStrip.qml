@@ -57,9 +57,9 @@ Rectangle {
             // A live photo's mark; a press on it plays the movie over the still.
             Image {
                 visible: Detail.isLive(index)
-                anchors.left: parent.left
-                anchors.top: parent.top
-                anchors.margins: 8
+                // On the picture's corner, not the square's: the picture is fitted inside.
+                x: (parent.width - thumb.paintedWidth) / 2 + 8
+                y: (parent.height - thumb.paintedHeight) / 2 + 8
                 source: "qrc:/icons/livephoto.svg"
                 sourceSize: Qt.size(22, 22)
                 TapHandler { onTapped: Detail.livePlaying = true }
