@@ -3,9 +3,12 @@
 #include "Log.h"
 
 #include <QLocalSocket>
-#include <unistd.h>
+#include <QStandardPaths>
 
-QString SingleInstance::serverName() { return QStringLiteral("org.tessorin.Tessorin-%1").arg(getuid()); }
+// In the user's runtime folder: one per user and session, and nobody else's to reach.
+QString SingleInstance::serverName() {
+    return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + QStringLiteral("/org.tessorin.Tessorin");
+}
 
 bool SingleInstance::handOver(const QStringList& arguments) {
     QLocalSocket socket;

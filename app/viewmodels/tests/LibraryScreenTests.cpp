@@ -22,6 +22,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
 
 namespace {
@@ -314,4 +315,27 @@ TEST(DesktopFiles, LauncherEntryAndMetainfoPassTheDesktopValidators) {
     const QString entry = QString::fromUtf8(testsupport::readFile(TESSORIN_DESKTOP_FILE));
     EXPECT_TRUE(entry.contains("[Desktop Action LastPhotoAction]\nName=Last Photo\nExec=tessorin --last-photo"));
     EXPECT_TRUE(QString::fromUtf8(testsupport::readFile(TESSORIN_METAINFO_FILE)).contains("<launchable type=\"desktop-id\">org.tessorin.Tessorin.desktop</launchable>"));
+}
+
+TEST(AppInstance, ASecondStartHandsItsFilesToTheRunningApp) {
+    const QString app = qEnvironmentVariable("TESSORIN_BIN") + "/tessorin";
+    ASSERT_TRUE(QFileInfo(app).isExecutable()) << "the app must be built: " << app.toStdString();
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.insert("QT_QUICK_BACKEND", "software");
+    QProcess first;
+    first.setProcessEnvironment(env);
+    first.start(app, {});
+    ASSERT_TRUE(first.waitForStarted(10000));
+    const QString socket = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/org.tessorin.Tessorin";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFileInfo::exists(socket); }, 60000)) << "the first start listens";
+
+    QProcess second;
+    second.setProcessEnvironment(env);
+    second.start(app, {testsupport::corpusDir() + "/jpeg/Canon_40D.jpg"});
+    EXPECT_TRUE(second.waitForFinished(30000)) << "the second start ends once it has handed over";
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(first.state(), QProcess::Running);
+    first.terminate();
+    if (!first.waitForFinished(10000)) first.kill();
 }
