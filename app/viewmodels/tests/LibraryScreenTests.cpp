@@ -318,7 +318,7 @@ TEST(DesktopFiles, LauncherEntryAndMetainfoPassTheDesktopValidators) {
 }
 
 TEST(AppInstance, ASecondStartHandsItsFilesToTheRunningApp) {
-    const QString app = qEnvironmentVariable("TESSORIN_BIN") + "/tessorin";
+    const QString app = TESSORIN_APP_BINARY;
     ASSERT_TRUE(QFileInfo(app).isExecutable()) << "the app must be built: " << app.toStdString();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");
