@@ -47,7 +47,8 @@ bench: build
 
 # Pictures of every screen over the demo album, phone- and tablet-sized, drawn offscreen.
 screenshots: build
-	QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software $(BUILD)/bin/tessorin --screenshots $(BUILD)/screenshots
+	env $$(bash scripts/make-demo-library.sh $(BUILD)) QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software \
+		$(BUILD)/bin/tessorin --screenshots $(BUILD)/screenshots
 
 # The app, its launcher entry, icon and place data under PREFIX.
 install: build

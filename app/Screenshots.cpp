@@ -14,6 +14,7 @@
 #include "ShareViewModel.h"
 #include "TSMapView.h"
 #include "TagTableModel.h"
+#include "ToolBarModel.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -139,11 +140,29 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     shoot("about");
     app.rebuildRoot();
     iptcScreens(files);
+    libraryScreens();
 
     window_->close();
     delete root;
     window_ = nullptr;
     settle(100);
+}
+
+void Screenshots::libraryScreens() {
+    // Only over a library named for the purpose: pictures never show the user's own photos.
+    if (qEnvironmentVariableIsEmpty("TESSORIN_LIBRARY")) return;
+    AppController& app = *models_.app;
+    models_.openLibrary({}, false);
+    app.rebuildRoot();
+    shoot("library-albums");
+    models_.albumList->selectEntry(0, 0);
+    shoot("library-group");
+    models_.group->show(2);  // newest first: the demo's live photo
+    shoot("library-detail");
+    models_.toolBar->favorite();
+    shoot("library-favorite");
+    models_.toolBar->favorite();
+    app.rebuildRoot();
 }
 
 QObject* Screenshots::overlay(const QByteArray& qml) {

@@ -39,5 +39,7 @@ private:
     void call(QObject* model, const char* method, int argument);
     // The maps and the place-picking screens, each drawn over the window for its picture.
     void drawMaps();
+    // The library's album list, group and detail, when TESSORIN_LIBRARY names one.
+    void libraryScreens();
     QObject* overlay(const QByteArray& qml);
 };

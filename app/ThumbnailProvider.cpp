@@ -1,5 +1,6 @@
 #include "ThumbnailProvider.h"
 
+#include "ThumbnailCache.h"
 #include "TSFilesAlbum.h"
 
 #include <QRunnable>
@@ -10,10 +11,13 @@ namespace {
 
 class ThumbnailResponse : public QQuickImageResponse, public QRunnable {
 public:
-    ThumbnailResponse(QString path, int side) : path_(std::move(path)), side_(side) { setAutoDelete(false); }
+    ThumbnailResponse(QString path, int side, bool library)
+        : path_(std::move(path)), side_(side), library_(library) {
+        setAutoDelete(false);
+    }
 
     void run() override {
-        image_ = TSFilesAlbum::thumbnail(path_, side_);
+        image_ = library_ ? library::thumbnails::forFile(path_, side_) : TSFilesAlbum::thumbnail(path_, side_);
         emit finished();
     }
     QQuickTextureFactory* textureFactory() const override {
@@ -26,6 +30,7 @@ public:
 private:
     QString path_;
     int side_;
+    bool library_;
     QImage image_;
 };
 
@@ -33,7 +38,10 @@ private:
 
 QQuickImageResponse* ThumbnailProvider::requestImageResponse(const QString& id, const QSize& requestedSize) {
     const int asked = std::max(requestedSize.width(), requestedSize.height());
-    auto* response = new ThumbnailResponse(QUrl::fromPercentEncoding(id.toUtf8()), asked > 0 ? asked : defaultSide);
+    // Library items go through the desktop's thumbnail cache, which file managers share.
+    const bool library = id.startsWith(QLatin1String("lib/"));
+    const QString path = QUrl::fromPercentEncoding(id.mid(library ? 4 : 0).toUtf8());
+    auto* response = new ThumbnailResponse(path, asked > 0 ? asked : defaultSide, library);
     QThreadPool::globalInstance()->start(response);
     return response;
 }

@@ -7,14 +7,19 @@
 #include "QmlSetup.h"
 #include "Recent.h"
 #include "Screenshots.h"
+#include "SingleInstance.h"
+#include "Albums.h"
+#include "TSAlbum.h"
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QWindow>
 #include <cstring>
 
 namespace {
@@ -42,7 +47,7 @@ int main(int argc, char** argv) {
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(AppController::appName());
     QGuiApplication::setApplicationVersion(AppController::version());
-    QGuiApplication::setDesktopFileName(QStringLiteral("tessorin"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.tessorin.Tessorin"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tessorin.svg")));
 
     QCommandLineParser parser;
@@ -53,6 +58,8 @@ int main(int argc, char** argv) {
                                          QStringLiteral("Write pictures of every screen into <dir> and quit."),
                                          QStringLiteral("dir"));
     parser.addOption(screenshots);
+    const QCommandLineOption lastPhoto(QStringLiteral("last-photo"), QStringLiteral("Open the photo last viewed."));
+    parser.addOption(lastPhoto);
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Photos and videos, or a tessorin://ALBUM link."),
                                  QStringLiteral("[FILE... | tessorin://ALBUM]"));
     parser.process(app);
@@ -62,6 +69,17 @@ int main(int argc, char** argv) {
     QTemporaryDir settingsDir;
     if (parser.isSet(screenshots))
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settingsDir.path());
+
+    // A link or file opened while the app runs goes to the running one.
+    SingleInstance instance;
+    if (!parser.isSet(screenshots)) {
+        QStringList handed = parser.positionalArguments();
+        for (QString& a : handed)
+            if (!a.contains(QLatin1String("://"))) a = QFileInfo(a).absoluteFilePath();
+        if (parser.isSet(lastPhoto)) handed.prepend(QStringLiteral("--last-photo"));
+        if (SingleInstance::handOver(handed)) return 0;
+        instance.listen();
+    }
 
     recents::loadRecents();
 
@@ -79,6 +97,21 @@ int main(int argc, char** argv) {
 
     engine.load(QUrl(QStringLiteral("qrc:/qml/Main.qml")));
     if (engine.rootObjects().isEmpty()) return 1;
+    // The library is read once the screens listen, so that its alert can show.
+    TSEnvironment::pendingQuickAction() = parser.isSet(lastPhoto);
+    models.openLibrary();
+    TSEnvironment::ramCheck(TSEnvironment::physicalMemory());
     models.app->openArguments(parser.positionalArguments());
+    QObject::connect(&instance, &SingleInstance::argumentsReceived, &models, [&models, &engine](QStringList arguments) {
+        if (arguments.removeAll(QStringLiteral("--last-photo")) > 0) {
+            TSEnvironment::pendingQuickAction() = true;
+            models.app->rebuildRoot();
+        }
+        models.app->openArguments(arguments);
+        if (auto* window = qobject_cast<QWindow*>(engine.rootObjects().value(0))) {
+            window->raise();
+            window->requestActivate();
+        }
+    });
     return app.exec();
 }

@@ -58,3 +58,7 @@ bash "$(dirname "$0")/info.sh" "$build"
 # The files album: a photo's rows after choosing it, and grid thumbnails.
 echo
 bash "$(dirname "$0")/albums.sh" "$build"
+
+# The library's album: 10,000 items to the first screen of thumbnails, cold and warm cache.
+echo
+bash "$(dirname "$0")/library_screens.sh" "$build"

@@ -37,6 +37,8 @@ packages=(
   locales
   # the command-line tool's manual page and shell completions, checked by the tests
   man-db zsh
+  # the launcher entry and the software centres' metainfo, validated by the tests
+  desktop-file-utils appstream
   # heif-convert, to check the auxiliary images we take out of HEIF files
   libheif-examples
 )

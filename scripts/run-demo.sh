@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Shows the demo album: the app where there is a display, otherwise the details of each file.
+# Shows the demo library: the app where there is a display, otherwise the details of each file.
 set -euo pipefail
 build=${1:-build}
 demo="$build/demo"
@@ -10,7 +10,8 @@ if [ ${#files[@]} -eq 0 ]; then
   exit 1
 fi
 if [ -x "$build/bin/tessorin" ] && { [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; }; then
-  exec "$build/bin/tessorin" "${files[@]}"
+  env_line=$(bash "$(dirname "$0")/make-demo-library.sh" "$build")
+  exec env $env_line "$build/bin/tessorin"
 fi
 echo "No display (or no app yet): the details of the demo album follow."
 exec "$build/bin/tessorin-cli" info "${files[@]}"

@@ -2,6 +2,7 @@
 // sections when there are any.
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Controls.Material
 import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tessorin
@@ -10,9 +11,10 @@ Page {
     header: NavigationBar {
         title: AlbumList.title
         leading: ToolButton {
-            icon.source: "qrc:/icons/folder.svg"
+            // Inside a folder of albums the way back up; at the root the document picker.
+            icon.source: AlbumList.inFolder ? "qrc:/icons/chevron.left.svg" : "qrc:/icons/folder.svg"
             icon.color: "#1E6FD9"
-            onClicked: picker.open()
+            onClicked: AlbumList.inFolder ? AlbumList.upFolder() : picker.open()
         }
         ToolButton {
             icon.source: "qrc:/icons/gearshape.svg"
@@ -26,6 +28,15 @@ Page {
         anchors.fill: parent
         clip: true
         model: AlbumList
+        // The library's folders, chosen in place of the platform's photo access.
+        footer: ItemDelegate {
+            visible: !AlbumList.inFolder
+            width: ListView.view.width
+            height: visible ? 56 : 0
+            text: "Change Photo Access..."
+            Material.foreground: "#1E6FD9"
+            onClicked: accessDialog.open()
+        }
         delegate: ItemDelegate {
             id: cell
             required property int index
@@ -89,8 +100,33 @@ Page {
         nameFilters: AlbumList.nameFilters
         onAccepted: AlbumList.documentPicked(selectedFiles)
     }
+    FolderDialog {
+        id: accessDialog
+        objectName: "photoAccess"
+        title: "Change Photo Access..."
+        onAccepted: AlbumList.setLibraryFolders([selectedFolder])
+    }
+    Dialog {
+        id: unavailable
+        objectName: "libraryUnavailable"
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 40, 320)
+        modal: true
+        Label { id: unavailableText; wrapMode: Text.WordWrap; width: parent.width }
+        footer: DialogButtonBox {
+            Button { text: "Settings"; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+        }
+        onAccepted: accessDialog.open()
+    }
     Connections {
         target: AlbumList
         function onDocumentPickerRequested() { picker.open() }
+        function onAlert(title, message) {
+            unavailable.title = title
+            unavailableText.text = message
+            unavailable.open()
+        }
     }
 }

@@ -98,11 +98,22 @@ Page {
                 opacity: Detail.overlayShown ? 0.6 : 0
                 Behavior on opacity { NumberAnimation { duration: 150 } }
             }
-            ProgressBar {
+            // An item not kept on this device, on its way.
+            Column {
                 anchors.top: parent.top
                 width: parent.width
                 visible: Detail.cloudProgress >= 0
-                value: Math.max(0, Detail.cloudProgress)
+                spacing: 2
+                ProgressBar {
+                    width: parent.width
+                    value: Math.max(0, Detail.cloudProgress)
+                }
+                Label {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    text: "Downloading..."
+                    font.pixelSize: 12
+                    color: "#8E8E93"
+                }
             }
         }
     }

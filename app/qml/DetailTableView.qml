@@ -125,10 +125,10 @@ ListView {
                                 required property var modelData
                                 width: modelData.symbol ? 22 : badgeText.implicitWidth + 8
                                 height: 22
-                                // The video badge plays the video.
+                                // The video badge plays the video, the live badge the live photo's movie.
                                 TapHandler {
-                                    enabled: modelData.symbol === "forward.frame"
-                                    onTapped: Detail.fullScreen = true
+                                    enabled: modelData.symbol === "forward.frame" || modelData.symbol === "livephoto"
+                                    onTapped: modelData.symbol === "livephoto" ? Detail.livePlaying = true : Detail.fullScreen = true
                                 }
                                 Image {
                                     visible: !!modelData.symbol

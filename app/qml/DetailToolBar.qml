@@ -70,6 +70,7 @@ Rectangle {
                        : cell.index === ToolBar.tools.length - 1 ? cell.width - width : (cell.width - width) / 2
                     text: cell.modelData === "edit" ? "Edit" : ""
                     icon.source: cell.modelData === "tags" ? (Detail.showTags ? "qrc:/icons/tag.fill.svg" : "qrc:/icons/tag.svg")
+                               : cell.modelData === "prefer" ? "qrc:/icons/" + ToolBar.favoriteSymbol + ".svg"
                                : bar.symbols[cell.modelData] ? "qrc:/icons/" + bar.symbols[cell.modelData] + ".svg" : ""
                     icon.color: "#1E6FD9"
                     Material.foreground: "#1E6FD9"
@@ -80,6 +81,14 @@ Rectangle {
                             Detail.toggleTables()
                         else if (cell.modelData === "more")
                             moreMenu.popup(tool)
+                        else if (cell.modelData === "prefer")
+                            ToolBar.favorite()
+                        else if (cell.modelData === "delete")
+                            ToolBar.requestDelete()
+                        else if (cell.modelData === "burst")
+                            ToolBar.burst()
+                        else if (cell.modelData === "edit")
+                            ToolBar.edit()
                     }
                 }
             }
@@ -94,7 +103,7 @@ Rectangle {
                 required property int index
                 required property var modelData
                 text: modelData.title
-                checkable: true
+                checkable: !modelData.action
                 checked: modelData.checked
                 icon.source: "qrc:/icons/" + modelData.symbol + ".svg"
                 icon.color: "#3C3C43"

@@ -83,6 +83,12 @@ Rectangle {
         }
     }
 
+    Loader {
+        anchors.fill: parent
+        active: view.visible && Detail.livePlaying
+        sourceComponent: LivePlayer {}
+    }
+
     RoundButton {
         anchors.top: parent.top
         anchors.left: parent.left

@@ -51,6 +51,7 @@ Page {
             required property var time
             required property var thumbnail
             required property bool video
+            required property var items
             objectName: "cell_" + index
             width: ListView.view.width
             height: 76
@@ -62,6 +63,8 @@ Page {
                 Thumbnail {
                     source: cell.thumbnail || ""
                     video: cell.video
+                    favorite: !!cell.items[0] && !!cell.items[0].favorite
+                    live: !!cell.items[0] && !!cell.items[0].live
                     Layout.preferredWidth: 60
                     Layout.preferredHeight: 60
                 }
@@ -116,6 +119,8 @@ Page {
                         height: row.side
                         source: modelData.thumbnail || ""
                         video: modelData.video
+                        favorite: !!modelData.favorite
+                        live: !!modelData.live
                         selected: Group.selectedIndex === modelData.index
                         TapHandler { onTapped: Group.show(modelData.index) }
                     }

@@ -54,6 +54,21 @@ Rectangle {
                 source: "qrc:/icons/play.circle.fill.svg"
                 sourceSize: Qt.size(48, 48)
             }
+            // A live photo's mark; a press on it plays the movie over the still.
+            Image {
+                visible: Detail.isLive(index)
+                // On the picture's corner, not the square's: the picture is fitted inside.
+                x: (parent.width - thumb.paintedWidth) / 2 + 8
+                y: (parent.height - thumb.paintedHeight) / 2 + 8
+                source: "qrc:/icons/livephoto.svg"
+                sourceSize: Qt.size(22, 22)
+                TapHandler { onTapped: Detail.livePlaying = true }
+            }
+            Loader {
+                anchors.fill: parent
+                active: Detail.livePlaying && index === Detail.currentIndex && !Detail.fullScreen
+                sourceComponent: LivePlayer {}
+            }
             TapHandler {
                 onDoubleTapped: Detail.fullScreen = true
             }

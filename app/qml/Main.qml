@@ -56,6 +56,8 @@ ApplicationWindow {
         }
     }
 
+    LibraryDialogs {}
+
     Connections {
         target: App
         function onPushed(screen) { stack.push(window.pages[screen]) }

@@ -1,6 +1,7 @@
 // The settings: one table of titled sections, a switch per setting, and the about page.
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Dialogs
 import QtQuick.Layouts
 import Tessorin
 
@@ -93,5 +94,15 @@ Page {
                 }
             }
         }
+    }
+
+    FolderDialog {
+        id: accessDialog
+        title: "Change Photo Access..."
+        onAccepted: AlbumList.setLibraryFolders([selectedFolder])
+    }
+    Connections {
+        target: SettingsScreen
+        function onPhotoAccessRequested() { accessDialog.open() }
     }
 }

@@ -1,4 +1,5 @@
-// One item's picture, cut to a square, with a film mark on videos and a frame when selected.
+// One item's picture, cut to a square, with a film mark on videos, the live mark on live photos,
+// a heart on favourites and a frame when selected.
 import QtQuick
 
 Rectangle {
@@ -6,6 +7,8 @@ Rectangle {
     property alias source: image.source
     property bool video: false
     property bool selected: false
+    property bool favorite: false
+    property bool live: false
     color: "#E5E5EA"
     clip: true
 
@@ -31,6 +34,22 @@ Rectangle {
             color: "#FFFFFF"
             font.pixelSize: 10
         }
+    }
+    Image {
+        visible: thumb.live
+        anchors.left: parent.left
+        anchors.top: parent.top
+        anchors.margins: 4
+        source: visible ? "qrc:/icons/livephoto.svg" : ""
+        sourceSize: Qt.size(18, 18)
+    }
+    Image {
+        visible: thumb.favorite
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: 4
+        source: visible ? "qrc:/icons/heart.fill.svg" : ""
+        sourceSize: Qt.size(16, 16)
     }
     Rectangle {
         anchors.fill: parent

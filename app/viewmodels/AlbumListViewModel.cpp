@@ -1,9 +1,15 @@
 #include "AlbumListViewModel.h"
 
+#include "Albums.h"
 #include "Folders.h"
 #include "Log.h"
 #include "Settings.h"
 #include "TSFilesAlbum.h"
+#include "TSPhotoAlbum.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <functional>
 
 namespace {
 
@@ -43,13 +49,76 @@ bool AlbumListViewModel::isHidden(int section) const {
     return section > 0 && section < sections_.size() && hiddenSections_.contains(section);
 }
 
+bool AlbumListViewModel::readable(const QString& folder) {
+    const QFileInfo info(folder);
+    return info.isDir() && info.isReadable() && info.isExecutable();
+}
+
+void AlbumListViewModel::buildLibrarySections() {
+    library::Library* lib = TSEnvironment::library();
+    allPhotos_.reset();
+    if (!lib || !lib->isOpen()) return;
+    const QStringList folders = lib->folders();
+    const auto count = std::count_if(folders.begin(), folders.end(), readable);
+    if (count == 0) {
+        Log::warning(QStringLiteral("!! not authorized !!"));
+        emit alert(QStringLiteral("Photo Library Unavailable"),
+                   QStringLiteral("Please check to see if device settings doesn't allow photo library access"));
+        librarySections_.clear();
+        return;
+    }
+    const library::FetchOptions options = Albums::fetchOptions();
+    QList<Section> sections;
+    for (const TSCollection& c : Albums::collections(*lib)) {
+        if (c.kind == TSCollection::Kind::assetsFetched) {
+            allPhotosFetch_ = c.assets;
+            allPhotos_ = Entry{Albums::allPhotosTitle(count == folders.size()), QStringLiteral("photo.fill.on.rectangle.fill"),
+                               int(c.assets.count()), Action::allPhotos, {}};
+            continue;
+        }
+        Section section{c.title, {}};
+        for (const library::Collection& a : c.collections) {
+            Entry e{a.title, {}, -1, Action::album, a};
+            if (a.type == library::CollectionType::folder) {
+                e.symbol = QStringLiteral("folder.fill");
+                e.action = Action::folder;
+            } else {
+                e.symbol = a.type == library::CollectionType::smartAlbum ? Albums::symbol(a.subtype) : QStringLiteral("folder");
+                if (e.symbol.isEmpty()) e.symbol = QStringLiteral("photo.fill.on.rectangle.fill");
+                e.count = int(lib->fetchAssets(a.identifier, options).count());
+            }
+            section.entries << e;
+        }
+        sections << section;
+    }
+    librarySections_ = sections;
+}
+
 void AlbumListViewModel::rebuild() {
     beginResetModel();
+    if (!folders_.isEmpty()) {
+        // Inside a folder: its albums and subfolders, under no header.
+        Section inner;
+        for (const library::Collection& c : folders_.last().children) {
+            const bool list = c.type == library::CollectionType::folder;
+            Entry e{c.title, list ? QStringLiteral("folder.fill") : QStringLiteral("folder"), -1,
+                    list ? Action::folder : Action::album, c};
+            if (!list && TSEnvironment::library())
+                e.count = int(TSEnvironment::library()->fetchAssets(c.identifier, Albums::fetchOptions()).count());
+            inner.entries << e;
+        }
+        sections_ = {inner};
+        rows_.clear();
+        for (int e = 0; e < inner.entries.size(); ++e) rows_.append({false, 0, e});
+        endResetModel();
+        return;
+    }
     Section files;
-    files.entries.append({QStringLiteral("Files"), QStringLiteral("folder"), -1, Action::documentPicker});
+    if (allPhotos_) files.entries.append(*allPhotos_);
+    files.entries.append({QStringLiteral("Files"), QStringLiteral("folder"), -1, Action::documentPicker, {}});
     if (!pickedPaths_.isEmpty())
         files.entries.append({QStringLiteral("From files"), QStringLiteral("doc.on.doc"), int(pickedPaths_.size()),
-                              Action::filesAlbum});
+                              Action::filesAlbum, {}});
     sections_ = QList<Section>{files} + librarySections_;
     rows_.clear();
     for (int s = 0; s < sections_.size(); ++s) {
@@ -84,8 +153,13 @@ QHash<int, QByteArray> AlbumListViewModel::roleNames() const {
 }
 
 void AlbumListViewModel::load() {
+    buildLibrarySections();
     rebuild();
     emit nameFiltersChanged();
+    if (TSEnvironment::pendingQuickAction() && allPhotos_ && folders_.isEmpty()) {
+        selectEntry(0, 0);
+        return;
+    }
     std::optional<QString>& pending = TSEnvironment::pendingUrlAlbumName();
     if (!pending) return;
     const QString wanted = pending->toLower();
@@ -98,6 +172,17 @@ void AlbumListViewModel::load() {
                 return;
             }
         }
+    // An album inside a folder of albums.
+    std::function<std::optional<library::Collection>(const QList<library::Collection>&)> find =
+        [&](const QList<library::Collection>& list) -> std::optional<library::Collection> {
+        for (const library::Collection& c : list) {
+            if (c.type == library::CollectionType::album && c.title.toLower() == wanted) return c;
+            if (auto inner = find(c.children)) return inner;
+        }
+        return std::nullopt;
+    };
+    if (TSEnvironment::library())
+        if (auto album = find(TSEnvironment::library()->userCollections())) openCollection(*album);
 }
 
 void AlbumListViewModel::toggle(int section) {
@@ -121,8 +206,84 @@ void AlbumListViewModel::selectEntry(int section, int index) {
     switch (sections_[section].entries[index].action) {
     case Action::documentPicker: emit documentPickerRequested(); break;
     case Action::filesAlbum: openFilesAlbum(); break;
+    case Action::allPhotos: {
+        auto album = std::make_shared<TSPhotoAlbum>();
+        TSEnvironment::setCurrentAlbum(album);
+        // The quick action opens the item last viewed, or else the newest.
+        int index = -1;
+        if (TSEnvironment::pendingQuickAction()) {
+            TSEnvironment::pendingQuickAction() = false;
+            const bool newestFirst = Settings::flag(SettingsFlag::mostRecentFirst);
+            index = newestFirst ? 0 : int(allPhotosFetch_.count()) - 1;
+            if (auto last = allPhotosFetch_.indexOf(Settings::value(TSPhotoAlbum::lastViewedKey).toString())) index = int(*last);
+        }
+        album->setAlbum(allPhotosFetch_, index, allPhotos_->title);
+        emit albumOpened();
+        if (index >= 0) emit itemRequested(index);
+        break;
+    }
+    case Action::album: openCollection(sections_[section].entries[index].collection); break;
+    case Action::folder:
+        folders_ << sections_[section].entries[index].collection;
+        rebuild();
+        emit folderChanged();
+        break;
     case Action::none: break;
     }
+}
+
+void AlbumListViewModel::openCollection(const library::Collection& collection) {
+    library::Library* lib = TSEnvironment::library();
+    if (!lib) return;
+    auto album = std::make_shared<TSPhotoAlbum>();
+    TSEnvironment::setCurrentAlbum(album);
+    if (collection.type == library::CollectionType::smartAlbum) album->setSubType(collection.subtype);
+    album->setAlbum(lib->fetchAssets(collection.identifier, Albums::fetchOptions()), -1, collection.title);
+    emit albumOpened();
+}
+
+void AlbumListViewModel::upFolder() {
+    if (folders_.isEmpty()) return;
+    folders_.removeLast();
+    rebuild();
+    emit folderChanged();
+}
+
+void AlbumListViewModel::reloadLibrary() {
+    buildLibrarySections();
+    // A folder on view is read again from the library's albums, or left when it is gone.
+    if (!folders_.isEmpty() && TSEnvironment::library()) {
+        std::function<std::optional<library::Collection>(const QList<library::Collection>&, const QString&)> find =
+            [&](const QList<library::Collection>& list, const QString& id) -> std::optional<library::Collection> {
+            for (const auto& c : list) {
+                if (c.identifier == id) return c;
+                if (auto inner = find(c.children, id)) return inner;
+            }
+            return std::nullopt;
+        };
+        const QList<library::Collection> all = TSEnvironment::library()->userCollections();
+        QList<library::Collection> kept;
+        for (const auto& f : folders_) {
+            auto now = find(all, f.identifier);
+            if (!now) break;
+            kept << *now;
+        }
+        folders_ = kept;
+        emit folderChanged();
+    }
+    rebuild();
+}
+
+void AlbumListViewModel::setLibraryFolders(const QList<QUrl>& folders) {
+    QStringList paths;
+    for (const QUrl& url : folders)
+        if (url.isLocalFile()) paths << QDir::cleanPath(url.toLocalFile());
+    if (paths.isEmpty()) return;
+    Log::info(QStringLiteral("photoAccess folders: ") + paths.join(u':'));
+    Settings::setValue(QStringLiteral("libraryFolders"), paths);
+    folders_.clear();
+    emit folderChanged();
+    emit libraryFoldersChanged();
 }
 
 void AlbumListViewModel::documentPicked(const QList<QUrl>& urls) {
@@ -134,6 +295,21 @@ void AlbumListViewModel::documentPicked(const QList<QUrl>& urls) {
 }
 
 void AlbumListViewModel::openPaths(const QStringList& paths) {
+    // A file of the library opens as its item, in its folder's album, with every library tool.
+    if (library::Library* lib = TSEnvironment::library(); lib && paths.size() == 1)
+        if (auto asset = lib->assetForPath(QFileInfo(paths.first()).absoluteFilePath())) {
+            const bool top = lib->folders().contains(asset->folder);
+            const library::FetchResult fetch =
+                top ? lib->fetchAssets(Albums::fetchOptions())
+                    : lib->fetchAssets(QStringLiteral("folder:") + asset->folder, Albums::fetchOptions());
+            if (auto index = fetch.indexOf(asset->localIdentifier)) {
+                auto album = std::make_shared<TSPhotoAlbum>();
+                TSEnvironment::setCurrentAlbum(album);
+                album->setAlbum(fetch, int(*index), top ? Albums::allPhotosTitle(true) : QFileInfo(asset->folder).fileName());
+                emit albumOpened();
+                return;
+            }
+        }
     pickedPaths_ = paths;
     rebuild();
     openFilesAlbum();

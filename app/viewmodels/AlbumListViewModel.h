@@ -1,8 +1,12 @@
 #pragma once
 // The root list "All albums": sections of entries, flattened for a ListView into header rows
-// and entry rows. Section 0 has no header (so it can't collapse) and holds the entry that
-// opens files and, once files were picked, the files album. Later sections (the library's)
-// collapse by a tap on their header; the collapsed ones are kept in "HiddenSections".
+// and entry rows. Section 0 has no header (so it can't collapse) and holds the library's
+// all-photos entry, the entry that opens files and, once files were picked, the files album.
+// Later sections (the library's albums and smart albums) collapse by a tap on their header;
+// the collapsed ones are kept in "HiddenSections". A folder with subfolders opens into the list
+// itself, showing its children, until upFolder().
+#include "Library.h"
+
 #include <QAbstractListModel>
 #include <QSet>
 #include <QStringList>
@@ -10,7 +14,9 @@
 
 class AlbumListViewModel : public QAbstractListModel {
     Q_OBJECT
-    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString title READ title NOTIFY folderChanged)
+    // Inside a folder of albums: the way back up is offered.
+    Q_PROPERTY(bool inFolder READ inFolder NOTIFY folderChanged)
     // The document picker's name filters: images, plus videos while "video" is on.
     Q_PROPERTY(QStringList nameFilters READ nameFilters NOTIFY nameFiltersChanged)
     // Where the document picker starts: the Pictures folder, else home.
@@ -20,12 +26,13 @@ public:
     Q_ENUM(Role)
 
     // What selecting an entry does.
-    enum class Action { none, documentPicker, filesAlbum };
+    enum class Action { none, documentPicker, filesAlbum, allPhotos, album, folder };
     struct Entry {
         QString title;
         QString symbol;
         int count = -1;  // -1: no count shown
         Action action = Action::none;
+        library::Collection collection;  // album and folder
     };
     struct Section {
         QString title;
@@ -34,7 +41,8 @@ public:
 
     explicit AlbumListViewModel(QObject* parent = nullptr);
 
-    QString title() const { return QStringLiteral("All albums"); }
+    QString title() const { return folders_.isEmpty() ? QStringLiteral("All albums") : folders_.last().title; }
+    bool inFolder() const { return !folders_.isEmpty(); }
     static QStringList nameFilters();
     static QUrl pickerFolder();
 
@@ -47,9 +55,19 @@ public:
     void setLibrarySections(const QList<Section>& sections);
     bool isHidden(int section) const;
 
-    // Rebuilds the list and acts on a pending tessorin:// album name: the album whose title
+    // Rebuilds the list (the library's sections from TSEnvironment::library()) and acts on a
+    // pending quick action (all photos opens) or tessorin:// album name: the album whose title
     // matches it, whatever the case, opens; no match leaves the list on screen.
     Q_INVOKABLE void load();
+    // The library changed: counts and albums are read again, nothing opens.
+    void reloadLibrary();
+    Q_INVOKABLE void upFolder();
+    // The folders the user chose in place of the platform's access dialog: they become the
+    // library's ("libraryFolders"); libraryFoldersChanged asks for a new library over them.
+    Q_INVOKABLE void setLibraryFolders(const QList<QUrl>& folders);
+    // The library's folders when some can't be read: "All Photos" becomes "Selected Photos",
+    // and with none readable the alert shows.
+    static bool readable(const QString& folder);
     // A tap on a section's header; section 0 has none and stays open.
     Q_INVOKABLE void toggle(int section);
     // A tap on the row of the flat list.
@@ -70,10 +88,20 @@ signals:
     void documentPickerRequested();
     // A new album is current: the group screen shows it.
     void albumOpened();
+    // The "open the last item" action: the group shows this item at once.
+    void itemRequested(int index);
+    void folderChanged();
+    void libraryFoldersChanged();
+    void alert(const QString& title, const QString& message);
 
 private:
     QList<Section> sections_;
     QList<Section> librarySections_;
+    std::optional<Entry> allPhotos_;
+    library::FetchResult allPhotosFetch_;
+    QList<library::Collection> folders_;  // the folders opened into the list, outermost first
+    void buildLibrarySections();
+    void openCollection(const library::Collection& collection);
     QStringList pickedPaths_;
     // Read once from the settings, written at each toggle.
     QSet<int> hiddenSections_;

@@ -3,6 +3,12 @@
 #include "AddressListModel.h"
 #include "AlbumListViewModel.h"
 #include "AppController.h"
+#include "Albums.h"
+#include "Library.h"
+#include "Log.h"
+#include "Settings.h"
+#include "TSLibraryObserver.h"
+#include "TSPhotoAlbum.h"
 #include "DetailTableModel.h"
 #include "DetailViewModel.h"
 #include "GroupViewModel.h"
@@ -40,6 +46,7 @@ AppModels::AppModels(QObject* parent)
     connect(app, &AppController::groupLeft, group, &GroupViewModel::leave);
     connect(albumList, &AlbumListViewModel::albumOpened, app, &AppController::openGroup);
     connect(albumList, &AlbumListViewModel::albumOpened, group, &GroupViewModel::attach);
+    connect(albumList, &AlbumListViewModel::itemRequested, group, &GroupViewModel::show);
     connect(group, &GroupViewModel::detailRequested, app, &AppController::openDetail);
     connect(settings, &SettingsViewModel::aboutRequested, app, &AppController::openAbout);
     connect(settings, &SettingsViewModel::closed, albumList, &AlbumListViewModel::load);
@@ -59,6 +66,37 @@ AppModels::AppModels(QObject* parent)
     connect(detail, &DetailViewModel::reloadTables, tagTable, &TagTableModel::reload);
     connect(settings, &SettingsViewModel::humanChanged, detailTable, &DetailTableModel::reload);
     connect(settings, &SettingsViewModel::humanChanged, tagTable, &TagTableModel::reload);
+    // The library tools.
+    connect(toolBar, &ToolBarModel::burstOpened, app, &AppController::openGroup);
+    connect(toolBar, &ToolBarModel::burstOpened, group, &GroupViewModel::attach);
+    connect(albumList, &AlbumListViewModel::libraryFoldersChanged, this,
+            [this] { openLibrary(Settings::value(QStringLiteral("libraryFolders")).toStringList()); });
+}
+
+AppModels::~AppModels() {
+    if (TSEnvironment::library() == library.get()) TSEnvironment::setLibrary(nullptr);
+}
+
+void AppModels::openLibrary(const QStringList& folders, bool watch) {
+    delete libraryObserver;
+    TSEnvironment::setLibrary(nullptr);
+    // An album of the old library would show items of folders no longer chosen.
+    if (std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum())) {
+        TSEnvironment::observable().albumChangedReset();
+        group->leave();
+    }
+    library = folders.isEmpty() ? std::make_unique<library::Library>()
+                                : std::make_unique<library::Library>(folders);
+    if (!library->isOpen()) Log::error(QStringLiteral("library: ") + library->openError());
+    const library::ScanReport report = library->scan();
+    for (const QString& problem : report.problems) Log::warning(QStringLiteral("library: ") + problem);
+    if (watch) library->startWatching();
+    TSEnvironment::setLibrary(library.get());
+    libraryObserver = new TSLibraryObserver(library.get(), this);
+    libraryObserver->refreshableDelegate = group;
+    connect(library.get(), &library::Library::libraryDidChange, albumList, &AlbumListViewModel::reloadLibrary);
+    connect(library.get(), &library::Library::libraryDidChange, toolBar, &ToolBarModel::refresh);
+    albumList->load();
 }
 
 void AppModels::registerWithQml() {

@@ -2,6 +2,13 @@
 // Every screen's view model, made once for the process and handed to QML as singletons of the
 // module "Tessorin" (AlbumList, Group, Detail, ...). The app and the QML load test share it.
 #include <QObject>
+#include <QStringList>
+#include <memory>
+
+namespace library {
+class Library;
+}
+class TSLibraryObserver;
 
 class AppController;
 class AlbumListViewModel;
@@ -21,6 +28,14 @@ class AppModels : public QObject {
     Q_OBJECT
 public:
     explicit AppModels(QObject* parent = nullptr);
+    ~AppModels() override;
+
+    // Opens the photo library over these folders (the default ones when empty), reads what
+    // changed since the last run, and has the screens show it; `watch` follows other programs'
+    // changes. Again with other folders when the user chooses them.
+    void openLibrary(const QStringList& folders = {}, bool watch = true);
+    std::unique_ptr<library::Library> library;
+    TSLibraryObserver* libraryObserver = nullptr;
 
     AppController* app;
     AlbumListViewModel* albumList;

@@ -1,5 +1,7 @@
 #include "DetailTableModel.h"
 
+#include "TSPhotoAlbum.h"
+
 #include "Formatter.h"
 #include "HRLocation.h"
 #include "Log.h"
@@ -91,8 +93,12 @@ QList<DetailTableModel::Badge> DetailTableModel::badges(const TSDataStore& store
     if (store.value(TSKey::NightMode).first == "Y") out << Badge{"moon.fill", {}};
     if (!video && (mask & MediaSubtype::photoHDR)) out << Badge{{}, "HDR"};
     if (store.isAutoWhiteBalance().value_or(false)) out << Badge{{}, "AWB"};
-    // Files are never bursts; a library item will say whether it represents one.
-    if (album.isBurst()) out << Badge{"star", {}};
+    // In a burst album the item that stands for the burst has the filled star.
+    if (album.isBurst()) {
+        const auto* photos = dynamic_cast<const TSPhotoAlbum*>(&album);
+        const library::Asset* asset = photos ? photos->currentLibraryAsset() : nullptr;
+        out << Badge{asset && asset->representsBurst ? "star.fill" : "star", {}};
+    }
     if (video) out << Badge{"forward.frame", {}};
     return out;
 }

@@ -2,7 +2,9 @@
 
 #include "GroupViewModel.h"
 #include "Log.h"
+#include "Settings.h"
 #include "TSFilesAlbum.h"
+#include "TSPhotoAlbum.h"
 
 #include <QTimer>
 #include <algorithm>
@@ -95,6 +97,7 @@ void DetailViewModel::setFullScreen(bool on) {
     if (on == fullScreen_) return;
     fullScreen_ = on;
     emit fullScreenChanged();
+    setLivePlaying(on && Settings::flag(SettingsFlag::showLivePhotos));
     // Behind the full-screen view the strip goes back to its default height, so that coming
     // back does not open it again.
     if (on) QTimer::singleShot(400, this, [this] { setStripHeight(defaultHeight()); });
@@ -126,6 +129,10 @@ QUrl DetailViewModel::currentSource() const {
 }
 
 QString DetailViewModel::imageSource(int index) const {
+    if (const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get())) {
+        const library::Asset* asset = photos->assetAt(index);
+        return asset ? GroupViewModel::thumbnailSource(asset->mainPath(), true) : QString();
+    }
     const auto album = std::dynamic_pointer_cast<TSFilesAlbum>(TSEnvironment::currentAlbum());
     const auto path = album ? album->imageUrl(index) : std::nullopt;
     return path ? GroupViewModel::thumbnailSource(*path) : QString();
@@ -183,6 +190,7 @@ void DetailViewModel::beginLoading(const std::shared_ptr<TSAlbum>& album) {
 }
 
 void DetailViewModel::processedMetaData(const std::shared_ptr<TSAlbum>&) {
+    setLivePlaying(false);
     setBar(true, false);
     albumId_.update(*TSEnvironment::currentAlbum());
     emit currentChanged();
@@ -207,8 +215,68 @@ void DetailViewModel::failure(const QString& message) {
     if (!message.isEmpty()) emit alert(QStringLiteral("Alert"), message);
 }
 
+void DetailViewModel::takeIncremental() {
+    // The strip shows the album as it is now; details the library observer left are spent.
+    if (auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum())) {
+        std::lock_guard lock(album->changes->semaphore);
+        album->changes->incremental.reset();
+    }
+}
+
 void DetailViewModel::albumChanged() {
+    takeIncremental();
     Log::debug("## InTabViewController albumChanged() ##");
     emit currentChanged();
     emit alignRequested();
+}
+
+void DetailViewModel::offerAddedPicture(const Landing& allPhotos, const std::optional<Landing>& ownAlbum) {
+    landings_ = {allPhotos};
+    if (ownAlbum && Settings::flag(SettingsFlag::saveInTessorin)) landings_ << *ownAlbum;
+    AddedDialog dialog{TSEnvironment::currentAlbum()->title(),
+                       QStringLiteral("The Photo was added in a different album. Go to see it?"), {}};
+    for (const Landing& l : landings_) dialog.actions << QStringLiteral("In the \u201C%1\u201D Album").arg(l.title);
+    dialog.actions << QStringLiteral("Cancel");
+    addedDialog_ = dialog;
+    emit addedDialogRequested(dialog.title, dialog.message, dialog.actions);
+}
+
+void DetailViewModel::chooseAdded(int action) {
+    addedDialog_.reset();
+    if (action < 0 || action >= landings_.size()) return;
+    const Landing landing = landings_[action];
+    landings_.clear();
+    auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
+    if (!album) {
+        album = std::make_shared<TSPhotoAlbum>();
+        TSEnvironment::setCurrentAlbum(album);
+    }
+    album->setSubType(std::nullopt);
+    album->setAlbum(landing.fetch, landing.index, landing.title);
+    emit reloadTables();
+    emit currentChanged();
+    emit alignRequested();
+}
+
+QUrl DetailViewModel::liveVideoSource() const {
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get());
+    const library::Asset* asset = photos ? photos->currentLibraryAsset() : nullptr;
+    if (!asset || !(asset->mediaSubtypes & library::Subtype::photoLive)) return {};
+    for (const library::Resource& r : asset->resources)
+        if (r.type == library::ResourceType::pairedVideo || r.type == library::ResourceType::fullSizePairedVideo)
+            return QUrl::fromLocalFile(r.path);
+    return {};
+}
+
+bool DetailViewModel::isLive(int index) const {
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get());
+    const library::Asset* asset = photos ? photos->assetAt(index) : nullptr;
+    return asset && (asset->mediaSubtypes & library::Subtype::photoLive);
+}
+
+void DetailViewModel::setLivePlaying(bool on) {
+    on = on && !liveVideoSource().isEmpty();
+    if (on == livePlaying_) return;
+    livePlaying_ = on;
+    emit livePlayingChanged();
 }

@@ -2,6 +2,7 @@
 // The detail screen as a whole: the strip of images above the tables, its height as the user
 // drags it, the switch between the detail and the tag table, the bars' state while an item
 // loads, paging with the keys, and the full-screen view with its zoom limits.
+#include "Library.h"
 #include "TSAlbum.h"
 #include "TSMetaDataObservable.h"
 
@@ -36,6 +37,11 @@ class DetailViewModel : public QObject,
     Q_PROPERTY(bool overlayShown READ overlayShown NOTIFY barChanged)
     // The cloud download's progress, 0 to 1; below 0 when there is none to show.
     Q_PROPERTY(qreal cloudProgress READ cloudProgress NOTIFY cloudChanged)
+    // The live photo's movie of the item on view; empty for any other item.
+    Q_PROPERTY(QUrl liveVideoSource READ liveVideoSource NOTIFY currentChanged)
+    // The movie plays over the still: once at a tap on the live badge or the strip's live mark,
+    // and when the full-screen view opens while "showLivePhotos" is on.
+    Q_PROPERTY(bool livePlaying READ livePlaying WRITE setLivePlaying NOTIFY livePlayingChanged)
 public:
     static constexpr qreal lineSpacing = 10.0;
     // The strip's own bar under the images, which stays in view when the strip is at its largest.
@@ -98,9 +104,35 @@ public:
     Q_INVOKABLE void next();
     Q_INVOKABLE void previous();
 
+    QUrl liveVideoSource() const;
+    bool livePlaying() const { return livePlaying_; }
+    void setLivePlaying(bool on);
+    // Whether an item of the strip is a live photo, for its mark.
+    Q_INVOKABLE bool isLive(int index) const;
+
     bool barEnabled() const { return barEnabled_; }
     bool overlayShown() const { return overlayShown_; }
     qreal cloudProgress() const { return cloudProgress_; }
+
+    // Where a new picture landed when the album on view doesn't hold it: a fetch, its index
+    // there, and the album's title.
+    struct Landing {
+        library::FetchResult fetch;
+        int index = 0;
+        QString title;
+    };
+    // After a save of a new picture (the edit screen calls it): asks whether to go to the album
+    // where the picture landed; the application's own album is offered too with "saveInTessorin".
+    void offerAddedPicture(const Landing& allPhotos, const std::optional<Landing>& ownAlbum);
+    // The dialog's texts, its title, message and actions, the last one "Cancel".
+    struct AddedDialog {
+        QString title;
+        QString message;
+        QStringList actions;
+    };
+    const std::optional<AddedDialog>& addedDialog() const { return addedDialog_; }
+    // The user's choice in that dialog, by the action's place.
+    Q_INVOKABLE void chooseAdded(int action);
 
     void beginLoading(const std::shared_ptr<TSAlbum>& album) override;
     void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
@@ -118,11 +150,13 @@ signals:
     void currentChanged();
     void barChanged();
     void cloudChanged();
+    void livePlayingChanged();
     // The strip should scroll to the album's current index.
     void alignRequested();
     // Another album came into view: the tables start over.
     void reloadTables();
     void alert(const QString& title, const QString& message);
+    void addedDialogRequested(const QString& title, const QString& message, const QStringList& actions);
 
 private:
     bool showTags_ = false;
@@ -134,9 +168,13 @@ private:
     bool fullScreen_ = false;
     bool barEnabled_ = true;
     bool overlayShown_ = false;
+    bool livePlaying_ = false;
     qreal cloudProgress_ = -1;
     TSAlbumId albumId_;
+    std::optional<AddedDialog> addedDialog_;
+    QList<Landing> landings_;
 
     void setBar(bool enabled, bool overlay);
+    void takeIncremental();
     void setActualIndex(int index);
 };

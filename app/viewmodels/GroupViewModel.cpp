@@ -2,7 +2,9 @@
 
 #include "Formatter.h"
 #include "Settings.h"
+#include "Log.h"
 #include "TSFilesAlbum.h"
+#include "TSPhotoAlbum.h"
 #include "TSMetaDataObservable.h"
 
 #include <QFileInfo>
@@ -24,6 +26,7 @@ int GroupViewModel::count() const { return album_ ? album_->count() : 0; }
 
 int GroupViewModel::rowCount(const QModelIndex& parent) const {
     if (parent.isValid()) return 0;
+    if (shownRows_ >= 0) return shownRows_;
     return gridView() ? (count() + columns - 1) / columns : count();
 }
 
@@ -35,8 +38,9 @@ double GroupViewModel::gridRowHeight(double viewWidth) {
     return (viewWidth - (columns - 1) * spacing) / columns + spacing;
 }
 
-QString GroupViewModel::thumbnailSource(const QString& path) {
-    return QStringLiteral("image://thumb/") + QString::fromLatin1(QUrl::toPercentEncoding(path));
+QString GroupViewModel::thumbnailSource(const QString& path, bool libraryItem) {
+    return QStringLiteral("image://thumb/") + (libraryItem ? QStringLiteral("lib/") : QString()) +
+           QString::fromLatin1(QUrl::toPercentEncoding(path));
 }
 
 QVariantMap GroupViewModel::item(int index) const {
@@ -45,6 +49,13 @@ QVariantMap GroupViewModel::item(int index) const {
         if (auto path = files->imageUrl(index)) {
             map["thumbnail"] = thumbnailSource(*path);
             map["name"] = QFileInfo(*path).fileName();
+        }
+    if (auto* photos = dynamic_cast<TSPhotoAlbum*>(album_.get()))
+        if (const library::Asset* asset = photos->assetAt(index)) {
+            map["thumbnail"] = thumbnailSource(asset->mainPath(), true);
+            map["name"] = QFileInfo(asset->mainPath()).fileName();
+            map["favorite"] = asset->favorite;
+            map["live"] = (asset->mediaSubtypes & library::Subtype::photoLive) != 0;
         }
     if (auto date = album_->date(index)) {
         map["date"] = Formatter::format(*date, Formatter::Style::longDate);
@@ -136,7 +147,62 @@ void GroupViewModel::processedMetaData(const std::shared_ptr<TSAlbum>& album) {
 }
 
 void GroupViewModel::reload(bool) {
+    if (shownRows_ >= 0) return;  // a batch update tells the view itself
     beginResetModel();
     endResetModel();
     emit albumChanged();
+}
+
+void GroupViewModel::refresh(const library::ChangeDetails& details) {
+    beginResetModel();
+    shownRows_ = 0;  // the album's own reload is this reset
+    TSLibraryObserver::updateAlbum(details);
+    shownRows_ = -1;
+    endResetModel();
+    emit albumChanged();
+    Log::debug(QStringLiteral("-- refreshTableView: %1").arg(count()));
+    if (selectedIndex_ >= 0 && album_) select(album_->actualIndex());
+}
+
+void GroupViewModel::libraryDidChange(const library::ChangeDetails& d) {
+    // Only the album on view animates; another one just takes the new fetch.
+    if (!album_ || album_ != TSEnvironment::currentAlbum()) {
+        TSLibraryObserver::updateAlbum(d);
+        return;
+    }
+    if (!d.hasIncrementalChanges || d.hasMoves()) return refresh(d);
+    if (gridView()) {
+        if (!d.removedIndexes.isEmpty() || !d.insertedIndexes.isEmpty()) return refresh(d);
+        shownRows_ = rowCount();
+        TSLibraryObserver::updateAlbum(d);
+        shownRows_ = -1;
+        // Four items of one row reload as one.
+        QList<int> rows;
+        for (qsizetype i : d.changedIndexes)
+            if (!rows.contains(int(i / columns))) rows << int(i / columns);
+        for (int row : rows) emit dataChanged(index(row), index(row));
+        return;
+    }
+    // The album moves on first; the view is then told step by step: removals from the last
+    // (old indexes), insertions from the first (new indexes), then the changed rows.
+    shownRows_ = int(d.fetchResultBeforeChanges.count());
+    TSLibraryObserver::updateAlbum(d);
+    QList<qsizetype> removed = d.removedIndexes;
+    std::sort(removed.rbegin(), removed.rend());
+    for (qsizetype i : removed) {
+        beginRemoveRows({}, int(i), int(i));
+        --shownRows_;
+        endRemoveRows();
+    }
+    QList<qsizetype> inserted = d.insertedIndexes;
+    std::sort(inserted.begin(), inserted.end());
+    for (qsizetype i : inserted) {
+        beginInsertRows({}, int(i), int(i));
+        ++shownRows_;
+        endInsertRows();
+    }
+    shownRows_ = -1;
+    for (qsizetype i : d.changedIndexes) emit dataChanged(index(int(i)), index(int(i)));
+    emit albumChanged();
+    if (selectedIndex_ >= 0) select(album_->actualIndex());
 }

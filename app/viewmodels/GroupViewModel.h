@@ -1,14 +1,20 @@
 #pragma once
 // The group screen: the current album's items as a list, or as a grid of four a row when
 // "gridView" is on. One model row is one list cell or one grid row; its `items` carry each
-// item's index, thumbnail source and video flag. It is the album's group observer.
+// item's index, thumbnail source and video flag. It is the album's group observer and the library
+// observer's delegate: a change of the library is shown as removed, inserted, changed and moved
+// rows where the view can animate them, and as a reset where it can't.
 #include "TSAlbum.h"
+#include "TSLibraryObserver.h"
 #include "TSMetaDataObservable.h"
 
 #include <QAbstractListModel>
 #include <memory>
 
-class GroupViewModel : public QAbstractListModel, public GroupObserver, public TSMetaDataObserver {
+class GroupViewModel : public QAbstractListModel,
+                       public GroupObserver,
+                       public TSMetaDataObserver,
+                       public TSLibraryViewer {
     Q_OBJECT
     Q_PROPERTY(QString title READ title NOTIFY albumChanged)
     Q_PROPERTY(bool gridView READ gridView NOTIFY gridViewChanged)
@@ -46,7 +52,8 @@ public:
     int rowOf(int index) const;
     int columnOf(int index) const;
     // The thumbnail source of a file: image://thumb/ and the percent-encoded path.
-    static QString thumbnailSource(const QString& path);
+    // A library item's goes through the desktop's thumbnail cache: image://thumb/lib/...
+    static QString thumbnailSource(const QString& path, bool libraryItem = false);
 
     // Takes the current album and becomes its group observer, then appears.
     Q_INVOKABLE void attach();
@@ -63,6 +70,9 @@ public:
 
     // GroupObserver: the album's contents changed.
     void reload(bool changed) override;
+    // The library changed under the album: batch updates in the list; in the grid only changed
+    // items reload their rows; anything else (and any move) takes the full refresh.
+    void libraryDidChange(const library::ChangeDetails& details) override;
     // On a tablet the detail beside may page on its own (strip, arrow keys): the mark follows.
     void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
 
@@ -79,4 +89,7 @@ private:
     int selectedColumn_ = -1;
     int selectedIndex_ = -1;
     QVariantMap item(int index) const;
+    // While a batch update runs: the rows the view has been told of, and no resets.
+    int shownRows_ = -1;
+    void refresh(const library::ChangeDetails& details);
 };

@@ -5,8 +5,7 @@
 
 SettingsViewModel::SettingsViewModel(QObject* parent) : QAbstractListModel(parent) {}
 
-// Every row but photo access, which comes with the library in its own section (5), so the tags
-// of the others stay put.
+// Photo access chooses the library's folders, in place of the platform's access settings.
 const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
     static const QList<Row> table{
         {0, 0, QStringLiteral("About"), QStringLiteral("About Tessorin"), {}, QStringLiteral("info.circle")},
@@ -18,6 +17,8 @@ const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
          QStringLiteral("showLivePhotos"), QStringLiteral("livephoto")},
         {4, 0, QStringLiteral("Video"), QStringLiteral("Show Videos"), QStringLiteral("video"),
          QStringLiteral("film.circle")},
+        {5, 0, QStringLiteral("Allow Photo Access"), QStringLiteral("Change Photo Access..."), {},
+         QStringLiteral("photo.fill.on.rectangle.fill")},
         {6, 0, QStringLiteral("Modified Images"), QStringLiteral("Save in Tessorin album"),
          QStringLiteral("saveInTessorin"), QStringLiteral("tag.circle")},
     };
@@ -61,6 +62,10 @@ void SettingsViewModel::setSwitch(int tag, bool on) {
 
 void SettingsViewModel::select(int tag) {
     if (tag == 0) emit aboutRequested();
+    if (tag == 5) {
+        Log::info(QStringLiteral("photoAccess settings opened: true"));
+        emit photoAccessRequested();
+    }
 }
 
 void SettingsViewModel::close() { emit closed(); }

@@ -38,5 +38,7 @@ signals:
     // "human" changed: the detail tables show their values anew.
     void humanChanged();
     void aboutRequested();
+    // "Change Photo Access...": the view lets the user choose the library's folders.
+    void photoAccessRequested();
     void closed();
 };

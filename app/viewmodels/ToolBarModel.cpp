@@ -1,8 +1,11 @@
 #include "ToolBarModel.h"
 
+#include "Albums.h"
+#include "AssetModifier.h"
 #include "Log.h"
 #include "Settings.h"
 #include "TSAlbum.h"
+#include "TSPhotoAlbum.h"
 
 namespace {
 
@@ -11,7 +14,7 @@ struct MoreEntry {
     const char* symbol;
     SettingsFlag flag;
 };
-// "Delete" joins these on a tablet once items can be deleted from the library.
+// On a tablet "Delete" stands before these.
 const MoreEntry moreEntries[] = {
     {"Live Photo Preview", "livephoto", SettingsFlag::showLivePhotos},
     {"Human Readable Tags", "accessibility", SettingsFlag::human},
@@ -52,6 +55,12 @@ ToolBarModel::State ToolBarModel::currentState() {
     const auto album = TSEnvironment::currentAlbum();
     State state;
     state.albumEmpty = album->isEmpty();
+    if (const auto* photos = dynamic_cast<const TSPhotoAlbum*>(album.get()))
+        if (const library::Asset* asset = photos->currentLibraryAsset()) {
+            // The library's numbering of edit operations: 2 delete, 3 properties.
+            state.libraryItem = LibraryItem{asset->canPerformEditOperation(2), asset->canPerformEditOperation(3),
+                                            asset->representsBurst, asset->favorite};
+        }
     state.burstAlbum = album->isBurst();
     state.collectionSubtype = album->subType();
     if (const auto& asset = album->currentAsset) {
@@ -64,19 +73,32 @@ ToolBarModel::State ToolBarModel::currentState() {
 
 void ToolBarModel::refresh() {
     const QStringList tools = toolsFor(currentState());
-    if (tools == tools_) return;
+    const QString heart = favoriteSymbol();
+    if (tools == tools_ && heart == favoriteSymbol_) return;
     tools_ = tools;
+    favoriteSymbol_ = heart;
     emit toolsChanged();
+}
+
+QString ToolBarModel::favoriteSymbol() const {
+    const auto item = currentState().libraryItem;
+    return item && item->favorite ? QStringLiteral("heart.fill") : QStringLiteral("heart");
 }
 
 QVariantList ToolBarModel::moreMenu() const {
     QVariantList menu;
+    if (TSEnvironment::isPad() && tools_.contains(QLatin1String("delete")))
+        menu.append(QVariantMap{{"title", "Delete"}, {"symbol", "trash"}, {"checked", false}, {"action", true}});
     for (const MoreEntry& e : moreEntries)
         menu.append(QVariantMap{{"title", e.title}, {"symbol", e.symbol}, {"checked", Settings::flag(e.flag)}});
     return menu;
 }
 
 void ToolBarModel::toggleMore(int index) {
+    if (TSEnvironment::isPad() && tools_.contains(QLatin1String("delete"))) {
+        if (index == 0) return requestDelete();
+        --index;
+    }
     if (index < 0 || index >= int(std::size(moreEntries))) return;
     const SettingsFlag flag = moreEntries[index].flag;
     Settings::setFlag(flag, !Settings::flag(flag));
@@ -88,3 +110,61 @@ void ToolBarModel::toggleMore(int index) {
 void ToolBarModel::beginLoading(const std::shared_ptr<TSAlbum>&) { refresh(); }
 void ToolBarModel::processedMetaData(const std::shared_ptr<TSAlbum>&) { refresh(); }
 void ToolBarModel::albumChanged() { refresh(); }
+
+namespace {
+
+// The library item on view, with the library it lives in.
+const library::Asset* currentItem() {
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get());
+    return photos && TSEnvironment::library() ? photos->currentLibraryAsset() : nullptr;
+}
+
+}  // namespace
+
+void ToolBarModel::favorite() {
+    const library::Asset* asset = currentItem();
+    if (!asset) return;
+    TSEnvironment::currentAlbum()->startFavoriting();
+    QString error;
+    if (!AssetModifier::favorite(*TSEnvironment::library(), asset->localIdentifier, &error))
+        emit alert(QStringLiteral("Favorite"), error);
+    refresh();
+}
+
+void ToolBarModel::requestDelete() {
+    const library::Asset* asset = currentItem();
+    if (!asset) return;
+    pendingDelete_ = asset->localIdentifier;
+    const bool video = asset->mediaType == library::MediaType::video;
+    emit deleteConfirmationRequested(QString(), video ? QStringLiteral("Are you sure you want to delete this video?")
+                                                      : QStringLiteral("Are you sure you want to delete this photo?"),
+                                     video ? QStringLiteral("Delete Video") : QStringLiteral("Delete Photo"));
+}
+
+void ToolBarModel::confirmDelete() {
+    if (pendingDelete_.isEmpty() || !TSEnvironment::library()) return;
+    const QString id = std::exchange(pendingDelete_, QString());
+    QString error;
+    if (!AssetModifier::remove(*TSEnvironment::library(), id, &error)) emit alert(QStringLiteral("Delete"), error);
+    refresh();
+}
+
+void ToolBarModel::burst() {
+    const library::Asset* asset = currentItem();
+    if (!asset || asset->burstIdentifier.isEmpty()) return;
+    // Every item of the burst, in the library's order.
+    QStringList ids;
+    const library::FetchResult all = TSEnvironment::library()->fetchAssets(Albums::fetchOptions());
+    for (const library::Asset& a : all.assets())
+        if (a.burstIdentifier == asset->burstIdentifier) ids << a.localIdentifier;
+    auto album = std::make_shared<TSPhotoAlbum>(true);
+    const library::FetchResult fetch = TSEnvironment::library()->fetchAssets(ids);
+    const int index = int(fetch.indexOf(asset->localIdentifier).value_or(0));
+    TSEnvironment::setCurrentAlbum(album);
+    album->setAlbum(fetch, index, QStringLiteral("Burst Photos"));
+    emit burstOpened();
+}
+
+void ToolBarModel::edit() {
+    if (tools_.contains(QLatin1String("edit"))) emit editRequested();
+}

@@ -1,6 +1,7 @@
 #include "TSPhotoAlbum.h"
 
 #include "Log.h"
+#include "Settings.h"
 #include "ThumbnailCache.h"
 #include "TSMetaDataObservable.h"
 
@@ -56,7 +57,8 @@ void TSPhotoAlbum::process() {
         return;
     }
     // The bytes of the resource on view are read from the disk at once.
-    currentAsset = std::make_shared<TSAsset>(asset->mainPath(), TSEnvironment::sharedObservable());
+    currentAsset = std::make_shared<TSAsset>(*asset, TSEnvironment::sharedObservable());
+    Settings::setValue(QString::fromLatin1(lastViewedKey), asset->localIdentifier);
     TSEnvironment::observable().sendMetaData(MetaSelector::processed, self());
 }
 

@@ -6,18 +6,35 @@
 #include "TSAlbum.h"
 
 #include <QTimer>
+#include <mutex>
+
+// Change details the library observer handed over and the detail strip has not yet applied;
+// the mutex guards them between the two.
+struct TSAlbumChanges {
+    std::mutex semaphore;
+    std::optional<library::ChangeDetails> incremental;
+    std::optional<QString> addedImageLocalId;
+};
 
 class TSPhotoAlbum : public AbstractAlbum {
 public:
     explicit TSPhotoAlbum(bool isBurst = false) : burst_(isBurst) {}
 
+    // The setting that remembers the library item last on view, for the "open the last item" action.
+    static constexpr char lastViewedKey[] = "lastViewedAsset";
+
     std::optional<library::FetchResult> fetchedAssets;
     int precProcessed = -1;  // the index last given to process
+    const std::shared_ptr<TSAlbumChanges> changes = std::make_shared<TSAlbumChanges>();
 
     // Nothing happens for the same fetch at the same index; a new fetch reloads the group.
     void setAlbum(const library::FetchResult& fetch, int index, const QString& title);
     // The index of the item with this identifier in the fetch, or nothing.
     std::optional<int> indexOfAsset(const std::optional<QString>& localIdentifier) const;
+
+    // The library asset on view, or at an index; nothing outside the fetch.
+    const library::Asset* currentLibraryAsset() const { return assetAt(displayedIndex); }
+    const library::Asset* assetAt(int index) const;
 
     bool favoriting() const override { return favoriting_; }
     bool hiding() const override { return false; }
@@ -38,7 +55,6 @@ public:
 private:
     void process();
     std::shared_ptr<TSAlbum> self();
-    const library::Asset* assetAt(int index) const;
     bool burst_ = false;
     bool favoriting_ = false;
     QString title_;

@@ -16,14 +16,50 @@ TSAsset::TSAsset(const QString& path, std::weak_ptr<Displayer> delegate) : path_
     ddStore_->set(TSKey::SUBTYPE, QStringLiteral("--"));
     ddStore_->set(TSKey::FILETYPE, filetypes::typeIdentifier(path));
     Log::debug("chosen file: " + name, "init(from:delegate:)");
+    read("init(from:delegate:)");
+}
 
+TSAsset::TSAsset(const library::Asset& asset, std::weak_ptr<Displayer> delegate)
+    : path_(asset.mainPath()), asset_(asset) {
+    ddStore_->displayDelegate = std::move(delegate);
+    if (asset.mediaType == library::MediaType::video) ddStore_->mediaType = MediaType::video;
+    ddStore_->setAssetDate(asset.creationDate.isValid() ? std::optional(asset.creationDate) : std::nullopt);
+    std::optional<GeoLocation> location;
+    if (asset.location) {
+        location = GeoLocation{};
+        location->coordinate = {asset.location->latitude, asset.location->longitude};
+        if (asset.location->altitude) {
+            location->altitude = *asset.location->altitude;
+            location->verticalAccuracy = 0;
+        }
+    }
+    ddStore_->setAssetLocation(location);
+    ddStore_->setSizes(asset.pixelWidth, asset.pixelHeight);
+    const QString line = QStringLiteral("-- ------------------------------------------------------ --");
+    QStringList names{line};
+    for (const library::Resource& r : asset.resources) {
+        names << "-- Name: " + r.originalFilename + ' ' + library::resourceTypeText(r.type);
+        if (!r.originalFilename.isEmpty()) ddStore_->set(TSKey::NAME, r.originalFilename);
+    }
+    names << line;
+    Log::debug(names.join('\n'), "init(asset:delegate:)");
+    ddStore_->set(TSKey::SUBTYPE, QString::number(asset.mediaSubtypes));
+    ddStore_->set(TSKey::FILETYPE, filetypes::typeIdentifier(path_));
+    read("init(asset:delegate:)");
+    // A file that could not be read still shows the size the library has for it.
+    if (file_.bytes().isEmpty() && !asset.resources.isEmpty() && asset.resources.first().fileSize > 0)
+        ddStore_->datas[TSKey::FILE_SIZE] = filetypes::fileSizeText(asset.resources.first().fileSize);
+}
+
+void TSAsset::read(const QString& function) {
+    const QString name = QFileInfo(path_).fileName();
     QString error;
-    if (!file_.open(path, &error)) {
+    if (!file_.open(path_, &error)) {
         readError_ = error;
-        Log::warning(name + ": " + error, "init(from:delegate:)");
+        Log::warning(name + ": " + error, function);
     }
     const QByteArray& bytes = file_.bytes();
-    Log::debug("file length: " + QString::number(bytes.size()), "init(from:delegate:)");
+    Log::debug("file length: " + QString::number(bytes.size()), function);
     // A movie by its bytes is a movie whatever its name says.
     if (!isVideo() && imageio::detectFormat(bytes) == imageio::Format::Movie) ddStore().mediaType = MediaType::video;
     // Movies have no image properties; their rows come from the movie reader.

@@ -1,6 +1,8 @@
 #pragma once
-// The one item on view: here a picked file, with its bytes, its metadata record and its rows.
+// The one item on view: a photo library item or a picked file, with its bytes, its metadata
+// record and its rows.
 #include "FileBytes.h"
+#include "Library.h"
 #include "MovieReader.h"
 #include "TSDataStore.h"
 #include "TSMetaData.h"
@@ -16,6 +18,12 @@ public:
     // Reads the file at once; a file that can't be read gives an item with no data, FILE_SIZE
     // "0" and no rows beyond NAME, SUBTYPE and FILETYPE.
     explicit TSAsset(const QString& path, std::weak_ptr<Displayer> delegate = {});
+    // A library item: what the library knows (date and place under the source "Asset", pixel
+    // sizes, resources, subtypes) first, then the bytes of the file that shows it now.
+    explicit TSAsset(const library::Asset& asset, std::weak_ptr<Displayer> delegate = {});
+
+    // The library item this was built from; nothing for a picked file.
+    const std::optional<library::Asset>& libraryAsset() const { return asset_; }
 
     const QString& path() const { return path_; }
     const TSMetaData& metaData() const { return metaData_; }
@@ -43,6 +51,9 @@ private:
     std::optional<QString> readError_;
     std::optional<media::MovieInfo> video_;
     std::shared_ptr<TSMetaVideo> metaVideo_;
+    std::optional<library::Asset> asset_;
+
+    void read(const QString& function);
 
     // The movie's rows, read at once: the reader touches only the header of a mapped file.
     void loadVideo();

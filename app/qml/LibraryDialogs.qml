@@ -1,0 +1,86 @@
+// The library tools' questions and failures, made once for the window: the toolbar they come
+// from stands twice in the detail page (top bar on a tablet, bottom bar on a phone).
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Controls.Material
+import Tessorin
+
+Item {
+    // The platform asked before a delete; so do we.
+    Dialog {
+        id: confirmDelete
+        objectName: "confirmDelete"
+        property string action
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 40, 320)
+        modal: true
+        title: action
+        Label { id: confirmText; wrapMode: Text.WordWrap; width: parent.width }
+        footer: DialogButtonBox {
+            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole; Material.foreground: "#FF3B30" }
+        }
+        onAccepted: ToolBar.confirmDelete()
+    }
+    Dialog {
+        id: toolAlert
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 40, 320)
+        modal: true
+        standardButtons: Dialog.Ok
+        Label { id: toolAlertText; wrapMode: Text.WordWrap; width: parent.width }
+    }
+    Connections {
+        target: ToolBar
+        function onDeleteConfirmationRequested(title, message, action) {
+            confirmDelete.action = action
+            confirmText.text = message
+            confirmDelete.open()
+        }
+        function onAlert(title, message) {
+            toolAlert.title = title
+            toolAlertText.text = message
+            toolAlert.open()
+        }
+    }
+
+    // After a new picture was saved elsewhere than the album on view: where to go to see it.
+    Dialog {
+        id: added
+        objectName: "addedDialog"
+        property var actions: []
+        parent: Overlay.overlay
+        anchors.centerIn: parent
+        width: Math.min(parent.width - 40, 320)
+        modal: true
+        closePolicy: Popup.NoAutoClose
+        Column {
+            width: parent.width
+            spacing: 4
+            Label { id: addedText; wrapMode: Text.WordWrap; width: parent.width }
+            Repeater {
+                model: added.actions
+                delegate: Button {
+                    required property int index
+                    required property string modelData
+                    width: parent.width
+                    flat: true
+                    text: modelData
+                    Material.foreground: "#1E6FD9"
+                    onClicked: { added.close(); Detail.chooseAdded(index) }
+                }
+            }
+        }
+    }
+    Connections {
+        target: Detail
+        function onAddedDialogRequested(title, message, actions) {
+            added.title = title
+            addedText.text = message
+            added.actions = actions
+            added.open()
+        }
+    }
+}

@@ -1,0 +1,97 @@
+// Opening an album of 10,000 library items as the group screen does: the fetch under the user's
+// options, the album and its grid, and the thumbnails of the first screen (seven rows of four)
+// from the desktop's thumbnail cache, first cold (an empty cache) and then warm.
+// usage: library_screens_bench CORPUS_DIR [FILES]
+#include "Albums.h"
+#include "GroupViewModel.h"
+#include "Library.h"
+#include "Settings.h"
+#include "TSPhotoAlbum.h"
+#include "ThumbnailCache.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFuture>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QtConcurrent/QtConcurrentMap>
+#include <cstdio>
+#include <unistd.h>
+
+namespace {
+
+constexpr int firstScreen = 7 * GroupViewModel::columns;
+
+// Milliseconds from the tap on the album to the first screen of thumbnails.
+double openAlbum(library::Library& lib) {
+    QElapsedTimer t;
+    t.start();
+    auto album = std::make_shared<TSPhotoAlbum>();
+    TSEnvironment::setCurrentAlbum(album);
+    album->setAlbum(lib.fetchAssets(Albums::fetchOptions()), -1, QStringLiteral("All Photos"));
+    GroupViewModel group;
+    group.attach();
+    QStringList paths;
+    for (int row = 0; row * GroupViewModel::columns < firstScreen && row < group.rowCount(); ++row)
+        for (const QVariant& item : group.data(group.index(row), GroupViewModel::ItemsRole).toList()) {
+            const QString source = item.toMap().value("thumbnail").toString();
+            paths << QUrl::fromPercentEncoding(source.mid(QStringLiteral("image://thumb/lib/").size()).toUtf8());
+        }
+    // As the thumbnail provider does: the pool decodes, the screen waits for all of them.
+    QtConcurrent::blockingMap(paths, [](const QString& path) { library::thumbnails::forFile(path, 190); });
+    const double ms = t.nsecsElapsed() / 1e6;
+    TSEnvironment::setCurrentAlbum(nullptr);
+    return ms;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir tmp;
+    qputenv("XDG_CONFIG_HOME", (tmp.path() + "/config").toUtf8());
+    qputenv("XDG_CACHE_HOME", (tmp.path() + "/cache").toUtf8());
+    QGuiApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: library_screens_bench CORPUS_DIR [FILES]\n");
+        return 2;
+    }
+    const int wanted = argc > 2 ? std::atoi(argv[2]) : 10000;
+    QStringList samples;
+    QDirIterator it(QString::fromLocal8Bit(argv[1]), QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString f = it.next();
+        if (!f.contains("/malformed/") && !f.endsWith(".md")) samples << f;
+    }
+    if (samples.isEmpty()) {
+        std::fprintf(stderr, "no sample media in %s\n", argv[1]);
+        return 2;
+    }
+    samples.sort();
+    // Hard links, so the disk holds the files once.
+    const QString root = tmp.path() + "/lib";
+    for (int i = 0; i < wanted; ++i) {
+        const QString folder = QStringLiteral("%1/%2").arg(root).arg(i / 100, 3, 10, QChar('0'));
+        if (i % 100 == 0) QDir().mkpath(folder);
+        const QString& s = samples[i % samples.size()];
+        const QString target = QStringLiteral("%1/f%2.%3").arg(folder).arg(i).arg(QFileInfo(s).suffix());
+        if (link(s.toLocal8Bit().constData(), target.toLocal8Bit().constData()) != 0 && !QFile::copy(s, target)) {
+            std::fprintf(stderr, "can't make %s\n", qPrintable(target));
+            return 1;
+        }
+    }
+    library::Library lib({root}, tmp.path() + "/library.sqlite");
+    lib.scan();
+    Settings::setFlag(SettingsFlag::gridView, true);
+    const qsizetype items = lib.fetchAssets(Albums::fetchOptions()).count();
+    const double cold = openAlbum(lib);
+    double warm = 1e9;
+    for (int i = 0; i < 5; ++i) warm = std::min(warm, openAlbum(lib));
+    std::printf("album of %lld items, first screen of %d thumbnails\n", qlonglong(items), firstScreen);
+    std::printf("  cold thumbnail cache: %8.1f ms   (goal < 1000 ms)\n", cold);
+    std::printf("  warm thumbnail cache: %8.1f ms   (goal <  100 ms)\n", warm);
+    return 0;
+}
