@@ -80,6 +80,8 @@ Rectangle {
                             Detail.toggleTables()
                         else if (cell.modelData === "more")
                             moreMenu.popup(tool)
+                        else if (cell.modelData === "edit")
+                            Edit.openCurrent()
                     }
                 }
             }

@@ -56,6 +56,14 @@ ApplicationWindow {
         }
     }
 
+    // The edit screen, over everything; Ctrl+E opens it on the item in view.
+    EditScreen {}
+    Shortcut {
+        sequence: "Ctrl+E"
+        enabled: !Edit.active && Detail.count > 0
+        onActivated: Edit.openCurrent()
+    }
+
     Connections {
         target: App
         function onPushed(screen) { stack.push(window.pages[screen]) }

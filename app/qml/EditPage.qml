@@ -1,0 +1,187 @@
+// The edit screen's table: the selected items, the switches, the date, place and orientation
+// rows, the line editors and the IPTC row, as Edit lays them out.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Tessorin
+
+Page {
+    id: page
+    signal saveRequested()
+    background: Rectangle { color: "#F2F2F7" }
+
+    header: NavigationBar {
+        title: Edit.title
+        leading: ToolButton { text: "Cancel"; font.capitalization: Font.MixedCase; onClicked: Edit.close() }
+        ToolButton {
+            text: "Save"
+            font.capitalization: Font.MixedCase
+            font.bold: true
+            // Line editors hand their text over when they lose the focus.
+            onClicked: { forceActiveFocus(); page.saveRequested() }
+        }
+    }
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        clip: true
+        model: Edit.sections
+        bottomMargin: 24
+        delegate: Column {
+            id: section
+            required property var modelData
+            width: list.width
+            Label {
+                text: section.modelData.title.toUpperCase()
+                visible: text !== ""
+                leftPadding: 16; topPadding: 18; bottomPadding: 6
+                font.pixelSize: 13
+                color: "#6D6D72"
+            }
+            Item { width: 1; height: 12; visible: section.modelData.title === "" }
+            Repeater {
+                model: section.modelData.rows
+                delegate: Loader {
+                    id: cell
+                    required property var modelData
+                    required property int index
+                    width: list.width
+                    sourceComponent: modelData.kind === "images" ? imagesCell
+                                   : modelData.kind === "switch" ? switchCell
+                                   : modelData.kind === "editor" ? editorCell : disclosureCell
+                    property int sectionNumber: section.modelData.section
+                }
+            }
+        }
+    }
+
+    Component {
+        id: imagesCell
+        Rectangle {
+            height: 96
+            color: "#FFFFFF"
+            RowLayout {
+                anchors.fill: parent
+                anchors.margins: 8
+                ListView {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    orientation: ListView.Horizontal
+                    spacing: 6
+                    clip: true
+                    model: Edit.thumbnails
+                    delegate: Image {
+                        required property string modelData
+                        width: 80; height: 80
+                        source: modelData
+                        fillMode: Image.PreserveAspectCrop
+                        sourceSize: Qt.size(160, 160)
+                        asynchronous: true
+                    }
+                }
+                ColumnLayout {
+                    visible: Edit.addVisible
+                    Label { text: Edit.maxImagesText; color: "#6C6C70"; font.pixelSize: 12 }
+                    Button {
+                        text: "+"
+                        font.pixelSize: 22
+                        enabled: Edit.addEnabled
+                        opacity: enabled ? 1.0 : 0.5
+                        onClicked: addDialog.open()
+                    }
+                }
+            }
+        }
+    }
+
+    Component {
+        id: switchCell
+        Rectangle {
+            id: row
+            property var data: parent ? parent.modelData : ({})
+            property int sectionNumber: parent ? parent.sectionNumber : 0
+            height: Math.max(48, texts.implicitHeight + 16)
+            color: "#FFFFFF"
+            RowLayout {
+                anchors.fill: parent
+                anchors.leftMargin: 16; anchors.rightMargin: 8
+                ColumnLayout {
+                    id: texts
+                    Layout.fillWidth: true
+                    spacing: 1
+                    Label { text: row.data.title; font.pixelSize: 16 }
+                    Label { visible: text !== ""; text: row.data.detail; font.pixelSize: 12; color: "#6C6C70" }
+                }
+                Switch {
+                    checked: row.data.checked
+                    onToggled: Edit.setSwitch(row.sectionNumber, checked)
+                }
+            }
+        }
+    }
+
+    Component {
+        id: disclosureCell
+        ItemDelegate {
+            id: row
+            property var data: parent ? parent.modelData : ({})
+            property int sectionNumber: parent ? parent.sectionNumber : 0
+            property int rowNumber: parent ? parent.index : 0
+            height: 48
+            background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
+            onClicked: Edit.select(row.sectionNumber, row.rowNumber)
+            contentItem: RowLayout {
+                spacing: 8
+                Label {
+                    Layout.fillWidth: true
+                    text: row.data.title
+                    elide: Text.ElideRight
+                    font.pixelSize: 16
+                    color: row.data.dimmed ? "#C7C7CC" : "#1C1C1E"
+                }
+                Label {
+                    text: row.data.detail
+                    visible: text !== ""
+                    elide: Text.ElideLeft
+                    Layout.maximumWidth: row.width * 0.45
+                    font.pixelSize: 13
+                    color: "#6C6C70"
+                }
+                Image { source: "qrc:/icons/chevron.right.svg"; sourceSize: Qt.size(14, 14) }
+            }
+        }
+    }
+
+    Component {
+        id: editorCell
+        Rectangle {
+            id: row
+            property var data: parent ? parent.modelData : ({})
+            height: 56
+            color: "#FFFFFF"
+            ColumnLayout {
+                anchors.fill: parent
+                anchors.leftMargin: 16; anchors.rightMargin: 16
+                spacing: 0
+                Label { text: row.data.title; font.pixelSize: 12; color: "#6C6C70" }
+                TextField {
+                    Layout.fillWidth: true
+                    text: row.data.value
+                    placeholderText: row.data.placeholder
+                    background: null
+                    leftPadding: 0
+                    onEditingFinished: if (text !== row.data.value) Edit.setText(row.data.key, text)
+                }
+            }
+        }
+    }
+
+    FileDialog {
+        id: addDialog
+        fileMode: FileDialog.OpenFiles
+        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)"]
+        onAccepted: Edit.addFiles(selectedFiles.map(u => u.toString()))
+    }
+}
