@@ -256,19 +256,20 @@ void Screenshots::iptcScreens(const QStringList& files) {
 
 void Screenshots::editScreens(const QStringList& files) {
     EditViewModel& edit = *models_.edit;
-    QObject* stack = window_->findChild<QObject*>(QStringLiteral("editStack"));
+    QObject* stack = window_->findChild<QObject*>(QStringLiteral("editScreen"));
     if (!stack || !edit.openCurrent()) {
         std::fprintf(stderr, "note: no edit screen\n");
         return;
     }
     auto pop = [&] {
-        QMetaObject::invokeMethod(stack, "pop");
-        settle(300);
+        QMetaObject::invokeMethod(stack, "back");
+        settle();
     };
     shoot("edit");
     QStringList photos, videos;
+    const QString current = edit.selectedAssets().first()->path();
     for (const QString& f : files)
-        (f.endsWith(".mov", Qt::CaseInsensitive) || f.endsWith(".mp4", Qt::CaseInsensitive) ? videos : photos) << f;
+        if (f != current) (f.endsWith(".mov", Qt::CaseInsensitive) || f.endsWith(".mp4", Qt::CaseInsensitive) ? videos : photos) << f;
     edit.addFiles(photos.mid(0, 3));
     for (int i = 0; i < 100 && edit.loading(); ++i) settle(100);
     shoot("edit-many");

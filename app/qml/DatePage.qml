@@ -45,6 +45,11 @@ Page {
                     required property var modelData
                     required property int index
                     property int sectionNumber: section.index
+                    onLoaded: {
+                        if (item.cellData !== undefined) item.cellData = modelData
+                        if (item.sectionNumber !== undefined) item.sectionNumber = sectionNumber
+                        if (item.rowNumber !== undefined) item.rowNumber = index
+                    }
                     width: list.width
                     sourceComponent: modelData.kind === "picker" ? pickerRow : plainRow
                 }
@@ -56,35 +61,35 @@ Page {
         id: plainRow
         ItemDelegate {
             id: row
-            property var data: parent ? parent.modelData : ({})
-            property int sectionNumber: parent ? parent.sectionNumber : 0
-            property int rowNumber: parent ? parent.index : 0
-            height: data.image !== "" ? 72 : 48
+            property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
+            property int sectionNumber: 0
+            property int rowNumber: 0
+            height: cellData.image !== "" ? 72 : 48
             background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
             onClicked: page.model.tap(row.sectionNumber, row.rowNumber)
             contentItem: RowLayout {
                 spacing: 10
                 Image {
-                    visible: row.data.image !== ""
-                    source: row.data.image
+                    visible: row.cellData.image !== ""
+                    source: row.cellData.image
                     sourceSize: Qt.size(56, 56)
                     Layout.preferredWidth: 56; Layout.preferredHeight: 56
                     fillMode: Image.PreserveAspectCrop
                 }
                 Label {
                     Layout.fillWidth: true
-                    text: row.data.title
+                    text: row.cellData.title
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: row.data.kind === "action" ? "#1E6FD9" : "#1C1C1E"
+                    color: row.cellData.kind === "action" ? "#1E6FD9" : "#1C1C1E"
                 }
-                Label { visible: row.data.detail !== ""; text: row.data.detail; color: "#6C6C70"; font.pixelSize: 14 }
+                Label { visible: row.cellData.detail !== ""; text: row.cellData.detail; color: "#6C6C70"; font.pixelSize: 14 }
                 Switch {
-                    visible: row.data.kind === "date"
+                    visible: row.cellData.kind === "date"
                     checked: page.model.withTime
                     onToggled: page.model.withTime = checked
                 }
-                Label { visible: row.data.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+                Label { visible: row.cellData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
             }
         }
     }

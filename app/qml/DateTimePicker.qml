@@ -14,8 +14,7 @@ RowLayout {
 
     function daysIn(year, month) { return new Date(year, month + 1, 0).getDate() }
     function pad(n) { return n < 10 ? "0" + n : "" + n }
-    readonly property var monthNames: Qt.locale().standaloneMonthName !== undefined
-        ? Array.from({ length: 12 }, (x, i) => Qt.locale().standaloneMonthName(i, Locale.ShortFormat)) : []
+    readonly property var monthNames: Array.from({ length: 12 }, (x, i) => Qt.locale().standaloneMonthName(i, Locale.ShortFormat))
 
     // Set from the date without telling anyone; a wheel the user turns tells.
     property bool settling: false
@@ -42,8 +41,11 @@ RowLayout {
     component Wheel: Tumbler {
         id: wheel
         property var texts: null
+        // The value of the first entry: days count from 1.
+        property int firstValue: 0
         Layout.fillHeight: true
         Layout.fillWidth: true
+        Layout.preferredWidth: 40
         visibleItemCount: 5
         focusPolicy: Qt.StrongFocus
         onMovingChanged: if (!moving) picker.turned()
@@ -55,20 +57,22 @@ RowLayout {
                 picker.turned()
             }
         }
-        delegate: Label {
-            required property int index
-            text: wheel.texts ? wheel.texts[index] : picker.pad(index + (wheel === day ? 1 : 0))
-            horizontalAlignment: Text.AlignHCenter
-            verticalAlignment: Text.AlignVCenter
-            font.pixelSize: 18
-            color: wheel.activeFocus && Tumbler.displacement === 0 ? "#1E6FD9" : "#1C1C1E"
-            opacity: 1.0 - Math.abs(Tumbler.displacement) / (wheel.visibleItemCount / 2)
+        delegate: Component {
+            Label {
+                required property int index
+                text: wheel.texts ? wheel.texts[index] : picker.pad(index + (wheel.firstValue))
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+                font.pixelSize: 18
+                color: wheel.activeFocus && Tumbler.displacement === 0 ? "#1E6FD9" : "#1C1C1E"
+                opacity: 1.0 - Math.abs(Tumbler.displacement) / (wheel.visibleItemCount / 2)
+            }
         }
     }
 
-    Wheel { id: day; model: 31 }
-    Wheel { id: month; model: 12; texts: picker.monthNames; Layout.preferredWidth: 2 }
-    Wheel { id: year; model: 200; texts: Array.from({ length: 200 }, (x, i) => "" + (1900 + i)); Layout.preferredWidth: 2 }
+    Wheel { id: day; model: 31; firstValue: 1 }
+    Wheel { id: month; model: 12; texts: picker.monthNames; Layout.minimumWidth: 64 }
+    Wheel { id: year; model: 200; texts: Array.from({ length: 200 }, (x, i) => "" + (1900 + i)); Layout.minimumWidth: 64 }
     Wheel { id: hour; model: 24; visible: picker.withTime }
     Wheel { id: minute; model: 60; visible: picker.withTime }
     Wheel { id: second; model: 60; visible: picker.withTime }

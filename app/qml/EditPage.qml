@@ -52,6 +52,12 @@ Page {
                                    : modelData.kind === "switch" ? switchCell
                                    : modelData.kind === "editor" ? editorCell : disclosureCell
                     property int sectionNumber: section.modelData.section
+                    // The loaded cell takes its row's data (the whole list is rebuilt on a change).
+                    onLoaded: {
+                        if (item.cellData !== undefined) item.cellData = modelData
+                        if (item.sectionNumber !== undefined) item.sectionNumber = sectionNumber
+                        if (item.rowNumber !== undefined) item.rowNumber = index
+                    }
                 }
             }
         }
@@ -100,8 +106,8 @@ Page {
         id: switchCell
         Rectangle {
             id: row
-            property var data: parent ? parent.modelData : ({})
-            property int sectionNumber: parent ? parent.sectionNumber : 0
+            property var cellData: ({ title: "", detail: "", checked: false })
+            property int sectionNumber: 0
             height: Math.max(48, texts.implicitHeight + 16)
             color: "#FFFFFF"
             RowLayout {
@@ -111,11 +117,11 @@ Page {
                     id: texts
                     Layout.fillWidth: true
                     spacing: 1
-                    Label { text: row.data.title; font.pixelSize: 16 }
-                    Label { visible: text !== ""; text: row.data.detail; font.pixelSize: 12; color: "#6C6C70" }
+                    Label { text: row.cellData.title; font.pixelSize: 16 }
+                    Label { visible: text !== ""; text: row.cellData.detail; font.pixelSize: 12; color: "#6C6C70" }
                 }
                 Switch {
-                    checked: row.data.checked
+                    checked: row.cellData.checked
                     onToggled: Edit.setSwitch(row.sectionNumber, checked)
                 }
             }
@@ -126,9 +132,9 @@ Page {
         id: disclosureCell
         ItemDelegate {
             id: row
-            property var data: parent ? parent.modelData : ({})
-            property int sectionNumber: parent ? parent.sectionNumber : 0
-            property int rowNumber: parent ? parent.index : 0
+            property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
+            property int sectionNumber: 0
+            property int rowNumber: 0
             height: 48
             background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
             onClicked: Edit.select(row.sectionNumber, row.rowNumber)
@@ -136,13 +142,13 @@ Page {
                 spacing: 8
                 Label {
                     Layout.fillWidth: true
-                    text: row.data.title
+                    text: row.cellData.title
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: row.data.dimmed ? "#C7C7CC" : "#1C1C1E"
+                    color: row.cellData.dimmed ? "#C7C7CC" : "#1C1C1E"
                 }
                 Label {
-                    text: row.data.detail
+                    text: row.cellData.detail
                     visible: text !== ""
                     elide: Text.ElideLeft
                     Layout.maximumWidth: row.width * 0.45
@@ -158,21 +164,21 @@ Page {
         id: editorCell
         Rectangle {
             id: row
-            property var data: parent ? parent.modelData : ({})
+            property var cellData: ({ title: "", value: "", placeholder: "", key: "" })
             height: 56
             color: "#FFFFFF"
             ColumnLayout {
                 anchors.fill: parent
                 anchors.leftMargin: 16; anchors.rightMargin: 16
                 spacing: 0
-                Label { text: row.data.title; font.pixelSize: 12; color: "#6C6C70" }
+                Label { text: row.cellData.title; font.pixelSize: 12; color: "#6C6C70" }
                 TextField {
                     Layout.fillWidth: true
-                    text: row.data.value
-                    placeholderText: row.data.placeholder
+                    text: row.cellData.value
+                    placeholderText: row.cellData.placeholder
                     background: null
                     leftPadding: 0
-                    onEditingFinished: if (text !== row.data.value) Edit.setText(row.data.key, text)
+                    onEditingFinished: if (text !== row.cellData.value) Edit.setText(row.cellData.key, text)
                 }
             }
         }

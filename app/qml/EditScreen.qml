@@ -9,6 +9,7 @@ import Tessorin
 
 Popup {
     id: screen
+    objectName: "editScreen"
     parent: Overlay.overlay
     width: parent ? parent.width : 0
     height: parent ? parent.height : 0
@@ -24,14 +25,30 @@ Popup {
     Component { id: shiftPage; ShiftPage {} }
     Component { id: trackPage; TrackLogPage {} }
     Component { id: iptcPage; IptcPage { editor: Edit.iptcScreen } }
-    Component { id: locationPage; LocationPage { onMapPickerRequested: stack.push(mapPage) } }
+    Component {
+        id: locationPage
+        LocationPage {
+            onMapPickerRequested: stack.push(mapPage)
+            // Its own bar is the search field: the way back is at the bottom.
+            footer: Pane {
+                padding: 4
+                background: Rectangle { color: "#F9F9F9" }
+                Button {
+                    anchors.right: parent.right
+                    text: "Done"
+                    flat: true
+                    font.capitalization: Font.MixedCase
+                    onClicked: stack.pop()
+                }
+            }
+        }
+    }
     Component { id: mapPage; MapPickerPage { onFinished: stack.pop() } }
     readonly property var pages: ({ date: datePage, rotation: rotationPage, shift: shiftPage, track: trackPage,
                                     iptc: iptcPage, location: locationPage })
 
     StackView {
         id: stack
-        objectName: "editStack"
         anchors.fill: parent
         initialItem: editPage
         focus: true
@@ -39,6 +56,8 @@ Popup {
         // Back on the edit page: the rows show what the sub-screen delivered.
         onDepthChanged: if (depth === 1) Edit.reappear()
     }
+    // One screen back, as the back button does.
+    function back() { stack.pop() }
     onOpened: stack.forceActiveFocus()
     onClosed: stack.pop(null)
 
@@ -116,9 +135,16 @@ Popup {
         anchors.centerIn: Overlay.overlay
         modal: true
         property alias text: alertText.text
+        background: CardBackground {}
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, screen.width - 80) }
         footer: DialogButtonBox {
-            Button { text: "Ok"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            background: null
+            Button {
+                text: "Ok"
+                flat: true
+                font.capitalization: Font.MixedCase
+                DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
+            }
         }
         onClosed: Edit.alertDismissed()
     }

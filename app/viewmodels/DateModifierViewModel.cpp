@@ -46,7 +46,8 @@ QVariantList DateModifierViewModel::sections() const {
         return QVariantMap{{"kind", kind}, {"title", title}, {"detail", detail}, {"image", image},
                            {"checked", path == selected_}};
     };
-    QVariantList date{row("date", title_, shown(pickerDate()), {0, 0})};
+    // The own date, with the switch that includes the time beside "Time".
+    QVariantList date{row("date", shown(pickerDate()), QStringLiteral("Time"), {0, 0})};
     if (pickerOpen_) date << row("picker", {}, {}, {0, 1});
     QVariantList photo{row("action", QStringLiteral("From a photo"), {}, {1, 0})};
     if (!fromPhotoThumbnail_.isEmpty()) photo << row("choice", shown(dateFromImage_), {}, {1, 1}, fromPhotoThumbnail_);

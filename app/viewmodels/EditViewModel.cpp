@@ -29,6 +29,13 @@
 
 namespace {
 
+// A label as a row shows it: "Original Date:" → "Original Date".
+QString bare(const std::optional<QString>& label) {
+    QString text = label.value_or(QString());
+    if (text.endsWith(':')) text.chop(1);
+    return text;
+}
+
 QString thumbnailOf(const QString& path) {
     return QStringLiteral("image://thumb/") + QString::fromLatin1(QUrl::toPercentEncoding(path));
 }
@@ -127,12 +134,12 @@ QVariantList EditViewModel::sections() const {
         return r;
     };
     auto editor = [&](const EMRowData& data) {
-        QVariantMap r = row(QStringLiteral("editor"), data.header.value_or(QString()));
+        QVariantMap r = row(QStringLiteral("editor"), bare(data.header));
         const auto v = editors.value(*data.key);
         r["key"] = EditKeys::caseName(*data.key);
         r["value"] = v == kRemovalMark ? data.header.value_or(QString()) + QStringLiteral(" [removed]") : v.value_or(QString());
         r["placeholder"] = multiple ? QStringLiteral("Unchanged")
-                                    : QStringLiteral("Add ") + data.placeholder.value_or(QString()) + QStringLiteral(" here");
+                                    : QStringLiteral("Add ") + bare(data.placeholder) + QStringLiteral(" here");
         return r;
     };
 
@@ -155,7 +162,7 @@ QVariantList EditViewModel::sections() const {
             if (s.switchers[section]) break;
             const QList<EMRowData> dates = EMSections::rows(section);
             for (int i = 0; i < (isVideo_ ? 1 : dates.size()); ++i) {
-                QVariantMap r = row(QStringLiteral("disclosure"), {}, dates[i].header.value_or(QString()));
+                QVariantMap r = row(QStringLiteral("disclosure"), {}, bare(dates[i].header));
                 const auto text = s.value(dates[i].key);
                 auto date = text ? Formatter::exifDate(*text) : std::nullopt;
                 if (text && !date) date = Formatter::parse(*text, Formatter::Style::fullDate);
@@ -163,7 +170,7 @@ QVariantList EditViewModel::sections() const {
                 else if (text && !text->isEmpty()) r["title"] = *text;
                 else {
                     r["title"] = multiple ? QStringLiteral("Unchanged")
-                                          : QStringLiteral("Add ") + dates[i].placeholder.value_or(QString()) + QStringLiteral(" here");
+                                          : QStringLiteral("Add ") + bare(dates[i].placeholder) + QStringLiteral(" here");
                     r["dimmed"] = true;
                 }
                 rows << r;
@@ -311,7 +318,7 @@ void EditViewModel::select(int section, int row) {
             return;
         }
         const EMRowData& data = dates[row - 1];
-        date_->start(data.header.value_or(QString()), *data.key, settings_->date(data.key), assets_.first(),
+        date_->start(bare(data.header), *data.key, settings_->date(data.key), assets_.first(),
                      [live](const QDateTime& d, TSKey k) {
                          if (auto* st = live()) st->setDate(d, k);
                      });
