@@ -60,6 +60,12 @@ void runOffThread(QObject* context, std::function<T()> work, std::function<void(
     watcher->setFuture(QtConcurrent::run(std::move(work)));
 }
 
+// Removes a folder made by newExportFolder; an empty path (none was made) is no folder at all,
+// never the current one.
+void removeFolder(const QString& folder) {
+    if (!folder.isEmpty()) QDir(folder).removeRecursively();
+}
+
 // A folder of its own for the files of one "Save to Files", so that names never clash.
 QString newExportFolder() {
     QTemporaryDir dir(QDir(QDir::tempPath()).filePath(QStringLiteral("tessorin-export-XXXXXX")));
@@ -482,13 +488,15 @@ void EditViewModel::savePhotos(int mode) {
             for (const QString& problem : applyBatch(*p.tags, batch)) Log::info(p.tsAsset->path() + ": " + problem);
         };
     }
-    modifier->modify(*settings_, mode == int(SaveMode::modify));
-    if (!modifier->anyChanged()) {
-        emit alert(QStringLiteral("Nothing changed"), QStringLiteral("No changes to save."));
+    // The wishes are applied on the saving thread too, to a copy: the screen's stay as they are
+    // for a save that changed nothing.
+    auto wishes = std::make_shared<UserSettings>(*settings_);
+    const QString folder = mode == int(SaveMode::files) ? newExportFolder() : QString();
+    if (mode == int(SaveMode::files) && folder.isEmpty()) {
+        emit alert(QString(), QStringLiteral("Error writing data to file"));
         return;
     }
     setActivity(QStringLiteral("Saving Photo..."), int(photos.size()));
-    const QString folder = mode == int(SaveMode::files) ? newExportFolder() : QString();
     QPointer<EditViewModel> self(this);
     modifier->progress = [self](int done) {
         QMetaObject::invokeMethod(self, [self, done] {
@@ -499,7 +507,12 @@ void EditViewModel::savePhotos(int mode) {
     };
     runOffThread<Result>(
         this,
-        [modifier, mode, folder] {
+        [modifier, wishes, mode, folder] {
+            modifier->modify(*wishes, mode == int(SaveMode::modify));
+            if (!modifier->anyChanged()) {
+                removeFolder(folder);
+                return Result{{}, std::nullopt, true};
+            }
             // The library is opened on the thread that uses it.
             library::Library lib;
             modifier->library = &lib;
@@ -508,7 +521,7 @@ void EditViewModel::savePhotos(int mode) {
             modifier->save(SaveMode(mode), [&r](const QStringList& urls, const std::optional<QString>& message) {
                 r = {urls, message};
             });
-            if (r.message && !folder.isEmpty()) QDir(folder).removeRecursively();
+            if (r.message) removeFolder(folder);
             return r;
         },
         [this, mode](const Result& r) { ended(mode, r); });
@@ -524,15 +537,19 @@ void EditViewModel::saveVideo(int mode) {
     }
     auto modifier = std::make_shared<ExifVideoModifier>(std::move(*made));
     modifier->modify(*settings_);
-    setActivity(QStringLiteral("Saving Video..."), 1);
     const QString folder = newExportFolder();
+    if (folder.isEmpty()) {
+        emit alert(QString(), QStringLiteral("Error: Exporting Data"));
+        return;
+    }
+    setActivity(QStringLiteral("Saving Video..."), 1);
     runOffThread<Result>(
         this,
         [modifier, mode, folder]() -> Result {
             // A new library item is written as a file first and then added.
             const auto written = modifier->save(mode == 0 ? 2 : mode, QDir(folder));
             if (const QString* message = std::get_if<QString>(&written)) {
-                QDir(folder).removeRecursively();
+                removeFolder(folder);
                 return {{}, *message};
             }
             const QStringList paths = std::get<QStringList>(written);
@@ -543,7 +560,7 @@ void EditViewModel::saveVideo(int mode) {
             }
             QFile file(paths.value(0));
             const QByteArray data = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-            QDir(folder).removeRecursively();
+            removeFolder(folder);
             if (data.isEmpty()) return {{}, QStringLiteral("Error: Exporting Data")};
             const TagsVideoModifier& tags = modifier->modifing.first().modifier;
             std::optional<library::Location> place;
@@ -563,6 +580,10 @@ void EditViewModel::saveVideo(int mode) {
 void EditViewModel::ended(int mode, const Result& r) {
     setActivity({});
     if (!settings_) return;
+    if (r.nothingChanged) {
+        emit alert(QStringLiteral("Nothing changed"), QStringLiteral("No changes to save."));
+        return;
+    }
     if (r.message) {
         if (!r.message->isEmpty()) emit alert(QString(), *r.message);
         return;

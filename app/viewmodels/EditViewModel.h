@@ -127,6 +127,7 @@ private:
     struct Result {
         QStringList urls;
         std::optional<QString> message;
+        bool nothingChanged = false;
     };
     void requestAsset();
     void setActivity(const QString& text, int total = 0);

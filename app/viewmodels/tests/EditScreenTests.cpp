@@ -200,6 +200,7 @@ TEST_F(EditScreen, NothingChangedAndAnUnreadableItemStopTheSave) {
     const QString a = copy("jpeg/Canon_40D.jpg");
     openOn({a});
     screen.save(0);
+    ASSERT_TRUE(idle());
     ASSERT_EQ(alerts.size(), 1u);
     EXPECT_EQ(alerts[0].title, "Nothing changed");
     EXPECT_EQ(alerts[0].message, "No changes to save.");
