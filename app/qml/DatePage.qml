@@ -9,7 +9,7 @@ import Tessorin
 Page {
     id: page
     readonly property var model: Edit.dateScreen
-    StackView.onRemoved: model.leave()
+    StackView.onRemoved: { model.leave(); Edit.reappear() }
     background: Rectangle { color: "#F2F2F7" }
     header: NavigationBar {
         title: page.model.title

@@ -66,6 +66,14 @@ RowLayout {
                 font.pixelSize: 18
                 color: wheel.activeFocus && Tumbler.displacement === 0 ? "#1E6FD9" : "#1C1C1E"
                 opacity: 1.0 - Math.abs(Tumbler.displacement) / (wheel.visibleItemCount / 2)
+                // A click picks the entry and gives the wheel the keys.
+                TapHandler {
+                    onTapped: {
+                        wheel.forceActiveFocus()
+                        wheel.currentIndex = index
+                        picker.turned()
+                    }
+                }
             }
         }
     }

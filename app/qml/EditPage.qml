@@ -117,8 +117,8 @@ Page {
                     id: texts
                     Layout.fillWidth: true
                     spacing: 1
-                    Label { text: row.cellData.title; font.pixelSize: 16 }
-                    Label { visible: text !== ""; text: row.cellData.detail; font.pixelSize: 12; color: "#6C6C70" }
+                    Label { Layout.fillWidth: true; text: row.cellData.title; font.pixelSize: 16; elide: Text.ElideRight }
+                    Label { Layout.fillWidth: true; visible: text !== ""; text: row.cellData.detail; font.pixelSize: 12; color: "#6C6C70" }
                 }
                 Switch {
                     checked: row.cellData.checked

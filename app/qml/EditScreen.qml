@@ -53,8 +53,8 @@ Popup {
         initialItem: editPage
         focus: true
         Keys.onEscapePressed: depth > 1 ? pop() : Edit.close()
-        // Back on the edit page: the rows show what the sub-screen delivered.
-        onDepthChanged: if (depth === 1) Edit.reappear()
+        // Back on the edit page, once the sub-screen is gone and has delivered: the rows show it.
+        onBusyChanged: if (!busy && depth === 1) Qt.callLater(Edit.reappear)
     }
     // One screen back, as the back button does.
     function back() { stack.pop() }
@@ -67,10 +67,10 @@ Popup {
         function onAlert(title, message) { alert.title = title; alert.text = message; alert.open() }
         function onExportRequested(urls) {
             if (urls.length === 1) {
-                fileDialog.selectedFile = "file://" + StandardPaths.writableLocation(StandardPaths.PicturesLocation)
-                                          + "/" + urls[0].substring(urls[0].lastIndexOf("/") + 1)
+                fileDialog.selectedFile = Edit.exportSuggestion()
                 fileDialog.open()
             } else {
+                folderDialog.currentFolder = Edit.exportSuggestion()
                 folderDialog.open()
             }
         }

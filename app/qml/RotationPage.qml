@@ -8,7 +8,7 @@ import Tessorin
 Page {
     id: page
     readonly property var model: Edit.rotationScreen
-    StackView.onRemoved: model.leave()
+    StackView.onRemoved: { model.leave(); Edit.reappear() }
     background: Rectangle { color: "#F2F2F7" }
     header: NavigationBar {
         title: "Orientation"

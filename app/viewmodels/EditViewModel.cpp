@@ -22,6 +22,7 @@
 #include <QFileInfo>
 #include <QFutureWatcher>
 #include <QPointer>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QtConcurrent>
@@ -598,6 +599,12 @@ void EditViewModel::ended(int mode, const Result& r) {
     if (mode == int(SaveMode::newItem) && !r.urls.isEmpty()) emit newItemSaved(r.urls.last());
     emit saved(mode, r.urls);
     close();
+}
+
+QUrl EditViewModel::exportSuggestion() const {
+    const QDir pictures(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
+    if (exportingUrls_.size() == 1) return QUrl::fromLocalFile(pictures.filePath(QUrl(exportingUrls_.first()).fileName()));
+    return QUrl::fromLocalFile(pictures.path());
 }
 
 void EditViewModel::finishExport(const QUrl& target) {

@@ -101,6 +101,9 @@ public:
     // are copied there when chosen, and deleted in either case.
     Q_INVOKABLE void finishExport(const QUrl& target);
     QStringList exportingUrls() const { return exportingUrls_; }
+    // Where the save dialog starts: the file under its own name in the Pictures folder, or that
+    // folder for many files.
+    Q_INVOKABLE QUrl exportSuggestion() const;
 
     const QList<std::shared_ptr<TSAsset>>& selectedAssets() const { return assets_; }
     UserSettings* settings() { return settings_.get(); }
