@@ -146,6 +146,12 @@ TEST_F(EditScreen, SectionsOfAPhotoAndOfAVideoAndTheNoTagsSwitchKeepsTheWishes) 
     EXPECT_EQ(screen.maxImagesText(), "max 24");
     EXPECT_TRUE(screen.addVisible());
 
+    // The IPTC row opens the IPTC screen on this edit's wishes.
+    screen.select(6, 0);
+    EXPECT_EQ(pushed.last(), "iptc");
+    EXPECT_GT(screen.iptcScreen()->rowCount(), 0);
+    EXPECT_FALSE(screen.iptcScreen()->multi());
+
     // Wishes, then the switches: all rows but the switch go and come back with the wishes.
     pickDate(1, kWished);
     screen.setText("USER_COMMENT", "kept");
