@@ -11,8 +11,11 @@ Popup {
     id: screen
     objectName: "editScreen"
     parent: Overlay.overlay
-    width: parent ? parent.width : 0
-    height: parent ? parent.height : 0
+    // A phone's screen is all edit screen; a tablet's shows it as a sheet in the middle.
+    readonly property bool sheet: parent && parent.width >= 700
+    width: parent ? (sheet ? 620 : parent.width) : 0
+    height: parent ? (sheet ? Math.min(parent.height - 60, 900) : parent.height) : 0
+    anchors.centerIn: parent
     padding: 0
     modal: true
     closePolicy: Popup.NoAutoClose
