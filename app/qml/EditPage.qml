@@ -95,7 +95,12 @@ Page {
                         font.pixelSize: 22
                         enabled: Edit.addEnabled
                         opacity: enabled ? 1.0 : 0.5
-                        onClicked: addDialog.open()
+                        onClicked: addMenu.popup()
+                        Menu {
+                            id: addMenu
+                            MenuItem { text: "From this album..."; onTriggered: albumPicker.open() }
+                            MenuItem { text: "From files..."; onTriggered: addDialog.open() }
+                        }
                     }
                 }
             }
@@ -179,6 +184,78 @@ Page {
                     background: null
                     leftPadding: 0
                     onEditingFinished: if (text !== row.cellData.value) Edit.setText(row.cellData.key, text)
+                }
+            }
+        }
+    }
+
+    // The current album's photos: tap to pick up to the room left, then "Add".
+    Popup {
+        id: albumPicker
+        anchors.centerIn: Overlay.overlay
+        width: Math.min(page.width - 24, 600)
+        height: Math.min(page.height - 80, 640)
+        modal: true
+        padding: 8
+        property var choices: []
+        property var picked: []
+        onAboutToShow: { choices = Edit.albumChoices(); picked = [] }
+        background: CardBackground {}
+        contentItem: ColumnLayout {
+            GridView {
+                id: grid
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                clip: true
+                cellWidth: width / Math.max(1, Math.floor(width / 96))
+                cellHeight: cellWidth
+                model: albumPicker.choices
+                delegate: Item {
+                    id: choice
+                    required property var modelData
+                    width: grid.cellWidth
+                    height: grid.cellHeight
+                    readonly property bool isPicked: albumPicker.picked.indexOf(modelData.path) >= 0
+                    Image {
+                        anchors.fill: parent
+                        anchors.margins: 2
+                        source: choice.modelData.image
+                        sourceSize: Qt.size(192, 192)
+                        fillMode: Image.PreserveAspectCrop
+                        asynchronous: true
+                        opacity: choice.modelData.chosen ? 0.4 : 1.0
+                    }
+                    Label {
+                        visible: choice.isPicked || choice.modelData.chosen
+                        anchors.right: parent.right
+                        anchors.bottom: parent.bottom
+                        anchors.margins: 6
+                        text: "✓"
+                        color: "#FFFFFF"
+                        font.pixelSize: 20
+                        background: Rectangle { color: "#1E6FD9"; radius: 10 }
+                        padding: 2
+                    }
+                    TapHandler {
+                        onTapped: {
+                            const list = albumPicker.picked.slice()
+                            const at = list.indexOf(choice.modelData.path)
+                            if (at >= 0) list.splice(at, 1)
+                            else if (list.length < Edit.room()) list.push(choice.modelData.path)
+                            albumPicker.picked = list
+                        }
+                    }
+                }
+            }
+            RowLayout {
+                Label { Layout.fillWidth: true; text: Edit.maxImagesText; color: "#6C6C70" }
+                Button { text: "Cancel"; flat: true; font.capitalization: Font.MixedCase; onClicked: albumPicker.close() }
+                Button {
+                    text: "Add"
+                    flat: true
+                    font.capitalization: Font.MixedCase
+                    enabled: albumPicker.picked.length > 0
+                    onClicked: { albumPicker.close(); Edit.addFiles(albumPicker.picked) }
                 }
             }
         }

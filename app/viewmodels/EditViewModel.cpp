@@ -12,6 +12,8 @@
 #include "Log.h"
 #include "RotationModifierViewModel.h"
 #include "TSAlbum.h"
+#include "TSFilesAlbum.h"
+#include "TSPhotoAlbum.h"
 #include "TSAsset.h"
 #include "TSMeanings.h"
 #include "TagsPhotoModifier.h"
@@ -266,6 +268,24 @@ void EditViewModel::addFiles(const QStringList& paths) {
     // The alert first; the loading goes on once it is dismissed.
     if (duplicate) emit alert(QStringLiteral("Alert"), QStringLiteral("One or more selected photos are already among the chosen set"));
     else requestAsset();
+}
+
+QVariantList EditViewModel::albumChoices() const {
+    const auto album = TSEnvironment::currentAlbum();
+    const auto* files = dynamic_cast<const TSFilesAlbum*>(album.get());
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(album.get());
+    QStringList chosen;
+    for (const auto& a : assets_) chosen << canonical(a->path());
+    QVariantList out;
+    for (int i = 0; i < album->count(); ++i) {
+        if (album->isVideo(i)) continue;
+        QString path;
+        if (files) path = files->imageUrl(i).value_or(QString());
+        else if (photos && photos->fetchedAssets) path = photos->fetchedAssets->objectAt(i).mainPath();
+        if (path.isEmpty()) continue;
+        out << QVariantMap{{"path", path}, {"image", thumbnailOf(path)}, {"chosen", chosen.contains(canonical(path))}};
+    }
+    return out;
 }
 
 void EditViewModel::alertDismissed() { requestAsset(); }

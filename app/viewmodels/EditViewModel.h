@@ -76,6 +76,9 @@ public:
     // The add button's picks: files already chosen raise the duplicate alert, the others are read
     // one at a time ("Loading Photo...").
     Q_INVOKABLE void addFiles(const QStringList& paths);
+    // The add button's picker over the current album: its photos as {path, image, chosen}, chosen
+    // being already among the selected items.
+    Q_INVOKABLE QVariantList albumChoices() const;
     // The duplicate alert was dismissed: the loading goes on.
     Q_INVOKABLE void alertDismissed();
     Q_INVOKABLE void setSwitch(int section, bool on);

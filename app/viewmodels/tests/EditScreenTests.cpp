@@ -9,6 +9,7 @@
 #include "Recent.h"
 #include "RotationModifierViewModel.h"
 #include "TSAsset.h"
+#include "TSFilesAlbum.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -187,6 +188,16 @@ TEST_F(EditScreen, PickingAddsOneAtATimeAndADuplicateIsToldWhileTheOthersAreAdde
     EXPECT_EQ(screen.activity(), "Loading Photo...");
     ASSERT_TRUE(idle());
     EXPECT_EQ(screen.thumbnails().size(), 2);
+
+    // The picker over the current album offers its photos, the chosen ones marked.
+    auto album = std::make_shared<TSFilesAlbum>();
+    album->loadBookmarks({a, b, c, copy("video/small_video.mp4")});
+    TSEnvironment::setCurrentAlbum(album);
+    const QVariantList offered = screen.albumChoices();
+    TSEnvironment::setCurrentAlbum(nullptr);
+    ASSERT_EQ(offered.size(), 3);
+    EXPECT_TRUE(offered[1].toMap()["chosen"].toBool());
+    EXPECT_FALSE(offered[2].toMap()["chosen"].toBool());
 
     screen.addFiles({a, c});
     ASSERT_EQ(alerts.size(), 1u);
