@@ -4,6 +4,8 @@
 #include "AppController.h"
 #include "AppModels.h"
 #include "DetailViewModel.h"
+#include "DateModifierViewModel.h"
+#include "EditViewModel.h"
 #include "GroupViewModel.h"
 #include "LocationModifierViewModel.h"
 #include "MapPickerViewModel.h"
@@ -115,6 +117,8 @@ void Screenshots::drawAt(const QString& prefix, int width, int height, const QSt
     set(models_.detail, "fullScreen", true);
     shoot("full-screen");
     set(models_.detail, "fullScreen", false);
+
+    editScreens(files);
 
     set(models_.share, "menuOpen", true);
     shoot("share-menu");
@@ -267,6 +271,55 @@ void Screenshots::iptcScreens(const QStringList& files) {
         close(item, "templateForm");
         editor.finishTemplate(false);
     }
+}
+
+void Screenshots::editScreens(const QStringList& files) {
+    EditViewModel& edit = *models_.edit;
+    QObject* stack = window_->findChild<QObject*>(QStringLiteral("editScreen"));
+    if (!stack || !edit.openCurrent()) {
+        std::fprintf(stderr, "note: no edit screen\n");
+        return;
+    }
+    auto pop = [&] {
+        QMetaObject::invokeMethod(stack, "back");
+        settle();
+    };
+    shoot("edit");
+    QStringList photos, videos;
+    const QString current = edit.selectedAssets().first()->path();
+    for (const QString& f : files)
+        if (f != current) (f.endsWith(".mov", Qt::CaseInsensitive) || f.endsWith(".mp4", Qt::CaseInsensitive) ? videos : photos) << f;
+    edit.addFiles(photos.mid(0, 3));
+    for (int i = 0; i < 100 && edit.loading(); ++i) settle(100);
+    shoot("edit-many");
+    edit.select(2, 1);
+    edit.dateScreen()->tap(0, 0);
+    shoot("edit-date");
+    pop();
+    edit.select(4, 0);
+    shoot("edit-rotation");
+    pop();
+    edit.setShift(QStringLiteral("+0:52"));
+    edit.select(2, 3);
+    shoot("edit-shift");
+    pop();
+    edit.select(3, 2);
+    shoot("edit-track");
+    pop();
+    edit.select(3, 1);
+    shoot("edit-location");
+    pop();
+    if (QObject* sheet = window_->findChild<QObject*>(QStringLiteral("saveSheet"))) {
+        QMetaObject::invokeMethod(sheet, "open");
+        shoot("edit-save");
+        QMetaObject::invokeMethod(sheet, "close");
+    }
+    edit.close();
+    if (!videos.isEmpty() && edit.openFile(videos.first())) {
+        shoot("edit-video");
+        edit.close();
+    }
+    settle(300);
 }
 
 int Screenshots::run(const QString& outputDir, const QStringList& files) {

@@ -30,6 +30,9 @@ private:
     void drawAt(const QString& prefix, int width, int height, const QStringList& files);
     // The IPTC screen for one photo and for three, its contact and template forms and its choosers.
     void iptcScreens(const QStringList& files);
+    // The edit screen on the item in view, then on three photos with its sub-screens and the save
+    // question, then on a video.
+    void editScreens(const QStringList& files);
     // Lets transitions, loading and thumbnails finish.
     void settle(int ms = 700);
     void shoot(const QString& name);

@@ -58,6 +58,14 @@ ApplicationWindow {
 
     LibraryDialogs {}
 
+    // The edit screen, over everything; Ctrl+E opens it on the item in view.
+    EditScreen {}
+    Shortcut {
+        sequence: "Ctrl+E"
+        enabled: !Edit.active && Detail.count > 0
+        onActivated: Edit.openCurrent()
+    }
+
     Connections {
         target: App
         function onPushed(screen) { stack.push(window.pages[screen]) }

@@ -11,6 +11,7 @@
 #include "TSPhotoAlbum.h"
 #include "DetailTableModel.h"
 #include "DetailViewModel.h"
+#include "EditViewModel.h"
 #include "GroupViewModel.h"
 #include "LocationModifierViewModel.h"
 #include "MapPickerViewModel.h"
@@ -36,7 +37,10 @@ AppModels::AppModels(QObject* parent)
       addressList(new AddressListModel(this)),
       location(new LocationModifierViewModel({}, this)),
       mapPicker(new MapPickerViewModel(this)),
-      resources(new ResourcesViewModel(this)) {
+      resources(new ResourcesViewModel(this)),
+      edit(new EditViewModel(this)) {
+    // The edit screen's location row opens the location screen on the edit's wishes.
+    edit->setLocationScreen(location);
     // The map picker hands its place back to the location screen.
     mapPicker->locationDelegate = [this](const HRLocation& l) { location->didChooseMapLocation(l); };
     connect(location, &LocationModifierViewModel::settingsRequested, app, &AppController::openSettings);
@@ -114,4 +118,5 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "LocationScreen", location);
     qmlRegisterSingletonInstance(uri, 1, 0, "MapPicker", mapPicker);
     qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Edit", edit);
 }

@@ -23,6 +23,7 @@ class AddressListModel;
 class LocationModifierViewModel;
 class MapPickerViewModel;
 class ResourcesViewModel;
+class EditViewModel;
 
 class AppModels : public QObject {
     Q_OBJECT
@@ -50,9 +51,10 @@ public:
     LocationModifierViewModel* location;
     MapPickerViewModel* mapPicker;
     ResourcesViewModel* resources;
+    EditViewModel* edit;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
-    // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen, MapPicker and
-    // Resources. Call once, before loading QML.
+    // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen, MapPicker,
+    // Resources and Edit. Call once, before loading QML.
     void registerWithQml();
 };

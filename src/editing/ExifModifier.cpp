@@ -125,6 +125,7 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
         if (const auto difference = WriteCheck::readBackDifference(before, dict, std::get<QByteArray>(written.dataSource)))
             throw TSError("The written file differs from the wishes: " + *difference);
         done << written;
+        if (progress) progress(int(done.size()));
     }
     return done;
 }

@@ -26,6 +26,8 @@ public:
     // Per-photo wishes run after the shared ones and before each photo's tags are committed:
     // those that start from each photo's own values (a date shift, a track log).
     std::function<void(ModifyingPhotoAsset&)> eachPhoto;
+    // Told the number of photos rewritten so far, after each one; called on the saving thread.
+    std::function<void(int done)> progress;
 
     explicit ExifModifier(QList<ModifyingPhotoAsset> modifing);
 

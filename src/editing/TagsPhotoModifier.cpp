@@ -94,15 +94,20 @@ void TagsPhotoModifier::apply(TSKey key, const UserSettings& settings, const TSM
     // The creator contact dictionary is written field by field by applyCreatorContact.
     if (!c || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return;
     std::optional<QString> value;
-    if (settings.properties.properties.contains(c->key)) {
+    const bool wished = settings.properties.properties.contains(c->key);
+    if (wished) {
         const QString wish = settings.properties.properties.value(c->key);
         value = TSMeanings::valueText(wish, human).value_or(wish);
     } else {
         value = string(record, key, human);
     }
-    if (setText(c->key, c->dict, value)) changed = true;
-    if (const auto coupled = coupledCoord(key))
-        if (setText(coupled->key, coupled->dict, value)) changed = true;
+    // A key rewritten with its own value goes into a save that happens anyway, but is no reason
+    // to save: its coupled tag (TIFF DateTime following DateTimeOriginal) or a blank comment
+    // dropped are not what the user asked for.
+    const bool primary = setText(c->key, c->dict, value);
+    const auto coupled = coupledCoord(key);
+    const bool second = coupled && setText(coupled->key, coupled->dict, value);
+    if (wished && (primary || second)) changed = true;
 }
 
 void TagsPhotoModifier::applyCreatorContact(const UserSettings& settings, const TSMetaData& record) {

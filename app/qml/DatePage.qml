@@ -1,0 +1,118 @@
+// The date screen: the own date with its picker, a date from a photo, the current item's date
+// and the recent dates. Leaving it hands the checked row's date over.
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Dialogs
+import QtQuick.Layouts
+import Tessorin
+
+Page {
+    id: page
+    readonly property var model: Edit.dateScreen
+    StackView.onRemoved: { model.leave(); Edit.reappear() }
+    background: Rectangle { color: "#F2F2F7" }
+    header: NavigationBar {
+        title: page.model.title
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: "#1E6FD9"; onClicked: page.StackView.view.pop() }
+    }
+
+    Connections {
+        target: page.model
+        function onPhotoPickerRequested() { photoDialog.open() }
+    }
+
+    ListView {
+        id: list
+        anchors.fill: parent
+        clip: true
+        model: page.model.sections
+        delegate: Column {
+            id: section
+            required property var modelData
+            required property int index
+            width: list.width
+            Label {
+                text: section.modelData.header
+                visible: text !== ""
+                leftPadding: 16; topPadding: 18; bottomPadding: 6
+                font.pixelSize: 13
+                color: "#6D6D72"
+            }
+            Item { width: 1; height: 18; visible: section.modelData.header === "" }
+            Repeater {
+                model: section.modelData.rows
+                delegate: Loader {
+                    required property var modelData
+                    required property int index
+                    property int sectionNumber: section.index
+                    onLoaded: {
+                        if (item.cellData !== undefined) item.cellData = modelData
+                        if (item.sectionNumber !== undefined) item.sectionNumber = sectionNumber
+                        if (item.rowNumber !== undefined) item.rowNumber = index
+                    }
+                    width: list.width
+                    sourceComponent: modelData.kind === "picker" ? pickerRow : plainRow
+                }
+            }
+        }
+    }
+
+    Component {
+        id: plainRow
+        ItemDelegate {
+            id: row
+            property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
+            property int sectionNumber: 0
+            property int rowNumber: 0
+            height: cellData.image !== "" ? 72 : 48
+            background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
+            onClicked: page.model.tap(row.sectionNumber, row.rowNumber)
+            contentItem: RowLayout {
+                spacing: 10
+                Image {
+                    visible: row.cellData.image !== ""
+                    source: row.cellData.image
+                    sourceSize: Qt.size(56, 56)
+                    Layout.preferredWidth: 56; Layout.preferredHeight: 56
+                    fillMode: Image.PreserveAspectCrop
+                }
+                Label {
+                    Layout.fillWidth: true
+                    text: row.cellData.title
+                    elide: Text.ElideRight
+                    font.pixelSize: 16
+                    color: row.cellData.kind === "action" ? "#1E6FD9" : "#1C1C1E"
+                }
+                Label { visible: row.cellData.detail !== ""; text: row.cellData.detail; color: "#6C6C70"; font.pixelSize: 14 }
+                Switch {
+                    visible: row.cellData.kind === "date"
+                    checked: page.model.withTime
+                    onToggled: page.model.withTime = checked
+                }
+                Label { visible: row.cellData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+            }
+        }
+    }
+
+    Component {
+        id: pickerRow
+        Rectangle {
+            height: 180
+            color: "#FFFFFF"
+            DateTimePicker {
+                anchors.fill: parent
+                anchors.margins: 10
+                date: page.model.pickerDate
+                withTime: page.model.withTime
+                onMoved: d => page.model.setPickerDate(d)
+            }
+        }
+    }
+
+    FileDialog {
+        id: photoDialog
+        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)"]
+        onAccepted: page.model.choosePhoto(selectedFile.toString())
+        onRejected: page.model.choosePhoto("")
+    }
+}

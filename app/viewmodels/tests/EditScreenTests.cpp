@@ -1,0 +1,516 @@
+// The edit screen driven like a user over a real library in the test's folder: its sections and
+// switches, the selected items, the date and orientation screens, the save question, and saves
+// in every mode read back by exiftool, exiv2 and ffprobe.
+#include "DateModifierViewModel.h"
+#include "EditViewModel.h"
+#include "Isolation.h"
+#include "Library.h"
+#include "LocationModifierViewModel.h"
+#include "Recent.h"
+#include "RotationModifierViewModel.h"
+#include "TSAsset.h"
+#include "TSFilesAlbum.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QGeoPositionInfoSource>
+#include <QGuiApplication>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUrl>
+
+using namespace testsupport;
+
+namespace {
+
+bool waitUntil(const std::function<bool()>& done, int ms = 60000) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!done() && timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return done();
+}
+
+struct Alert {
+    QString title, message;
+};
+
+class EditScreen : public IsolatedTest {
+protected:
+    void SetUp() override {
+        recents::dates().arrayList.clear();
+        recents::locations().arrayList.clear();
+        QObject::connect(&screen, &EditViewModel::alert, [this](const QString& t, const QString& m) { alerts.push_back({t, m}); });
+        QObject::connect(&screen, &EditViewModel::pushRequested, [this](const QString& s) { pushed << s; });
+        QObject::connect(&screen, &EditViewModel::saved, [this](int, const QStringList& ids) { savedIds = ids; });
+        libraryFolder = library::Library::defaultFolders().first();
+        QDir().mkpath(libraryFolder);
+    }
+    void TearDown() override {
+        recents::dates().arrayList.clear();
+        recents::locations().arrayList.clear();
+    }
+
+    // A corpus file copied into the test's folder (`inLibrary`: into the library, then scanned).
+    QString copy(const QString& corpusRelative, bool inLibrary = false) {
+        const QString source = corpusDir() + '/' + corpusRelative;
+        const QString target = (inLibrary ? libraryFolder : isolation().root()) + '/' + QFileInfo(source).fileName();
+        EXPECT_TRUE(QFile::copy(source, target)) << source.toStdString();
+        QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
+        if (inLibrary) library::Library().scan();
+        return target;
+    }
+    bool idle() { return waitUntil([this] { return screen.activity().isEmpty() && !screen.loading(); }); }
+    // The screen on these files, the first opened, the rest picked with the add button.
+    void openOn(const QStringList& paths) {
+        ASSERT_TRUE(screen.openFile(paths.first()));
+        if (paths.size() > 1) screen.addFiles(paths.mid(1));
+        ASSERT_TRUE(idle());
+        ASSERT_EQ(screen.selectedAssets().size(), paths.size());
+    }
+    QVariantMap section(int n) {
+        for (const QVariant& s : screen.sections())
+            if (s.toMap()["section"].toInt() == n) return s.toMap();
+        return {};
+    }
+    QVariantList rows(int n) { return section(n)["rows"].toList(); }
+    QString rowTitle(int s, int r) { return rows(s).value(r).toMap()["title"].toString(); }
+    QStringList sectionTitles() {
+        QStringList out;
+        for (const QVariant& s : screen.sections()) out << s.toMap()["title"].toString();
+        return out;
+    }
+    // The date screen of a date row, the picker moved to `date`, then left.
+    void pickDate(int row, const QDateTime& date) {
+        screen.select(2, row);
+        ASSERT_EQ(pushed.last(), "date");
+        screen.dateScreen()->tap(0, 0);
+        screen.dateScreen()->setPickerDate(date);
+        screen.dateScreen()->leave();
+        screen.reappear();
+    }
+    // The location screen: a place from the map picker, then left.
+    void pickPlace(double latitude, double longitude) {
+        LocationModifierViewModel places([](QObject* parent) { return QGeoPositionInfoSource::createSource("none", parent); });
+        screen.setLocationScreen(&places);
+        screen.select(3, 1);
+        ASSERT_EQ(pushed.last(), "location");
+        HRLocation chosen;
+        chosen.title = QStringLiteral("Chosen on the map");
+        chosen.location = GeoLocation(latitude, longitude);
+        places.didChooseMapLocation(chosen);
+        places.leave();
+        screen.reappear();
+        screen.setLocationScreen(nullptr);
+    }
+    void save(int mode) {
+        alerts.clear();
+        screen.save(mode);
+        ASSERT_EQ(screen.activity(), screen.selectedAssets().first()->isVideo() ? "Saving Video..." : "Saving Photo...");
+        ASSERT_TRUE(idle());
+        for (const Alert& a : alerts) ADD_FAILURE() << a.title.toStdString() << ": " << a.message.toStdString();
+    }
+
+    EditViewModel screen;
+    std::vector<Alert> alerts;
+    QStringList pushed;
+    QStringList savedIds;
+    QString libraryFolder;
+};
+
+const QDateTime kWished(QDate(2021, 6, 1), QTime(12, 34, 56));
+
+}  // namespace
+
+TEST_F(EditScreen, SectionsOfAPhotoAndOfAVideoAndTheNoTagsSwitchKeepsTheWishes) {
+    openOn({copy("jpeg/Canon_40D.jpg")});
+    EXPECT_EQ(screen.title(), "");
+    EXPECT_EQ(sectionTitles(), QStringList({"", "No Tags", "Date and time", "Location", "Orientation", "User Comment",
+                                            "IPTC tags", "Camera"}));
+    EXPECT_EQ(rowTitle(1, 0), "Image structure tags only");
+    EXPECT_EQ(rowTitle(2, 0), "No Date and Time tags");
+    // The item's own dates, as the details write them.
+    EXPECT_EQ(rowTitle(2, 1), fullDateText(QDateTime(QDate(2008, 5, 30), QTime(15, 56, 1))));
+    EXPECT_EQ(rowTitle(3, 0), "No location tag");
+    EXPECT_EQ(rowTitle(3, 1), "No location data in image");
+    EXPECT_EQ(rowTitle(4, 0), "Unchanged");
+    EXPECT_EQ(rowTitle(6, 0), "Edit IPTC tags");
+    EXPECT_EQ(rows(7).size(), 6);
+    EXPECT_EQ(rows(7)[0].toMap()["title"].toString(), "Camera Model");
+    EXPECT_EQ(rows(7)[0].toMap()["value"].toString(), "Canon EOS 40D");
+    EXPECT_EQ(rows(5)[0].toMap()["placeholder"].toString(), "Add a comment here");
+    EXPECT_EQ(screen.maxImagesText(), "max 24");
+    EXPECT_TRUE(screen.addVisible());
+
+    // The IPTC row opens the IPTC screen on this edit's wishes.
+    screen.select(6, 0);
+    EXPECT_EQ(pushed.last(), "iptc");
+    EXPECT_GT(screen.iptcScreen()->rowCount(), 0);
+    EXPECT_FALSE(screen.iptcScreen()->multi());
+
+    // Wishes, then the switches: all rows but the switch go and come back with the wishes.
+    pickDate(1, kWished);
+    screen.setText("USER_COMMENT", "kept");
+    screen.setSwitch(1, true);
+    EXPECT_EQ(screen.sections().size(), 2);
+    screen.setSwitch(1, false);
+    EXPECT_EQ(screen.sections().size(), 8);
+    EXPECT_EQ(rowTitle(2, 1), fullDateText(kWished));
+    EXPECT_EQ(rows(5)[0].toMap()["value"].toString(), "kept");
+    screen.setSwitch(2, true);
+    EXPECT_EQ(rows(2).size(), 1);
+    screen.setSwitch(3, true);
+    EXPECT_EQ(rows(3).size(), 1);
+    screen.setSwitch(2, false);
+    EXPECT_EQ(rowTitle(2, 1), fullDateText(kWished));
+
+    // A video: four sections, its own texts, no adding.
+    openOn({copy("video/apple_meta.mov")});
+    EXPECT_EQ(screen.title(), "Change Video Tags");
+    EXPECT_EQ(sectionTitles(), QStringList({"", "No Tags", "Date and time", "Location"}));
+    EXPECT_EQ(rowTitle(1, 0), "No extra data");
+    EXPECT_EQ(rows(1)[0].toMap()["detail"].toString(), "May result in a different rotation");
+    EXPECT_EQ(rows(2).size(), 2);
+    EXPECT_FALSE(screen.addVisible());
+    screen.setSwitch(1, true);
+    EXPECT_EQ(screen.sections().size(), 2);
+}
+
+TEST_F(EditScreen, PickingAddsOneAtATimeAndADuplicateIsToldWhileTheOthersAreAdded) {
+    const QString a = copy("jpeg/Canon_40D.jpg"), b = copy("jpeg/Nikon_D70.jpg"), c = copy("heif/Stonehenge.heic");
+    ASSERT_TRUE(screen.openFile(a));
+    screen.addFiles({b});
+    EXPECT_EQ(screen.activity(), "Loading Photo...");
+    ASSERT_TRUE(idle());
+    EXPECT_EQ(screen.thumbnails().size(), 2);
+
+    // The picker over the current album offers its photos, the chosen ones marked.
+    auto album = std::make_shared<TSFilesAlbum>();
+    album->loadBookmarks({a, b, c, copy("video/small_video.mp4")});
+    TSEnvironment::setCurrentAlbum(album);
+    const QVariantList offered = screen.albumChoices();
+    TSEnvironment::setCurrentAlbum(nullptr);
+    ASSERT_EQ(offered.size(), 3);
+    EXPECT_TRUE(offered[1].toMap()["chosen"].toBool());
+    EXPECT_FALSE(offered[2].toMap()["chosen"].toBool());
+
+    screen.addFiles({a, c});
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "Alert");
+    EXPECT_EQ(alerts[0].message, "One or more selected photos are already among the chosen set");
+    screen.alertDismissed();
+    ASSERT_TRUE(idle());
+    ASSERT_EQ(screen.selectedAssets().size(), 3);
+    EXPECT_EQ(screen.selectedAssets()[2]->path(), c);
+    // The first item still seeds the wishes, and rows of many items say so.
+    EXPECT_EQ(screen.room(), 21);
+    EXPECT_EQ(rowTitle(3, 1), "Unchanged");
+    EXPECT_EQ(rows(5)[0].toMap()["placeholder"].toString(), "Unchanged");
+}
+
+TEST_F(EditScreen, NothingChangedAndAnUnreadableItemStopTheSave) {
+    const QString a = copy("jpeg/Canon_40D.jpg");
+    openOn({a});
+    screen.save(0);
+    ASSERT_TRUE(idle());
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "Nothing changed");
+    EXPECT_EQ(alerts[0].message, "No changes to save.");
+    EXPECT_TRUE(screen.activity().isEmpty());
+
+    // An empty file among the picks: nothing is saved.
+    const QString empty = isolation().root() + "/empty.jpg";
+    QFile(empty).open(QIODevice::WriteOnly);
+    screen.addFiles({empty});
+    ASSERT_TRUE(idle());
+    pickDate(1, kWished);
+    alerts.clear();
+    screen.save(2);
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].message, "Error getting image data");
+    EXPECT_TRUE(screen.exportingUrls().isEmpty());
+}
+
+TEST_F(EditScreen, TheSaveQuestionFollowsWhatIsSelected) {
+    const QString own = copy("jpeg/Canon_40D.jpg", true), own2 = copy("jpeg/Nikon_D70.jpg", true);
+    const QString outside = copy("heif/Stonehenge.heic");
+    auto ask = [&](const QStringList& paths) {
+        openOn(paths);
+        const QVariantMap alert = screen.saveAlert();
+        QStringList actions;
+        for (const QVariant& a : alert["actions"].toList()) actions << a.toMap()["title"].toString();
+        return std::make_pair(alert["message"].toString(), actions);
+    };
+    const QStringList all{"New Picture", "Modify", "Save to Files", "Cancel"};
+    const QStringList noModify{"New Picture", "Save to Files", "Cancel"};
+    EXPECT_EQ(ask({own}), std::make_pair(QString("Save a new picture or modify the current one?"), all));
+    EXPECT_EQ(ask({outside}), std::make_pair(QString("Save a new picture"), noModify));
+    EXPECT_EQ(ask({own, own2}), std::make_pair(QString("Save new pictures or modify the current ones?"), all));
+    EXPECT_EQ(ask({own, outside}), std::make_pair(QString("Save new pictures"), noModify));
+    EXPECT_EQ(ask({copy("video/small_video.mp4", true)}),
+              std::make_pair(QString("Save a new video"), QStringList({"New Video", "Save to Files", "Cancel"})));
+}
+
+TEST_F(EditScreen, DateScreenDeliversTheChosenRowAndUntouchedTheItemsOwnDate) {
+    // The first item has no dates: with two items its rows read "Unchanged", with one "Add ... here".
+    const QString bare = isolation().root() + "/bare.jpg";
+    QImage pixels(16, 16, QImage::Format_RGB32);
+    pixels.fill(Qt::red);
+    ASSERT_TRUE(pixels.save(bare, "JPG"));
+    openOn({bare});
+    EXPECT_TRUE(rowTitle(2, 2).startsWith("Add ")) << rowTitle(2, 2).toStdString();
+    EXPECT_TRUE(rowTitle(2, 2).endsWith(" here"));
+    const QString canon = copy("jpeg/Canon_40D.jpg");
+    openOn({bare, canon});
+    EXPECT_EQ(rowTitle(2, 2), "Unchanged");
+    EXPECT_TRUE(rows(2)[2].toMap()["dimmed"].toBool());
+    screen.select(2, 2);
+    DateModifierViewModel& dates = *screen.dateScreen();
+    const QVariantList s = dates.sections();
+    EXPECT_EQ(s[2].toMap()["header"].toString(), "From current photo ");
+    EXPECT_EQ(s[3].toMap()["header"].toString(), "");  // no recent dates yet
+    // Left untouched with no date of the item's own: the present moment.
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    dates.leave();
+    screen.reappear();
+    const auto delivered = screen.settings()->date(TSKey::EXIF_DIGITIZED_DATE);
+    ASSERT_TRUE(delivered);
+    EXPECT_GE(*delivered, before);
+    EXPECT_EQ(rowTitle(2, 2), fullDateText(*delivered));
+
+    // Left untouched: the current item's own date.
+    const QDateTime own(QDate(2008, 5, 30), QTime(15, 56, 1));
+    openOn({canon, bare});
+    screen.select(2, 2);
+    dates.leave();
+    EXPECT_EQ(screen.settings()->date(TSKey::EXIF_DIGITIZED_DATE), own);
+
+    // The picker: the date row opens it; the date moved is the one delivered. Without the time
+    // only the day changes.
+    screen.select(2, 1);
+    dates.tap(0, 0);
+    EXPECT_EQ(dates.sections()[0].toMap()["rows"].toList().size(), 2);
+    dates.setWithTime(false);
+    dates.setPickerDate(QDateTime(QDate(2020, 2, 29), QTime(1, 2, 3)));
+    EXPECT_EQ(dates.chosenDate(), QDateTime(QDate(2020, 2, 29), own.time()));
+    // A row from another photo, then a recent date.
+    dates.choosePhoto(copy("heif/Stonehenge.heic"));
+    EXPECT_EQ(dates.selectedPath(), (DateModifierViewModel::IndexPath{1, 1}));
+    EXPECT_EQ(dates.chosenDate(), QDateTime(QDate(2015, 7, 16), QTime(15, 38, 54)));
+    dates.leave();
+    screen.reappear();
+    EXPECT_EQ(rowTitle(2, 1), fullDateText(QDateTime(QDate(2015, 7, 16), QTime(15, 38, 54))));
+
+    recents::dates().add(kWished);
+    screen.select(2, 1);
+    EXPECT_EQ(dates.sections()[3].toMap()["header"].toString(), "Most recent");
+    dates.tap(3, 0);
+    dates.leave();
+    EXPECT_EQ(screen.settings()->date(TSKey::EXIF_DATE), kWished);
+}
+
+TEST_F(EditScreen, OrientationScreenKeepsAnEarlierWishWhenThePresentOneIsChosen) {
+    openOn({copy("jpeg/Canon_40D.jpg")});
+    screen.select(4, 0);
+    ASSERT_EQ(pushed.last(), "rotation");
+    RotationModifierViewModel& rotation = *screen.rotationScreen();
+    const QVariantList rows = rotation.rows();
+    ASSERT_EQ(rows.size(), 8);
+    EXPECT_EQ(rows[0].toMap()["title"].toString(), "Horizontal");
+    EXPECT_EQ(rows[5].toMap()["title"].toString(), "Rotate 90° CW");
+    EXPECT_EQ(rows[7].toMap()["image"].toString(), "qrc:/icons/o8.svg");
+    EXPECT_TRUE(rows[0].toMap()["checked"].toBool());
+    rotation.tap(5);
+    rotation.leave();
+    screen.reappear();
+    EXPECT_EQ(rowTitle(4, 0), "Rotate 90° CW");
+
+    screen.select(4, 0);
+    rotation.tap(0);  // the photo's own orientation
+    rotation.leave();
+    EXPECT_EQ(screen.settings()->finalOrientation, 6);
+    EXPECT_EQ(RotationModifierViewModel::meaning(9), "Unknown");
+}
+
+// Date and place of a JPEG, a HEIC and a raw photo: each mode read back by the independent readers.
+class EditSaves : public EditScreen {
+protected:
+    QStringList photos(bool inLibrary) {
+        return {copy("jpeg/Canon_40D.jpg", inLibrary), copy("heif/Stonehenge.heic", inLibrary),
+                copy("tiff/BSG1.tiff", inLibrary)};
+    }
+    void wish() {
+        pickDate(1, kWished);
+        pickPlace(45.5, 9.2);
+        EXPECT_EQ(rowTitle(2, 1), fullDateText(kWished));
+        EXPECT_NE(rowTitle(3, 1), "Unchanged");
+    }
+    // The written file says what was wished, keeps the camera and its coded image.
+    static void expectWishes(const QString& source, const QString& written) {
+        SCOPED_TRACE(written.toStdString());
+        const QJsonObject after = exiftoolJson(written, {"-n", "-G1"}).toObject();
+        const QJsonObject before = exiftoolJson(source, {"-n", "-G1"}).toObject();
+        EXPECT_EQ(after["ExifIFD:DateTimeOriginal"].toString(), "2021:06:01 12:34:56");
+        EXPECT_NEAR(after["GPS:GPSLatitude"].toDouble(), 45.5, 1e-6);
+        EXPECT_NEAR(after["GPS:GPSLongitude"].toDouble(), 9.2, 1e-6);
+        // Every other tag reads as before. Exempt: the file system's and exiftool's own, the
+        // place, the date and what follows it (DateTime, XMP's modify and creation dates), the
+        // software and what follows it (XMP's creator tool, the XMP writer), a blank comment
+        // dropped, and where the container keeps the unchanged image data (checked below).
+        static const QStringList exempt{"SourceFile", "ExifIFD:DateTimeOriginal", "IFD0:ModifyDate", "IFD0:Software",
+                                        "ExifIFD:UserComment", "XMP-photoshop:DateCreated", "XMP-xmp:ModifyDate",
+                                        "XMP-xmp:CreatorTool", "XMP-x:XMPToolkit", "ExifTool:Warning",
+                                        "IFD1:ThumbnailOffset", "QuickTime:MediaDataOffset", "QuickTime:MediaDataSize",
+                                        "IFD0:StripOffsets"};
+        for (auto it = before.begin(); it != before.end(); ++it) {
+            const QString& k = it.key();
+            if (k.startsWith("System:") || k.startsWith("File:") || k.startsWith("Composite:") || k.startsWith("GPS:") ||
+                exempt.contains(k))
+                continue;
+            EXPECT_TRUE(after[k] == it.value())
+                << k.toStdString() << ": " << QJsonDocument(QJsonArray{it.value(), after[k]}).toJson(QJsonDocument::Compact).toStdString();
+        }
+        const ProcessResult exiv2 = run("exiv2", {"-q", "-K", "Exif.Photo.DateTimeOriginal", "-Pv", written});
+        EXPECT_EQ(exiv2.out.trimmed(), "2021:06:01 12:34:56");
+    }
+};
+
+TEST_F(EditSaves, NewItemsLandInTheApplicationsAlbum) {
+    const QStringList sources = photos(false);
+    openOn(sources);
+    wish();
+    save(0);
+    ASSERT_EQ(savedIds.size(), 3);
+    EXPECT_FALSE(screen.active());
+    library::Library lib;
+    const auto album = lib.album(library::Library::applicationAlbumTitle());
+    ASSERT_TRUE(album);
+    EXPECT_EQ(lib.fetchAssets(album->identifier).count(), 3);
+    for (int i = 0; i < 3; ++i) {
+        const auto item = lib.asset(savedIds[i]);
+        ASSERT_TRUE(item);
+        expectWishes(sources[i], item->mainPath());
+        expectSameImage(sources[i], item->mainPath());
+    }
+    // The wished date and place are the recent ones now.
+    ASSERT_FALSE(recents::dates().arrayList.isEmpty());
+    EXPECT_EQ(recents::dates().arrayList.first(), kWished);
+}
+
+TEST_F(EditSaves, ModifyEditsTheLibraryItemsAndRevertBringsThemBack) {
+    const QStringList sources = photos(true);
+    QList<QByteArray> originals;
+    for (const QString& s : sources) originals << readFile(s);
+    openOn(sources);
+    wish();
+    save(1);
+    ASSERT_EQ(savedIds.size(), 3);
+    library::Library lib;
+    for (int i = 0; i < 3; ++i) {
+        const auto item = lib.asset(savedIds[i]);
+        ASSERT_TRUE(item && item->isEdited());
+        const QJsonObject after = exiftoolJson(item->mainPath(), {"-n", "-G1"}).toObject();
+        EXPECT_EQ(after["ExifIFD:DateTimeOriginal"].toString(), "2021:06:01 12:34:56") << sources[i].toStdString();
+        EXPECT_NEAR(after["GPS:GPSLatitude"].toDouble(), 45.5, 1e-6);
+        // Drawn upright in place.
+        EXPECT_EQ(after["IFD0:Orientation"].toInt(1), 1);
+        ASSERT_TRUE(lib.revert(savedIds[i]));
+        EXPECT_EQ(readFile(lib.asset(savedIds[i])->mainPath()), originals[i]);
+    }
+}
+
+TEST_F(EditSaves, SaveToFilesOffersTheFilesAndDeletesThemAfterwards) {
+    const QStringList sources = photos(false);
+    openOn(sources);
+    wish();
+    save(2);
+    const QStringList urls = screen.exportingUrls();
+    ASSERT_EQ(urls.size(), 3);
+    EXPECT_TRUE(screen.active());
+    const QString target = isolation().root() + "/chosen";
+    QDir().mkpath(target);
+    screen.finishExport(QUrl::fromLocalFile(target));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(QFileInfo::exists(QUrl(urls[i]).toLocalFile()));
+        const QString written = target + '/' + QFileInfo(sources[i]).fileName();
+        expectWishes(sources[i], written);
+        expectSameImage(sources[i], written);
+    }
+    EXPECT_FALSE(QFileInfo::exists(QFileInfo(QUrl(urls[0]).toLocalFile()).absolutePath()));
+
+    // Cancelled: the files go all the same.
+    save(2);
+    const QStringList again = screen.exportingUrls();
+    ASSERT_EQ(again.size(), 3);
+    screen.finishExport(QUrl());
+    for (const QString& u : again) EXPECT_FALSE(QFileInfo::exists(QUrl(u).toLocalFile()));
+}
+
+TEST_F(EditSaves, AVideoIsSavedAsANewItemOrToAFileWithItsStreamsKept) {
+    const QString movie = copy("video/apple_meta.mov");
+    for (int mode : {0, 2}) {
+        SCOPED_TRACE(mode);
+        openOn({movie});
+        wish();
+        save(mode);
+        QString written;
+        if (mode == 0) {
+            ASSERT_EQ(savedIds.size(), 1);
+            const auto item = library::Library().asset(savedIds[0]);
+            ASSERT_TRUE(item);
+            written = item->mainPath();
+            EXPECT_EQ(item->mediaType, library::MediaType::video);
+        } else {
+            ASSERT_EQ(screen.exportingUrls().size(), 1);
+            written = isolation().root() + "/movie.mp4";
+            screen.finishExport(QUrl::fromLocalFile(written));
+        }
+        const QJsonObject probe = ffprobe(written);
+        const QJsonObject tags = probe["format"].toObject()["tags"].toObject();
+        EXPECT_EQ(QDateTime::fromString(tags["com.apple.quicktime.creationdate"].toString(), Qt::ISODate), kWished);
+        EXPECT_TRUE(tags["com.apple.quicktime.location.ISO6709"].toString().startsWith("+45.5000+009.2000")) << tags["com.apple.quicktime.location.ISO6709"].toString().toStdString();
+        EXPECT_EQ(probe["streams"].toArray().size(), ffprobe(movie)["streams"].toArray().size());
+        const QJsonObject et = exiftoolJson(written, {"-n", "-G1", "-Keys:Model", "-Keys:Make"}).toObject();
+        const QJsonObject own = exiftoolJson(movie, {"-n", "-G1", "-Keys:Model", "-Keys:Make"}).toObject();
+        EXPECT_EQ(et["Keys:Model"], own["Keys:Model"]);
+    }
+}
+
+TEST_F(EditSaves, ShiftAndTrackLogRowsActOnEachPhotoFromItsOwnValues) {
+    const QStringList sources{copy("jpeg/Canon_40D.jpg"), copy("jpeg/Nikon_D70.jpg")};
+    openOn(sources);
+    EXPECT_FALSE(screen.setShift("soon"));
+    ASSERT_TRUE(screen.setShift("+0:52"));
+    EXPECT_EQ(screen.shiftPreview(), fullDateText(QDateTime(QDate(2008, 5, 30), QTime(15, 56, 1))) + " → " +
+                                         fullDateText(QDateTime(QDate(2008, 5, 30), QTime(16, 48, 1))));
+    // A log around the first photo's corrected instant (UTC here), none near the second.
+    const QString gpx = isolation().root() + "/day.gpx";
+    QFile f(gpx);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(R"(<?xml version="1.0"?><gpx version="1.1" xmlns="http://www.topografix.com/GPX/1/1"><trk><trkseg>
+<trkpt lat="45.0" lon="9.0"><time>2008-05-30T16:40:00Z</time></trkpt>
+<trkpt lat="46.0" lon="10.0"><time>2008-05-30T16:56:00Z</time></trkpt>
+</trkseg></trk></gpx>)");
+    f.close();
+    ASSERT_TRUE(screen.setTrackLog(gpx, "", "30m"));
+    const QVariantList matches = screen.trackMatches();
+    ASSERT_EQ(matches.size(), 2);
+    EXPECT_EQ(matches[0].toMap()["name"].toString(), "Canon_40D.jpg");
+    EXPECT_FALSE(matches[0].toMap()["place"].toString().isEmpty());
+    save(2);
+    ASSERT_EQ(screen.exportingUrls().size(), 2);
+    const QJsonObject first = exiftoolJson(QUrl(screen.exportingUrls()[0]).toLocalFile(), {"-n", "-G1"}).toObject();
+    const QJsonObject second = exiftoolJson(QUrl(screen.exportingUrls()[1]).toLocalFile(), {"-n", "-G1"}).toObject();
+    EXPECT_EQ(first["ExifIFD:DateTimeOriginal"].toString(), "2008:05:30 16:48:01");
+    EXPECT_EQ(second["ExifIFD:DateTimeOriginal"].toString(), "2008:03:15 10:44:01");
+    // Halfway through the minutes between the points.
+    EXPECT_NEAR(first["GPS:GPSLatitude"].toDouble(), 45.5 + 1.0 / 16 / 60, 1e-4);
+    EXPECT_TRUE(second["GPS:GPSLatitude"].isUndefined());
+    screen.finishExport(QUrl());
+}
