@@ -45,6 +45,7 @@ std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format
     initExiv2();
     // exiv2 updates a TIFF in place where it can, so it works on a copy of its own: the source
     // may be a read-only mapping of the original file.
+    std::lock_guard xmpTurn(xmpMutex());
     Exiv2::BasicIo::AutoPtr copy(new Exiv2::MemIo);
     if (copy->write(reinterpret_cast<const Exiv2::byte*>(source.constData()), long(source.size())) != long(source.size()))
         return fail(error, QStringLiteral("out of memory"));
