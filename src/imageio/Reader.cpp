@@ -334,7 +334,7 @@ struct HeifFileReader {
 // segment are all its reader looks at. Nothing when the walk finds no scan (a damaged or cut
 // file), so that it is read whole as before.
 std::optional<QByteArray> jpegBeforeScan(FilePieces& file) {
-    constexpr qint64 step = 64 * 1024;
+    constexpr qint64 step = 16 * 1024;
     qint64 at = 2;
     auto need = [&](qint64 end) -> const QByteArray* {
         const QByteArray& head = file.head(qMax(end, file.head(0).size() + step));
