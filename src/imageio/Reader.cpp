@@ -16,6 +16,7 @@
 #include <libheif/heif.h>
 
 #include <QHash>
+#include <cstring>
 #include <memory>
 #include <mutex>
 
@@ -154,8 +155,41 @@ void addProfile(const QByteArray& icc, PropertyDict& top) {
     if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
 }
 
+// A JPEG's XMP packet and its other segments apart. exiv2 decodes the first XMP segment and skips
+// any later one; that decoding must take turns (see xmpMutex), the rest of the reading need not,
+// so the XMP segments are taken out of what exiv2 reads and their packet is decoded on its own.
+struct JpegXmp {
+    QByteArray withoutXmp;
+    std::optional<std::string> packet;
+};
+
+JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd) {
+    static constexpr char id[] = "http://ns.adobe.com/xap/1.0/";  // 28 characters and its zero
+    JpegXmp out;
+    qsizetype at = 2, kept = 0;
+    while (at + 4 <= headersEnd) {
+        const uint8_t marker = uint8_t(jpeg[at + 1]);
+        if (uint8_t(jpeg[at]) != 0xFF || marker == 0xFF || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            return {jpeg, std::nullopt};  // fill bytes and markers without a length: left to exiv2
+        const qsizetype size = qsizetype(uint8_t(jpeg[at + 2])) << 8 | uint8_t(jpeg[at + 3]);
+        if (at + 2 + size > headersEnd) break;
+        if (marker == 0xE1 && size >= 31 && std::memcmp(jpeg.constData() + at + 4, id, 29) == 0) {
+            if (!out.packet) out.packet.emplace(jpeg.constData() + at + 4 + 29, size_t(size - 31));
+            out.withoutXmp += QByteArrayView(jpeg).sliced(kept, at - kept);
+            kept = at + 2 + size;
+        }
+        at += 2 + size;
+    }
+    if (!out.packet) return {jpeg, std::nullopt};
+    out.withoutXmp += QByteArrayView(jpeg).sliced(kept);
+    return out;
+}
+
 // `fileSize` is the whole file's, when `bytes` hold only its first part.
-std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format, qint64 fileSize, QString* error) {
+std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format, qint64 fileSize, QString* error) {
+    JpegXmp jpegXmp;
+    if (format == Format::Jpeg) jpegXmp = takeOutXmp(whole, probeJpeg(whole).headersEnd);
+    const QByteArray& bytes = jpegXmp.packet ? jpegXmp.withoutXmp : whole;
     const auto* data = reinterpret_cast<const Exiv2::byte*>(bytes.constData());
     Exiv2::BasicIo::AutoPtr io(new Exiv2::MemIo(data, long(bytes.size())));
     Exiv2::Image::AutoPtr image;
@@ -179,7 +213,8 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format
         if (error) *error = QStringLiteral("not a valid %1 file").arg(formatName(format));
         return std::nullopt;
     }
-    // Only a JPEG says cheaply whether it holds XMP: its segments before the scan name it.
+    // A JPEG whose XMP was taken out holds none now, and one without such a segment held none
+    // (both seen in its segments before the scan); other containers may hold XMP anywhere.
     const bool mayHoldXmp = format != Format::Jpeg ||
                             QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains("http://ns.adobe.com/xap/1.0/");
     std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
@@ -197,7 +232,14 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format
         setFacts(facts, top);
         addExif(image->exifData(), top);
         addIptc(image->iptcData(), top);
-        addXmp(image->xmpData(), top);
+        if (!xmpTurn.owns_lock() && jpegXmp.packet && !jpegXmp.packet->empty()) {
+            xmpTurn.lock();
+            Exiv2::XmpData xmp;
+            Exiv2::XmpParser::decode(xmp, *jpegXmp.packet);
+            addXmp(xmp, top);
+        } else {
+            addXmp(image->xmpData(), top);
+        }
         if (xmpTurn.owns_lock()) xmpTurn.unlock();
         addTiffResolution(top);
         QByteArray icc = facts.icc;
