@@ -1,6 +1,7 @@
 # The two set-up commands: `make run` and `make test`. Both install what is missing first.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+TSAN_BUILD ?= build-tsan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
@@ -8,7 +9,7 @@ FUZZ_TARGET  ?= fuzz_reader
 CMAKE_FLAGS ?=
 PREFIX     ?= /usr/local
 
-.PHONY: deps build build-asan test test-fast run fuzz bench clean screenshots install
+.PHONY: deps build build-asan test test-tsan test-fast run fuzz bench clean screenshots install
 
 deps:
 	@bash scripts/install-deps.sh
@@ -23,11 +24,19 @@ build-asan: deps
 
 # Every test, in the normal build and again under AddressSanitizer and UndefinedBehaviorSanitizer.
 # Then each normal-build test binary once shuffled and once under a German locale.
-test: build build-asan
+test: build build-asan test-tsan
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 	JOBS=$(JOBS) bash scripts/run-tests-shuffled.sh $(BUILD)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 		ctest --output-on-failure -j $(JOBS)
+
+# The reader and writer tests, among them many threads reading and writing at once, under
+# ThreadSanitizer: only their binary is built.
+test-tsan: deps
+	cmake -S . -B $(TSAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSORIN_TSAN=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
+	cmake --build $(TSAN_BUILD) -j $(JOBS) --target imageio_tests
+	TESSORIN_CORPUS=$(CURDIR)/../shared/corpus QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1 \
+		$(TSAN_BUILD)/bin/imageio_tests
 
 test-fast: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
@@ -55,4 +64,4 @@ install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)

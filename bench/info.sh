@@ -20,21 +20,16 @@ mkdir -p "$work"
 printf '%s\n' "${files[@]}" > "$work/info-files.txt"
 cat "${images[@]}" > /dev/null
 
-seconds() {
-  local start end
-  start=$(date +%s.%N)
-  "$@" > /dev/null 2>&1 || true
-  end=$(date +%s.%N)
-  awk -v a="$start" -v b="$end" 'BEGIN { print b - a }'
-}
-
+source "$(dirname "$0")/measure.sh"
 # Settings are read at each use; give the run a settings folder of its own.
 export XDG_CONFIG_HOME="$work/config"
-ours=$(seconds "$cli" info "${files[@]}")
-exiftool=$(seconds exiftool -@ "$work/info-files.txt")
+read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 measure "$cli" info "${files[@]}")
+read -r ours_wall ours_cpu < <(measure "$cli" info "${files[@]}")
+read -r et_wall et_cpu < <(measure exiftool -@ "$work/info-files.txt")
 
-rate() { awk -v n="$count" -v s="$1" 'BEGIN { printf "%.0f", n / s }'; }
-echo "files:             $count (${#images[@]} sample images, repeated)"
-printf '%-18s %8.2f s  %9s files/s\n' "tessorin-cli info" "$ours" "$(rate "$ours")" \
-  "exiftool" "$exiftool" "$(rate "$exiftool")"
-echo "ours / exiftool:   $(awk -v a="$exiftool" -v b="$ours" 'BEGIN { printf "%.2f", a / b }')x  (goal: at least 20x)"
+echo "files: $count (${#images[@]} sample images, repeated)"
+header
+row "info, 1 worker" "$one_wall" "$one_cpu"
+row "info, all workers" "$ours_wall" "$ours_cpu"
+row "exiftool" "$et_wall" "$et_cpu"
+ratios "info / exiftool" "$et_wall" "$et_cpu" "$one_wall" "$one_cpu" "$ours_wall" 20

@@ -3,6 +3,7 @@
 // unchanged library, a fetch of all photos by date, the time from a file written on disk to its
 // change details, and the peak memory of the process.
 // usage: library_bench CORPUS_DIR [FILES] [--no-exiftool]
+// TESSORIN_WORKERS=N reads the files on N threads (default: one per core).
 #include "Library.h"
 
 #include <QCoreApplication>
@@ -13,6 +14,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QTimer>
 #include <cstdio>
 #include <sys/resource.h>
@@ -27,6 +29,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     const int wanted = argc > 2 ? std::atoi(argv[2]) : 10000;
+    if (const int workers = qEnvironmentVariableIntValue("TESSORIN_WORKERS"); workers > 0)
+        QThreadPool::globalInstance()->setMaxThreadCount(workers);
+    std::printf("workers: %d\n", QThreadPool::globalInstance()->maxThreadCount());
     QStringList samples;
     QDirIterator it(QString::fromLocal8Bit(argv[1]), QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext()) {

@@ -24,28 +24,23 @@ done
 files=("$work"/src/*)
 cat "${files[@]}" > /dev/null  # into the page cache, so both read from memory
 
-# "WALL CPU" seconds of a command, CPU being user plus system time: on a shared machine the
-# wall clock also counts other people's work.
-measure() {
-  local TIMEFORMAT='%R %U %S' t
-  t=$({ time "$@" > /dev/null 2>&1; } 2>&1) || true
-  awk '{ print $1, $2 + $3 }' <<< "$t"
-}
-
+source "$(dirname "$0")/measure.sh"
 date="2021:06:01 12:00:00"
+edit() {
+  "$cli" edit --date "$date" --location "48.8584, 2.2945" "${files[@]}" -o "$1"
+}
 # The tool keeps recent dates and places in the settings: keep the bench's out of the user's.
-read -r ours_wall ours_cpu < <(XDG_CONFIG_HOME="$work/config" measure "$cli" edit --date "$date" \
-  --location "48.8584, 2.2945" "${files[@]}" -o "$work/ours")
+export XDG_CONFIG_HOME="$work/config"
+mkdir -p "$work/ours1"
+read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 measure edit "$work/ours1")
+read -r ours_wall ours_cpu < <(measure edit "$work/ours")
 read -r et_wall et_cpu < <(measure exiftool -q -q -o "$work/exiftool/" "-DateTimeOriginal=$date" \
   -GPSLatitude=48.8584 -GPSLatitudeRef=N -GPSLongitude=2.2945 -GPSLongitudeRef=E "${files[@]}")
 
 written() { find "$1" -type f | wc -l; }
-rate() { awk -v n="$count" -v s="$1" 'BEGIN { printf "%.0f", n / s }'; }
-ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
 echo "files: $count (half JPEG, half HEIC; written: ours $(written "$work/ours"), exiftool $(written "$work/exiftool"))"
-printf '%-22s %8s %8s %12s %12s\n' "" "wall s" "CPU s" "files/s" "files/CPU s"
-for row in "tessorin-cli edit -o:$ours_wall:$ours_cpu" "exiftool -o:$et_wall:$et_cpu"; do
-  IFS=: read -r name wall cpu <<< "$row"
-  printf '%-22s %8.2f %8.2f %12s %12s\n' "$name" "$wall" "$cpu" "$(rate "$wall")" "$(rate "$cpu")"
-done
-echo "ours / exiftool: $(ratio "$et_wall" "$ours_wall")x wall, $(ratio "$et_cpu" "$ours_cpu")x CPU (goal: at least 10x)"
+header
+row "edit -o, 1 worker" "$one_wall" "$one_cpu"
+row "edit -o, all workers" "$ours_wall" "$ours_cpu"
+row "exiftool -o" "$et_wall" "$et_cpu"
+ratios "edit / exiftool" "$et_wall" "$et_cpu" "$one_wall" "$one_cpu" "$ours_wall" 10

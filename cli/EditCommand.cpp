@@ -6,6 +6,7 @@
 #include "BatchEdit.h"
 #include "DateShift.h"
 #include "ExifModifier.h"
+#include "Workers.h"
 #include "Formatter.h"
 #include "HRLocation.h"
 #include "IptcKeys.h"
@@ -258,34 +259,39 @@ int editCommand(const QStringList& rawArgs) {
     QStringList movies;
     std::optional<UserSettings> settings;
     bool wroteAny = false;
-    for (const QString& path : *files) {
+    // The photos are read on worker threads, ahead of the edits; each is edited and written here,
+    // in the order named, as the first one seeds the edit and the names of new files follow it.
+    cli::inOrder<QString, std::shared_ptr<TSAsset>>(*files, [&](const QString& path) -> std::shared_ptr<TSAsset> {
         if (target.outputDir.isEmpty() ? false
                                        : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
-                                             QFileInfo(path)) {
+                                             QFileInfo(path))
+            return nullptr;
+        return std::make_shared<TSAsset>(path);
+    }, [&](const QString& path, std::shared_ptr<TSAsset>& asset) {
+        if (!asset) {
             printError(path + ": the output folder holds the file itself; use --in-place\n");
             status = 1;
-            continue;
+            return;
         }
-        auto asset = std::make_shared<TSAsset>(path);
         if (asset->readError()) {
             printError(path + ": " + *asset->readError() + "\n");
             status = 1;
-            continue;
+            return;
         }
         const auto format = imageio::detectFormat(asset->imageData());
         if (format == imageio::Format::Movie) {
             movies << path;
-            continue;
+            return;
         }
         if (!imageio::canWrite(format)) {
             printError(path + ": can't write metadata into " + imageio::formatName(format) + " files\n");
             status = 1;
-            continue;
+            return;
         }
         if (!asset->metaData().metaDataDic()) {
             printError(path + ": no image metadata could be read\n");
             status = 1;
-            continue;
+            return;
         }
         // The edit is seeded from the first photo, as the edit screen is from the first selected item.
         if (!settings) {
@@ -293,7 +299,7 @@ int editCommand(const QStringList& rawArgs) {
             applyWishes(wishes, *settings);
         }
         if (!editPhoto(asset, *settings, batch, target, wroteAny)) status = 1;
-    }
+    }, QSet<QString>(files->begin(), files->end()).size() == files->size());
     if (settings && wroteAny) settings->saveRecents();
     if (!movies.isEmpty()) {
         if (!movieEditor() || batch.trackLog) {

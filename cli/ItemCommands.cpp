@@ -3,6 +3,7 @@
 #include "ExitStatus.h"
 #include "FileArgs.h"
 #include "JsonOutput.h"
+#include "Workers.h"
 
 #include "HRLocation.h"
 #include "ImageProperties.h"
@@ -35,7 +36,8 @@ struct Shown {
 
 // Runs `show` on each file's asset; a file that can't be read is reported and skipped. Each
 // file's text comes behind a line naming it, for one file too unless `headersForOne` is false.
-// With `places`, the rows are shown once the place look-up has answered.
+// With `places`, the rows are shown once the place look-up has answered. The files are read on
+// worker threads; place look-ups run on this thread's event loop, so those rows are shown here.
 int forEachFile(const QString& command, const cli::Arguments& args,
                 const std::function<Shown(TSAsset&, bool json)>& show, bool headersForOne, bool places) {
     const auto files = cli::expandFiles(command, args);
@@ -44,28 +46,43 @@ int forEachFile(const QString& command, const cli::Arguments& args,
     cli::JsonOutput out(args);
     cli::ExitStatus status;
     auto display = std::make_shared<CommandLineDisplay>();
-    for (const QString& path : *files) {
-        TSAsset asset(path, places ? std::weak_ptr<Displayer>(display) : std::weak_ptr<Displayer>());
-        if (places) placelookup::waitForAll(placeWaitMs);
-        if (asset.readError()) {
-            status.fail(path, *asset.readError(), &out);
-            continue;
-        }
-        // The asset shows any file, as the app lists it; here a file of no known type failed.
-        if (imageio::detectFormat(asset.imageData()) == imageio::Format::Unknown) {
-            status.fail(path, QStringLiteral("not an image format that can be read"), &out);
-            continue;
-        }
-        Shown shown = show(asset, out.on());
-        if (out.on()) {
-            shown.json.insert("file", path);
-            out.add(shown.json);
-            continue;
-        }
-        if (headers) printOut("==> " + path + " <==\n");
-        if (!shown.text.endsWith(u'\n')) shown.text += u'\n';
-        printOut(shown.text);
-    }
+    struct Read {
+        std::shared_ptr<TSAsset> asset;
+        std::optional<Shown> shown;
+        std::optional<QString> error;
+    };
+    const bool json = out.on();
+    cli::inOrder<QString, Read>(
+        *files,
+        [&](const QString& path) {
+            // Without a display the asset starts no look-up that would answer on another thread.
+            Read read{std::make_shared<TSAsset>(path), {}, {}};
+            if (read.asset->readError()) read.error = *read.asset->readError();
+            // The asset shows any file, as the app lists it; here a file of no known type failed.
+            else if (imageio::detectFormat(read.asset->imageData()) == imageio::Format::Unknown)
+                read.error = QStringLiteral("not an image format that can be read");
+            else if (!places) read.shown = show(*read.asset, json);
+            return read;
+        },
+        [&](const QString& path, Read& read) {
+            if (read.error) return status.fail(path, *read.error, &out);
+            if (places) {
+                TSDataStore& store = read.asset->ddStore();
+                store.displayDelegate = display;
+                if (store.location) placelookup::start(*store.location, read.asset->sharedStore());
+                placelookup::waitForAll(placeWaitMs);
+                read.shown = show(*read.asset, json);
+            }
+            Shown& shown = *read.shown;
+            if (json) {
+                shown.json.insert("file", path);
+                out.add(shown.json);
+                return;
+            }
+            if (headers) printOut("==> " + path + " <==\n");
+            if (!shown.text.endsWith(u'\n')) shown.text += u'\n';
+            printOut(shown.text);
+        });
     out.print();
     return status.code();
 }

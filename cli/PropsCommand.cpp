@@ -2,45 +2,24 @@
 #include "ExitStatus.h"
 #include "FileArgs.h"
 #include "JsonOutput.h"
+#include "Workers.h"
 
 #include "FileBytes.h"
 #include "ImageProperties.h"
 #include "MovieReader.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <cmath>
 
 namespace {
 
-QJsonValue toJson(const QVariant& v);
-
-QJsonObject toJson(const QVariantMap& map) {
-    QJsonObject o;
-    for (auto it = map.begin(); it != map.end(); ++it) o.insert(it.key(), toJson(it.value()));
-    return o;
-}
-
 QJsonValue toJson(const QVariant& v) {
-    switch (v.typeId()) {
-    case QMetaType::QVariantMap: return toJson(v.toMap());
-    case QMetaType::QVariantList: {
-        QJsonArray a;
-        for (const QVariant& e : v.toList()) a.append(toJson(e));
-        return a;
-    }
-    case QMetaType::QByteArray: return QString::fromLatin1(v.toByteArray().toBase64());
-    case QMetaType::Bool: return v.toBool();
-    case QMetaType::Double: {
-        double d = v.toDouble();
-        return std::isfinite(d) ? QJsonValue(d) : QJsonValue();
-    }
-    case QMetaType::Int: case QMetaType::UInt: case QMetaType::LongLong: case QMetaType::ULongLong:
-        return v.toLongLong();
-    case QMetaType::UnknownType: case QMetaType::Nullptr: return QJsonValue();
-    default: return v.toString();
-    }
+    QByteArray text;
+    cli::appendJson(text, QVariantList{v});
+    return QJsonDocument::fromJson(text).array().first();
 }
 
 // What the movie reader gives, in the shape of a property dictionary.
@@ -84,21 +63,35 @@ int propsCommand(const QStringList& rawArgs) {
     if (!files) return 2;
     cli::JsonOutput out(args, true);
     cli::ExitStatus status;
-    for (const QString& path : *files) {
-        imageio::FileBytes file;
+    struct Read {
+        QByteArray properties;  // compact JSON, empty when the file failed
         QString error;
-        std::optional<QJsonObject> properties;
-        if (file.open(path, &error)) {
-            // Movies go to the movie reader, never to the image reader.
-            if (imageio::detectFormat(file.bytes()) == imageio::Format::Movie) {
-                if (auto movie = media::readMovie(file.bytes(), &error)) properties = movieProperties(*movie, file.bytes().size());
-            } else if (auto props = imageio::readProperties(file.bytes(), &error)) {
-                properties = toJson(*props);
+    };
+    cli::inOrder<QString, Read>(
+        *files,
+        [](const QString& path) {
+            Read read;
+            // Movies go to the movie reader, never to the image reader; it needs the movie's
+            // header atoms, which the mapping gives without reading the media data.
+            imageio::FilePieces head;
+            if (!head.open(path, &read.error)) return read;
+            if (imageio::detectFormat(head.head(4096)) == imageio::Format::Movie) {
+                imageio::FileBytes file;
+                if (!file.open(path, &read.error)) return read;
+                if (auto movie = media::readMovie(file.bytes(), &read.error))
+                    read.properties = QJsonDocument(movieProperties(*movie, file.bytes().size())).toJson(QJsonDocument::Compact);
+            } else if (auto props = imageio::readFileProperties(path, &read.error)) {
+                cli::appendJson(read.properties, *props);
             }
-        }
-        if (properties) out.add(QJsonObject{{"file", path}, {"properties", *properties}});
-        else status.fail(path, error, &out);
-    }
+            return read;
+        },
+        [&](const QString& path, Read& read) {
+            if (read.properties.isEmpty()) return status.fail(path, read.error, &out);
+            QByteArray entry = "{\"file\":";
+            cli::appendJsonString(entry, path);
+            entry += ",\"properties\":" + read.properties + '}';
+            out.addText(entry);
+        });
     out.print();
     return status.code();
 }

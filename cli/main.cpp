@@ -3,6 +3,7 @@
 #include "Help.h"
 #include "Settings.h"
 #include "Version.h"
+#include "Workers.h"
 
 #include <QCoreApplication>
 
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(TESSORIN_APP_NAME);
     QCoreApplication::setApplicationVersion(TESSORIN_VERSION);
+    cli::setUpWorkers();
     QStringList args = app.arguments().mid(1);
     if (args.removeAll("--no-human") > 0)
         Settings::setProcessOverride(Settings::key(SettingsFlag::human), false);

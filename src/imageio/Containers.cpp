@@ -109,6 +109,7 @@ ImageFacts probeJpeg(const QByteArray& data) {
         }
         at += 2 + len;
     }
+    f.headersEnd = qMin(at, b.size());
     if (!f.jfif.contains(kCGImagePropertyJFIFVersion)) f.jfif.clear();  // only files with a JFIF segment have the group
     return f;
 }

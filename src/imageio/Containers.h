@@ -16,6 +16,7 @@ struct ImageFacts {
     PropertyDict jfif;  // {JFIF}
     PropertyDict png;   // {PNG}
     QByteArray icc;     // embedded colour profile, when the container carries it in a way we read
+    qsizetype headersEnd = -1;  // JPEG: where the segments before the scan end
 };
 
 ImageFacts probeJpeg(const QByteArray& bytes);

@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QHash>
+#include <QSet>
 #include <QRegularExpression>
 #include <QStringDecoder>
 
@@ -604,8 +605,14 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
     if (!contact.isEmpty()) iptc.insert(kCGImagePropertyIPTCCreatorContactInfo, contact);
     if (!iptc.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, iptc);
 
+    // Each group is taken out once, filled, and put back once: not copied for every field.
+    QHash<QString, PropertyDict> groups;
+    QSet<QString> filled;
     for (const auto& f : xmpFills()) {
-        PropertyDict dict = top.value(f.dict).toMap();
+        const QString name = QString::fromLatin1(f.dict);
+        auto group = groups.find(name);
+        if (group == groups.end()) group = groups.insert(name, top.value(name).toMap());
+        PropertyDict& dict = *group;
         if (dict.contains(f.key)) continue;
         try {
             const Exiv2::Xmpdatum* d = find(f.xmpKey);
@@ -625,10 +632,11 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
             }
             }
             dict.insert(f.key, value);
-            top.insert(f.dict, dict);
+            filled.insert(name);
         } catch (const std::exception&) {
         }
     }
+    for (const QString& name : std::as_const(filled)) top.insert(name, groups.value(name));
     PropertyDict tiff = top.value(kCGImagePropertyTIFFDictionary).toMap();
     if (!top.contains(kCGImagePropertyOrientation) && tiff.contains(kCGImagePropertyTIFFOrientation))
         top.insert(kCGImagePropertyOrientation, tiff.value(kCGImagePropertyTIFFOrientation));

@@ -9,12 +9,16 @@
 #include <exiv2/xmp_exiv2.hpp>
 
 #include <QHash>
+#include <mutex>
 #include <vector>
 
 namespace imageio {
 
 // Quiets exiv2's log and readies its XMP parser; call before any exiv2 work.
 void initExiv2();
+// exiv2's XMP namespace registry grows as packets name new namespaces and is read unguarded:
+// whatever decodes, encodes or looks up XMP holds this, so threads take turns at it.
+std::mutex& xmpMutex();
 
 // The tables between tag numbers and property keys, read one way by the reader and the other
 // way by the writer.

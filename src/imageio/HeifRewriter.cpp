@@ -260,6 +260,7 @@ std::pair<QByteArray, QByteArray> splitExif(const QByteArray& item) {
 std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDict& before, const PropertyDict& changes,
                                       QString* error) {
     initExiv2();
+    std::lock_guard xmpTurn(xmpMutex());
     try {
         Container heif(source);
         const auto exifItem = heif.item("Exif");

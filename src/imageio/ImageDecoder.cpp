@@ -144,6 +144,7 @@ QImage thumbnail(const QByteArray& bytes, int maxSide) {
     QImage image;
     if (format != Format::Unknown) {
         initExiv2();
+        std::lock_guard xmpTurn(xmpMutex());
         try {
             Exiv2::Image::AutoPtr exiv2Image =
                 Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte*>(bytes.constData()), long(bytes.size()));

@@ -21,5 +21,11 @@ QString formatName(Format format);
 // (unknown or movie container, or a container too broken to hold any image).
 // `error`, when given, receives the reason for nothing.
 std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* error = nullptr);
+// The same from a file, reading only the parts that hold metadata where the container allows
+// (a JPEG up to its scan; a HEIF's boxes and metadata items). The answer is what readProperties
+// gives for the whole file. `bytesRead`, when given, receives how many bytes were read (a mapped
+// whole file counts in full).
+std::optional<PropertyDict> readFileProperties(const QString& path, QString* error = nullptr,
+                                               qint64* bytesRead = nullptr);
 
 }  // namespace imageio

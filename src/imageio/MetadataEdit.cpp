@@ -252,9 +252,9 @@ struct Editor {
     MetadataBlocks& b;
 
     void exifGroup(const char* dict, const char* ifd, const QHash<uint16_t, const char*>& table, const QVariant& group) {
-        static QHash<const void*, QHash<QString, uint16_t>> reverse;
-        if (!reverse.contains(&table)) reverse.insert(&table, reversed(table));
-        const QHash<QString, uint16_t>& tags = reverse[&table];
+        // Built once, then only read: writers on several threads share them.
+        static const QHash<QString, uint16_t> exifTags = reversed(exifTagKeys()), tiffTags = reversed(tiffTagKeys());
+        const QHash<QString, uint16_t>& tags = &table == &exifTagKeys() ? exifTags : tiffTags;
         const bool isExif = qstrcmp(dict, kCGImagePropertyExifDictionary) == 0;
         if (isRemoval(group)) {
             eraseExifIf(b.exif, [&](const Exiv2::Exifdatum& d) {

@@ -1,5 +1,6 @@
 #include "Containers.h"
 #include "Exiv2Convert.h"
+#include "FileBytes.h"
 #include "ImageProperties.h"
 #include "PropertyKeys.h"
 
@@ -15,6 +16,7 @@
 #include <libheif/heif.h>
 
 #include <QHash>
+#include <cstring>
 #include <memory>
 #include <mutex>
 
@@ -28,8 +30,20 @@ void initExiv2() {
     std::call_once(once, [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         Exiv2::enableBMFF(true);
-        Exiv2::XmpParser::initialize();  // not thread-safe on first use, so done once up front
+        // The XMP toolkit keeps shared state: readers on many threads take turns through this lock.
+        static std::mutex xmpLock;
+        Exiv2::XmpParser::initialize(
+            [](void* mutex, bool lock) {
+                if (lock) static_cast<std::mutex*>(mutex)->lock();
+                else static_cast<std::mutex*>(mutex)->unlock();
+            },
+            &xmpLock);
     });
+}
+
+std::mutex& xmpMutex() {
+    static std::mutex m;
+    return m;
 }
 
 namespace {
@@ -141,7 +155,41 @@ void addProfile(const QByteArray& icc, PropertyDict& top) {
     if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
 }
 
-std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format, QString* error) {
+// A JPEG's XMP packet and its other segments apart. exiv2 decodes the first XMP segment and skips
+// any later one; that decoding must take turns (see xmpMutex), the rest of the reading need not,
+// so the XMP segments are taken out of what exiv2 reads and their packet is decoded on its own.
+struct JpegXmp {
+    QByteArray withoutXmp;
+    std::optional<std::string> packet;
+};
+
+JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd) {
+    static constexpr char id[] = "http://ns.adobe.com/xap/1.0/";  // 28 characters and its zero
+    JpegXmp out;
+    qsizetype at = 2, kept = 0;
+    while (at + 4 <= headersEnd) {
+        const uint8_t marker = uint8_t(jpeg[at + 1]);
+        if (uint8_t(jpeg[at]) != 0xFF || marker == 0xFF || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            return {jpeg, std::nullopt};  // fill bytes and markers without a length: left to exiv2
+        const qsizetype size = qsizetype(uint8_t(jpeg[at + 2])) << 8 | uint8_t(jpeg[at + 3]);
+        if (at + 2 + size > headersEnd) break;
+        if (marker == 0xE1 && size >= 31 && std::memcmp(jpeg.constData() + at + 4, id, 29) == 0) {
+            if (!out.packet) out.packet.emplace(jpeg.constData() + at + 4 + 29, size_t(size - 31));
+            out.withoutXmp += QByteArrayView(jpeg).sliced(kept, at - kept);
+            kept = at + 2 + size;
+        }
+        at += 2 + size;
+    }
+    if (!out.packet) return {jpeg, std::nullopt};
+    out.withoutXmp += QByteArrayView(jpeg).sliced(kept);
+    return out;
+}
+
+// `fileSize` is the whole file's, when `bytes` hold only its first part.
+std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format, qint64 fileSize, QString* error) {
+    JpegXmp jpegXmp;
+    if (format == Format::Jpeg) jpegXmp = takeOutXmp(whole, probeJpeg(whole).headersEnd);
+    const QByteArray& bytes = jpegXmp.packet ? jpegXmp.withoutXmp : whole;
     const auto* data = reinterpret_cast<const Exiv2::byte*>(bytes.constData());
     Exiv2::BasicIo::AutoPtr io(new Exiv2::MemIo(data, long(bytes.size())));
     Exiv2::Image::AutoPtr image;
@@ -165,6 +213,12 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format
         if (error) *error = QStringLiteral("not a valid %1 file").arg(formatName(format));
         return std::nullopt;
     }
+    // A JPEG whose XMP was taken out holds none now, and one without such a segment held none
+    // (both seen in its segments before the scan); other containers may hold XMP anywhere.
+    const bool mayHoldXmp = format != Format::Jpeg ||
+                            QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains("http://ns.adobe.com/xap/1.0/");
+    std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
+    if (mayHoldXmp) xmpTurn.lock();
     QString failure;
     try {
         image->readMetadata();
@@ -178,7 +232,15 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format
         setFacts(facts, top);
         addExif(image->exifData(), top);
         addIptc(image->iptcData(), top);
-        addXmp(image->xmpData(), top);
+        if (!xmpTurn.owns_lock() && jpegXmp.packet && !jpegXmp.packet->empty()) {
+            xmpTurn.lock();
+            Exiv2::XmpData xmp;
+            Exiv2::XmpParser::decode(xmp, *jpegXmp.packet);
+            addXmp(xmp, top);
+        } else {
+            addXmp(image->xmpData(), top);
+        }
+        if (xmpTurn.owns_lock()) xmpTurn.unlock();
         addTiffResolution(top);
         QByteArray icc = facts.icc;
         if (icc.isEmpty() && image->iccProfileDefined())
@@ -193,19 +255,20 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& bytes, Format format
         if (error) *error = failure.isEmpty() ? QStringLiteral("no image metadata found") : failure;
         return std::nullopt;
     }
-    top.insert(kCGImagePropertyFileSize, qint64(bytes.size()));
+    top.insert(kCGImagePropertyFileSize, fileSize);
     return top;
 }
 
-std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
-    std::unique_ptr<heif_context, decltype(&heif_context_free)> ctx(heif_context_alloc(), heif_context_free);
-    heif_error err = heif_context_read_from_memory_without_copy(ctx.get(), bytes.constData(), size_t(bytes.size()), nullptr);
+using HeifContext = std::unique_ptr<heif_context, decltype(&heif_context_free)>;
+
+// `ctx` has read the file's boxes; items are fetched from it as they are needed.
+std::optional<PropertyDict> readHeif(heif_context* ctx, heif_error err, qint64 fileSize, QString* error) {
     if (err.code != heif_error_Ok) {
         if (error) *error = QString::fromUtf8(err.message);
         return std::nullopt;
     }
     heif_image_handle* raw = nullptr;
-    err = heif_context_get_primary_image_handle(ctx.get(), &raw);
+    err = heif_context_get_primary_image_handle(ctx, &raw);
     if (err.code != heif_error_Ok || !raw) {
         if (error) *error = QString::fromUtf8(err.message);
         return std::nullopt;
@@ -254,6 +317,7 @@ std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
                                               uint32_t(tiff.size()));
                 }
             } else if (type == "mime" && contentType == "application/rdf+xml") {
+                std::lock_guard xmpTurn(xmpMutex());
                 Exiv2::XmpParser::decode(xmp, block.toStdString());
             }
         } catch (const std::exception&) {
@@ -261,10 +325,85 @@ std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
         }
     }
     addExif(exif, top);
-    addXmp(xmp, top);
+    {
+        std::lock_guard xmpTurn(xmpMutex());
+        addXmp(xmp, top);
+        xmp.clear();
+    }
     addTiffResolution(top);
-    top.insert(kCGImagePropertyFileSize, qint64(bytes.size()));
+    top.insert(kCGImagePropertyFileSize, fileSize);
     return top;
+}
+
+std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
+    HeifContext ctx(heif_context_alloc(), heif_context_free);
+    heif_error err = heif_context_read_from_memory_without_copy(ctx.get(), bytes.constData(), size_t(bytes.size()), nullptr);
+    return readHeif(ctx.get(), err, bytes.size(), error);
+}
+
+// libheif asks for boxes and items by position; the file's image data is never asked for.
+struct HeifFileReader {
+    FilePieces& file;
+    qint64 position = 0;
+
+    static HeifFileReader& of(void* userdata) { return *static_cast<HeifFileReader*>(userdata); }
+    static const heif_reader* callbacks() {
+        static const heif_reader reader{
+            1,
+            [](void* u) -> int64_t { return of(u).position; },
+            [](void* data, size_t size, void* u) -> int {
+                HeifFileReader& r = of(u);
+                if (r.file.read(r.position, static_cast<char*>(data), qint64(size)) != qint64(size)) return -1;
+                r.position += qint64(size);
+                return 0;
+            },
+            [](int64_t position, void* u) -> int {
+                HeifFileReader& r = of(u);
+                if (position < 0 || position > r.file.size()) return -1;
+                r.position = position;
+                return 0;
+            },
+            [](int64_t target, void* u) -> heif_reader_grow_status {
+                return target > of(u).file.size() ? heif_reader_grow_status_size_beyond_eof
+                                                  : heif_reader_grow_status_size_reached;
+            },
+        };
+        return &reader;
+    }
+};
+
+// A JPEG's metadata all lies before its scan: the bytes up to and with the start-of-scan
+// segment are all its reader looks at. Nothing when the walk finds no scan (a damaged or cut
+// file), so that it is read whole as before.
+std::optional<QByteArray> jpegBeforeScan(FilePieces& file) {
+    constexpr qint64 step = 16 * 1024;
+    qint64 at = 2;
+    auto need = [&](qint64 end) -> const QByteArray* {
+        const QByteArray& head = file.head(qMax(end, file.head(0).size() + step));
+        return head.size() >= end ? &head : nullptr;
+    };
+    for (;;) {
+        const QByteArray* b = need(at + 4);
+        if (!b) return std::nullopt;
+        const auto u8 = [&](qint64 i) { return uint8_t((*b)[i]); };
+        if (u8(at) != 0xFF) return std::nullopt;
+        const uint8_t marker = u8(at + 1);
+        if (marker == 0xFF) {
+            ++at;
+            continue;
+        }
+        if (marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7)) {
+            at += 2;
+            continue;
+        }
+        if (marker == 0xD9) return std::nullopt;
+        const qint64 end = at + 2 + (qint64(u8(at + 2)) << 8 | u8(at + 3));
+        if (marker == 0xDA) {
+            const QByteArray* all = need(end);
+            return all ? std::optional(all->left(end)) : std::nullopt;
+        }
+        at = end;
+    }
 }
 
 }  // namespace
@@ -319,13 +458,41 @@ std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* err
         // Movies go to the movie reader; exiv2's QuickTime parser is not safe on hostile files.
         if (error) *error = QStringLiteral("a movie, not a still image");
         return std::nullopt;
-    case Format::Heif:
-    case Format::Avif:
-        return readHeif(bytes, error);
-    default:
-        initExiv2();
-        return readWithExiv2(bytes, format, error);
+    default: break;
     }
+    initExiv2();  // also for HEIF: its Exif and XMP blocks are decoded by exiv2
+    if (format == Format::Heif || format == Format::Avif) return readHeif(bytes, error);
+    return readWithExiv2(bytes, format, bytes.size(), error);
+}
+
+std::optional<PropertyDict> readFileProperties(const QString& path, QString* error, qint64* bytesRead) {
+    FilePieces file;
+    if (!file.open(path, error)) return std::nullopt;
+    const auto counted = [&](std::optional<PropertyDict> props) {
+        if (bytesRead) *bytesRead = file.bytesRead();
+        return props;
+    };
+    if (file.size() > 0) {
+        const Format format = detectFormat(file.head(4096));
+        initExiv2();
+        if (format == Format::Jpeg) {
+            if (auto prefix = jpegBeforeScan(file)) {
+                return counted(readWithExiv2(*prefix, format, file.size(), error));
+            }
+        } else if (format == Format::Heif || format == Format::Avif) {
+            HeifFileReader reader{file};
+            HeifContext ctx(heif_context_alloc(), heif_context_free);
+            heif_error err = heif_context_read_from_reader(ctx.get(), HeifFileReader::callbacks(), &reader, nullptr);
+            return counted(readHeif(ctx.get(), err, file.size(), error));
+        }
+    }
+    // The other containers may keep metadata behind the image data (TIFF directories, PNG and
+    // WebP chunks after the pixels): mapped whole, only the pages their readers touch are read.
+    FileBytes whole;
+    if (!whole.open(path, error)) return counted(std::nullopt);
+    auto props = readProperties(whole.bytes(), error);
+    if (bytesRead) *bytesRead = file.bytesRead() + whole.bytes().size();
+    return props;
 }
 
 }  // namespace imageio

@@ -1,9 +1,13 @@
+#include "Containers.h"
 #include "Exiv2Convert.h"
 #include "HeifRewriter.h"
 #include "ImageWriter.h"
 #include "MetadataEdit.h"
 
 #include <exiv2/exiv2.hpp>
+
+#include <cstring>
+#include <utility>
 
 // exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -40,11 +44,24 @@ QByteArray withoutWebPXmp(const QByteArray& webp) {
 
 // JPEG, TIFF and the TIFF-based raws, PNG, WebP: exiv2 rewrites the metadata segments and
 // chunks and copies the coded image.
-std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format, const PropertyDict& before,
+// A JPEG's bytes up to and with its start-of-scan header, and the scan after it. exiv2 writes the
+// new segments and copies everything from the scan on as it is, so it is handed the segments
+// alone and the scan, most of the file, is joined on afterwards instead of copied through it.
+std::pair<QByteArray, QByteArrayView> jpegHeadersAndScan(const QByteArray& jpeg) {
+    const qsizetype sos = probeJpeg(jpeg).headersEnd;
+    if (sos < 0 || sos + 4 > jpeg.size() || uint8_t(jpeg[sos]) != 0xFF || uint8_t(jpeg[sos + 1]) != 0xDA) return {jpeg, {}};
+    const qsizetype end = sos + 2 + (qsizetype(uint8_t(jpeg[sos + 2])) << 8 | uint8_t(jpeg[sos + 3]));
+    if (end > jpeg.size()) return {jpeg, {}};
+    return {QByteArray::fromRawData(jpeg.constData(), end), QByteArrayView(jpeg).sliced(end)};
+}
+
+std::optional<QByteArray> writeWithExiv2(const QByteArray& whole, Format format, const PropertyDict& before,
                                          const PropertyDict& changes, QString* error) {
+    const auto [source, scan] = format == Format::Jpeg ? jpegHeadersAndScan(whole) : std::pair{whole, QByteArrayView()};
     initExiv2();
     // exiv2 updates a TIFF in place where it can, so it works on a copy of its own: the source
     // may be a read-only mapping of the original file.
+    std::lock_guard xmpTurn(xmpMutex());
     Exiv2::BasicIo::AutoPtr copy(new Exiv2::MemIo);
     if (copy->write(reinterpret_cast<const Exiv2::byte*>(source.constData()), long(source.size())) != long(source.size()))
         return fail(error, QStringLiteral("out of memory"));
@@ -61,10 +78,12 @@ std::optional<QByteArray> writeWithExiv2(const QByteArray& source, Format format
     image->writeMetadata();
     Exiv2::BasicIo& io = image->io();
     if (io.open() != 0) return fail(error, QStringLiteral("the new file could not be made"));
-    QByteArray out(qsizetype(io.size()), Qt::Uninitialized);
-    const long got = io.read(reinterpret_cast<Exiv2::byte*>(out.data()), long(out.size()));
+    const qsizetype written = qsizetype(io.size());
+    QByteArray out(written + scan.size(), Qt::Uninitialized);
+    const long got = io.read(reinterpret_cast<Exiv2::byte*>(out.data()), long(written));
     io.close();
-    if (got != long(out.size())) return fail(error, QStringLiteral("the new file could not be made"));
+    if (got != long(written)) return fail(error, QStringLiteral("the new file could not be made"));
+    if (!scan.isEmpty()) std::memcpy(out.data() + written, scan.data(), size_t(scan.size()));
     if (format == Format::WebP && image->xmpData().empty()) return withoutWebPXmp(out);
     return out;
 }

@@ -142,16 +142,17 @@ std::optional<FileKind> kindForPath(const QString& path) {
 FileFacts readFileFacts(const QString& path, FileKind kind) {
     FileFacts facts;
     facts.kind = kind;
-    imageio::FileBytes file;
-    if (!file.open(path)) return facts;
-    const QByteArray& bytes = file.bytes();
-    if (imageio::detectFormat(bytes) == imageio::Format::Movie || kind == FileKind::video) {
-        if (auto movie = media::readMovie(bytes)) {
+    imageio::FilePieces head;
+    if (!head.open(path)) return facts;
+    if (imageio::detectFormat(head.head(4096)) == imageio::Format::Movie || kind == FileKind::video) {
+        imageio::FileBytes file;
+        if (!file.open(path)) return facts;
+        if (auto movie = media::readMovie(file.bytes())) {
             facts.kind = FileKind::video;
             facts.readable = true;
             readMovie(*movie, facts);
         }
-    } else if (auto props = imageio::readProperties(bytes)) {
+    } else if (auto props = imageio::readFileProperties(path)) {
         facts.readable = true;
         readImage(*props, facts);
     }

@@ -15,6 +15,7 @@
 #include <QStorageInfo>
 #include <QTimeZone>
 #include <QUuid>
+#include <QtConcurrent/QtConcurrentMap>
 #include <algorithm>
 #include <sqlite3.h>
 #include <vector>
@@ -343,12 +344,15 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     std::sort(fresh.begin(), fresh.end());
 
     // The reading is done before the transaction, so the database is held only for the writes.
+    // Files are read on worker threads, one file each; matching them up stays here, in order.
     struct Read { QString path, head; FileFacts facts; };
     QList<Read> reads;
     QHash<QString, QString> moved;  // new path to the asset it keeps
     QSet<QString> goneTaken;
-    for (const QString& path : fresh) {
-        const QString head = headHash(path);
+    const QStringList freshHeads = QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); });
+    for (qsizetype i = 0; i < fresh.size(); ++i) {
+        const QString& path = fresh[i];
+        const QString& head = freshHeads[i];
         const OnDisk od = disk.value(path);
         auto match = std::find_if(gone.begin(), gone.end(), [&](const FileRow& g) {
             return !goneTaken.contains(g.path) && g.size == od.size && g.mtime == od.mtime && g.head == head;
@@ -358,13 +362,17 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
             moved.insert(path, match->path);
             continue;
         }
-        auto kind = kindForPath(path);
-        reads << Read{path, head, readFileFacts(path, *kind)};
-        if (!reads.last().facts.readable) report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(path);
+        reads << Read{path, head, {}};
     }
-    for (const QString& path : changed) {
-        reads << Read{path, headHash(path), readFileFacts(path, *kindForPath(path))};
-    }
+    const qsizetype freshReads = reads.size();
+    for (const QString& path : changed) reads << Read{path, {}, {}};
+    QtConcurrent::blockingMap(reads, [](Read& r) {
+        if (r.head.isNull()) r.head = headHash(r.path);
+        r.facts = readFileFacts(r.path, *kindForPath(r.path));
+    });
+    for (qsizetype i = 0; i < freshReads; ++i)
+        if (!reads[i].facts.readable)
+            report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
 
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     bool ok = index_->transaction([&] {

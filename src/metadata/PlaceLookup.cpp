@@ -5,6 +5,8 @@
 #include "TSGeocoder.h"
 
 #include <QCoreApplication>
+
+#include <atomic>
 #include <QEventLoop>
 #include <QTimer>
 #include <QMetaObject>
@@ -18,8 +20,9 @@ std::function<int()>& indexSource() {
     return source;
 }
 
-int& runningCount() {
-    static int n = 0;
+// Atomic: items read on worker threads start their look-ups from there.
+std::atomic<int>& runningCount() {
+    static std::atomic<int> n = 0;
     return n;
 }
 

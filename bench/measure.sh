@@ -1,0 +1,20 @@
+# Shared by the bench scripts: timing a command and printing rows and ratios.
+
+# "WALL CPU" seconds of a command, CPU being user plus system time: on a shared machine the
+# wall clock also counts other people's work. Its output and exit status are not the point.
+measure() {
+  local TIMEFORMAT='%R %U %S' t
+  t=$({ time "$@" > /dev/null 2>&1; } 2>&1) || true
+  awk '{ print $1, $2 + $3 }' <<< "$t"
+}
+
+rate() { awk -v n="$count" -v s="$1" 'BEGIN { printf "%.0f", n / s }'; }
+ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
+header() { printf '%-26s %8s %8s %12s %12s\n' "" "wall s" "CPU s" "files/s" "files/CPU s"; }
+row() { printf '%-26s %8.2f %8.2f %12s %12s\n' "$1" "$2" "$3" "$(rate "$2")" "$(rate "$3")"; }
+# NAME THEIR_WALL THEIR_CPU ONE_WALL ONE_CPU ALL_WALL GOAL: one worker by wall and CPU time,
+# all workers by wall time (their CPU time is spread over the cores).
+ratios() {
+  printf '%-18s 1 worker %sx wall, %sx CPU; all workers %sx wall (goal: at least %sx)\n' "$1:" \
+    "$(ratio "$2" "$4")" "$(ratio "$3" "$5")" "$(ratio "$2" "$6")" "$7"
+}
