@@ -163,7 +163,7 @@ TEST_F(LibraryCommand, DiskFullDuringAScanFailsClearlyAndLosesNothing) {
     EXPECT_TRUE(full.err.contains("index couldn't be updated")) << full.err.toStdString();
 
     // The index is as it was, nothing moved aside, and a scan with room reads everything.
-    EXPECT_TRUE(QDir(tmp.path() + "/data/Tessorin").entryList({"*corrupt*"}).isEmpty());
+    EXPECT_TRUE(QDir(qEnvironmentVariable("XDG_DATA_HOME") + "/Tessorin").entryList({"*corrupt*"}).isEmpty());
     const ProcessResult show = cli({"library", "show", id});
     EXPECT_TRUE(QJsonDocument::fromJson(show.out).object()["favorite"].toBool()) << show.err.toStdString();
     const ProcessResult again = cli({"library", "scan"});
