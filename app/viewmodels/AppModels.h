@@ -36,6 +36,8 @@ public:
     // changes. Again with other folders when the user chooses them.
     void openLibrary(const QStringList& folders = {}, bool watch = true);
     std::unique_ptr<library::Library> library;
+    // After a save of a new item: go to it, or offer the albums where it landed.
+    void showNewItem(const QString& localIdentifier);
     TSLibraryObserver* libraryObserver = nullptr;
 
     AppController* app;

@@ -5,6 +5,7 @@
 #include "AppController.h"
 #include "AppModels.h"
 #include "DetailViewModel.h"
+#include "EditViewModel.h"
 #include "GroupViewModel.h"
 #include "Isolation.h"
 #include "Library.h"
@@ -301,6 +302,34 @@ TEST_F(LibraryScreens, AfterAnAddTheDialogOffersTheAlbumsWhereThePictureLanded) 
     detail.offerAddedPicture(all, own);
     detail.chooseAdded(2);  // Cancel
     EXPECT_EQ(TSEnvironment::currentAlbum()->title(), "Tessorin");
+}
+
+TEST_F(LibraryScreens, ANewItemSavedIsShownOrOfferedWhereItLanded) {
+    const QByteArray photo = testsupport::readFile(testsupport::corpusDir() + "/jpeg/Nikon_D70.jpg");
+    // The album on view doesn't hold it: the dialog offers all photos and, with the setting, our album.
+    TSEnvironment::pendingUrlAlbumName() = "paris";
+    models->albumList->load();
+    ASSERT_EQ(TSEnvironment::currentAlbum()->title(), "Paris");
+    Settings::setFlag(SettingsFlag::saveInTessorin, true);
+    const auto id = lib().createAsset(photo, "new.jpg", std::nullopt, std::nullopt);
+    ASSERT_TRUE(id);
+    emit models->edit->newItemSaved(*id);
+    ASSERT_TRUE(models->detail->addedDialog());
+    EXPECT_EQ(models->detail->addedDialog()->title, "Paris");
+    EXPECT_EQ(models->detail->addedDialog()->actions,
+              (QStringList{"In the \u201CAll Photos\u201D Album", "In the \u201CTessorin\u201D Album", "Cancel"}));
+    models->detail->chooseAdded(0);
+    settle();
+    EXPECT_EQ(currentName(), "new.jpg");
+
+    // All photos on view holds the next one: it goes straight there.
+    const auto next = lib().createAsset(photo, "next.jpg", std::nullopt, std::nullopt);
+    ASSERT_TRUE(next);
+    models->detail->chooseAdded(-1);
+    emit models->edit->newItemSaved(*next);
+    settle();
+    EXPECT_FALSE(models->detail->addedDialog());
+    EXPECT_EQ(currentName(), "next.jpg");
 }
 
 TEST(DesktopFiles, LauncherEntryAndMetainfoPassTheDesktopValidators) {
