@@ -88,7 +88,7 @@ Rectangle {
                         else if (cell.modelData === "burst")
                             ToolBar.burst()
                         else if (cell.modelData === "edit")
-                            Edit.openCurrent()
+                            ToolBar.edit()
                     }
                 }
             }

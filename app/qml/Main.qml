@@ -62,8 +62,8 @@ ApplicationWindow {
     EditScreen {}
     Shortcut {
         sequence: "Ctrl+E"
-        enabled: !Edit.active && Detail.count > 0
-        onActivated: Edit.openCurrent()
+        enabled: !Edit.active
+        onActivated: ToolBar.edit()
     }
 
     Connections {

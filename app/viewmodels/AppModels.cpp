@@ -78,6 +78,34 @@ AppModels::AppModels(QObject* parent)
     connect(toolBar, &ToolBarModel::burstOpened, group, &GroupViewModel::attach);
     connect(albumList, &AlbumListViewModel::libraryFoldersChanged, this,
             [this] { openLibrary(Settings::value(QStringLiteral("libraryFolders")).toStringList()); });
+    // The edit tool opens the edit screen on the item in view; a save in place or of a new item
+    // is read into the library at once rather than when the folder watcher notices it.
+    connect(toolBar, &ToolBarModel::editRequested, edit, &EditViewModel::openCurrent);
+    connect(edit, &EditViewModel::newItemSaved, this, &AppModels::pictureAdded);
+    connect(edit, &EditViewModel::saved, this, [this](int mode) {
+        if (library && mode == 1) library->scan();
+    });
+}
+
+void AppModels::pictureAdded(const QString& localIdentifier) {
+    if (!library) return;
+    library->scan();
+    auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
+    if (album && album->fetchedAssets) {
+        const library::FetchResult fetch = library->refetch(*album->fetchedAssets);
+        if (const auto at = fetch.indexOf(localIdentifier)) {
+            album->setAlbum(fetch, int(*at), album->title());
+            return;
+        }
+    }
+    const library::FetchResult all = library->fetchAssets(Albums::fetchOptions());
+    const auto at = all.indexOf(localIdentifier);
+    if (!at) return;
+    std::optional<DetailViewModel::Landing> own;
+    if (const auto fetch = Albums::applicationAlbumFetch(*library))
+        if (const auto i = fetch->indexOf(localIdentifier))
+            own = DetailViewModel::Landing{*fetch, int(*i), library::Library::applicationAlbumTitle()};
+    detail->offerAddedPicture({all, int(*at), Albums::allPhotosTitle(true)}, own);
 }
 
 AppModels::~AppModels() {

@@ -35,6 +35,9 @@ public:
     // changed since the last run, and has the screens show it; `watch` follows other programs'
     // changes. Again with other folders when the user chooses them.
     void openLibrary(const QStringList& folders = {}, bool watch = true);
+    // A picture the edit screen saved as a new item: the library reads it; the album on view
+    // shows it when it holds it, otherwise the detail offers the albums where it landed.
+    void pictureAdded(const QString& localIdentifier);
     std::unique_ptr<library::Library> library;
     // After a save of a new item: go to it, or offer the albums where it landed.
     void showNewItem(const QString& localIdentifier);

@@ -1,5 +1,6 @@
 #include "EditViewModel.h"
 
+#include "Albums.h"
 #include "DateModifierViewModel.h"
 #include "DateShift.h"
 #include "ExifModifier.h"
@@ -67,6 +68,13 @@ void runOffThread(QObject* context, std::function<T()> work, std::function<void(
 // never the current one.
 void removeFolder(const QString& folder) {
     if (!folder.isEmpty()) QDir(folder).removeRecursively();
+}
+
+// The folders of the library the screens show (the user may have chosen others than the
+// default); a save opens its own library object over them on its thread.
+QStringList libraryFolders() {
+    const library::Library* shown = TSEnvironment::library();
+    return shown ? shown->folders() : library::Library::defaultFolders();
 }
 
 // A folder of its own for the files of one "Save to Files", so that names never clash.
@@ -462,7 +470,7 @@ void EditViewModel::refreshPreviews() {
 }
 
 bool EditViewModel::uneditable() const {
-    library::Library lib;
+    library::Library lib(libraryFolders());
     for (const auto& a : assets_)
         if (a->isVideo()) return true;
         else if (const auto item = lib.assetForPath(a->path()); !item || !item->canPerformEditOperation(1)) return true;
@@ -528,14 +536,14 @@ void EditViewModel::savePhotos(int mode) {
     };
     runOffThread<Result>(
         this,
-        [modifier, wishes, mode, folder] {
+        [modifier, wishes, mode, folder, folders = libraryFolders()] {
             modifier->modify(*wishes, mode == int(SaveMode::modify));
             if (!modifier->anyChanged()) {
                 removeFolder(folder);
                 return Result{{}, std::nullopt, true};
             }
             // The library is opened on the thread that uses it.
-            library::Library lib;
+            library::Library lib(folders);
             modifier->library = &lib;
             if (!folder.isEmpty()) modifier->filesDirectory = folder;
             Result r;
@@ -566,7 +574,7 @@ void EditViewModel::saveVideo(int mode) {
     setActivity(QStringLiteral("Saving Video..."), 1);
     runOffThread<Result>(
         this,
-        [modifier, mode, folder]() -> Result {
+        [modifier, mode, folder, folders = libraryFolders()]() -> Result {
             // A new library item is written as a file first and then added.
             const auto written = modifier->save(mode == 0 ? 2 : mode, QDir(folder));
             if (const QString* message = std::get_if<QString>(&written)) {
@@ -586,7 +594,7 @@ void EditViewModel::saveVideo(int mode) {
             const TagsVideoModifier& tags = modifier->modifing.first().modifier;
             std::optional<library::Location> place;
             if (tags.userLocation) place = library::Location{tags.userLocation->coordinate.latitude, tags.userLocation->coordinate.longitude, std::nullopt};
-            library::Library lib;
+            library::Library lib(folders);
             QString error;
             const auto id = lib.createAsset(data, QFileInfo(paths.value(0)).fileName(), tags.userDate, place, {}, &error);
             if (!id) {

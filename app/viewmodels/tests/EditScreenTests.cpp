@@ -1,7 +1,12 @@
 // The edit screen driven like a user over a real library in the test's folder: its sections and
 // switches, the selected items, the date and orientation screens, the save question, and saves
 // in every mode read back by exiftool, exiv2 and ffprobe.
+#include "Albums.h"
+#include "AppModels.h"
 #include "DateModifierViewModel.h"
+#include "DetailViewModel.h"
+#include "TSPhotoAlbum.h"
+#include "ToolBarModel.h"
 #include "EditViewModel.h"
 #include "Isolation.h"
 #include "Library.h"
@@ -513,4 +518,75 @@ TEST_F(EditSaves, ShiftAndTrackLogRowsActOnEachPhotoFromItsOwnValues) {
     EXPECT_NEAR(first["GPS:GPSLatitude"].toDouble(), 45.5 + 1.0 / 16 / 60, 1e-4);
     EXPECT_TRUE(second["GPS:GPSLatitude"].isUndefined());
     screen.finishExport(QUrl());
+}
+
+// The edit tool of a library item in the whole app: a new picture is shown when the album on
+// view holds it, otherwise the detail offers the albums where it landed.
+class EditInTheApp : public IsolatedTest {
+protected:
+    void SetUp() override {
+        root = isolation().root() + "/Pictures";
+        for (const auto& [source, target] : {std::pair{"jpeg/Canon_40D.jpg", "Trip/c.jpg"}, std::pair{"jpeg/Nikon_D70.jpg", "n.jpg"}}) {
+            QDir().mkpath(QFileInfo(root + '/' + target).absolutePath());
+            ASSERT_TRUE(QFile::copy(corpusDir() + '/' + source, root + '/' + target));
+            QFile::setPermissions(root + '/' + target, QFile::ReadOwner | QFile::WriteOwner);
+        }
+        TSEnvironment::setCurrentAlbum(nullptr);
+        models = std::make_unique<AppModels>();
+        models->openLibrary({root}, false);
+        QObject::connect(models->edit, &EditViewModel::alert,
+                         [](const QString& t, const QString& m) { ADD_FAILURE() << t.toStdString() << ": " << m.toStdString(); });
+    }
+    void TearDown() override {
+        models.reset();
+        TSEnvironment::setCurrentAlbum(nullptr);
+    }
+    // An album of the library on view at its first item, with the edit tool ready.
+    std::shared_ptr<TSPhotoAlbum> show(const library::FetchResult& fetch, const QString& title) {
+        auto album = std::make_shared<TSPhotoAlbum>();
+        TSEnvironment::setCurrentAlbum(album);
+        album->setAlbum(fetch, 0, title);
+        EXPECT_TRUE(waitUntil([&] {
+            models->toolBar->refresh();
+            return album->currentAsset && models->toolBar->tools().contains("edit");
+        }));
+        return album;
+    }
+    void editAndSaveNew(const QDateTime& date) {
+        models->toolBar->edit();
+        EditViewModel& edit = *models->edit;
+        ASSERT_TRUE(edit.active());
+        edit.settings()->setDate(date, TSKey::EXIF_DATE);
+        edit.save(0);
+        ASSERT_TRUE(waitUntil([&] { return edit.activity().isEmpty(); }));
+        EXPECT_FALSE(edit.active());
+    }
+    QString currentPath() {
+        auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
+        return album && album->currentAsset ? album->currentAsset->path() : QString();
+    }
+
+    QString root;
+    std::unique_ptr<AppModels> models;
+};
+
+TEST_F(EditInTheApp, ANewPictureIsShownOrTheAlbumsWhereItLandedAreOffered) {
+    library::Library& lib = *models->library;
+    const auto trip = lib.album("Trip");
+    ASSERT_TRUE(trip);
+    show(lib.fetchAssets(trip->identifier, Albums::fetchOptions()), "Trip");
+    editAndSaveNew(kWished);
+    ASSERT_TRUE(models->detail->addedDialog());
+    EXPECT_EQ(models->detail->addedDialog()->message, "The Photo was added in a different album. Go to see it?");
+    EXPECT_EQ(models->detail->addedDialog()->actions.first(), "In the \u201CAll Photos\u201D Album");
+    models->detail->chooseAdded(0);
+    EXPECT_EQ(TSEnvironment::currentAlbum()->title(), "All Photos");
+    EXPECT_TRUE(waitUntil([&] { return QFileInfo(currentPath()).dir().dirName() == "Tessorin"; })) << currentPath().toStdString();
+
+    // With "All Photos" on view the new picture is simply shown.
+    show(lib.fetchAssets(Albums::fetchOptions()), "All Photos");
+    const QString before = currentPath();
+    editAndSaveNew(kWished.addDays(1));
+    EXPECT_TRUE(waitUntil([&] { return currentPath() != before && !currentPath().isEmpty(); }));
+    EXPECT_EQ(QFileInfo(currentPath()).dir().dirName(), "Tessorin");
 }
