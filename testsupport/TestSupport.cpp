@@ -66,8 +66,6 @@ QStringList movies() {
     return out;
 }
 
-QString binDir() { return qEnvironmentVariable("TESSORIN_BIN"); }
-
 QString fullDateText(const QDateTime& date) {
     return QLocale::c().toString(date, QStringLiteral("dddd, d MMMM yyyy HH:mm:ss"));
 }

@@ -20,8 +20,6 @@ QStringList malformedFiles();
 // A sample movie by name (the test fails if it is missing), and every sample movie.
 QString video(const QString& name);
 QStringList movies();
-// The folder of our built executables (build/bin).
-QString binDir();
 
 QByteArray readFile(const QString& path);
 
