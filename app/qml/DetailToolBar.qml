@@ -69,6 +69,7 @@ Rectangle {
                     x: bar.flat || cell.index === 0 ? 0
                        : cell.index === ToolBar.tools.length - 1 ? cell.width - width : (cell.width - width) / 2
                     text: cell.modelData === "edit" ? "Edit" : ""
+                    font.capitalization: Font.MixedCase
                     icon.source: cell.modelData === "tags" ? (Detail.showTags ? "qrc:/icons/tag.fill.svg" : "qrc:/icons/tag.svg")
                                : cell.modelData === "prefer" ? "qrc:/icons/" + ToolBar.favoriteSymbol + ".svg"
                                : bar.symbols[cell.modelData] ? "qrc:/icons/" + bar.symbols[cell.modelData] + ".svg" : ""
