@@ -9,6 +9,19 @@
 #include <QThreadPool>
 #include <atomic>
 
+// The item on view while its bytes come from off the device. The album owns both this and the
+// requester that calls it, so the album outlives every call.
+class AlbumItemRequest : public TSAssetRequestManager {
+public:
+    AlbumItemRequest(const library::Asset& asset, TSPhotoAlbum* album) : asset_(asset), album_(album) {}
+    const library::Asset* libraryAsset() const override { return &asset_; }
+    void setData(const std::optional<QByteArray>& data, const std::optional<QString>&) override { album_->received(asset_, data); }
+
+private:
+    library::Asset asset_;
+    TSPhotoAlbum* album_;
+};
+
 void TSPhotoAlbum::setAlbum(const library::FetchResult& fetch, int index, const QString& title) {
     if (fetchedAssets && *fetchedAssets == fetch && displayedIndex == index) return;
     const bool changed = !fetchedAssets || !(*fetchedAssets == fetch);
@@ -51,15 +64,41 @@ void TSPhotoAlbum::setActualIndex(int index) {
 void TSPhotoAlbum::process() {
     if (precProcessed == displayedIndex && !needDownload()) return;
     precProcessed = displayedIndex;
+    dropRequest();
     const library::Asset* asset = assetAt(displayedIndex);
     if (!asset) {
         currentAsset.reset();
+        return;
+    }
+    const auto resource = ImageRequester::chosenResource(*asset);
+    if (resource && !ImageRequester::isLocallyAvailable(*resource)) {
+        // Reading a network or FUSE mount may take long: no rows of the item left meanwhile.
+        currentAsset.reset();
+        imageRequester_ = std::make_unique<ImageRequester>(TSEnvironment::sharedObservable());
+        request_ = std::make_shared<AlbumItemRequest>(*asset, this);
+        imageRequester_->dataRequest(request_);
         return;
     }
     // The bytes of the resource on view are read from the disk at once.
     currentAsset = std::make_shared<TSAsset>(*asset, TSEnvironment::sharedObservable());
     Settings::setValue(QString::fromLatin1(lastViewedKey), asset->localIdentifier);
     TSEnvironment::observable().sendMetaData(MetaSelector::processed, self());
+}
+
+void TSPhotoAlbum::received(const library::Asset& asset, const std::optional<QByteArray>& data) {
+    currentAsset = std::make_shared<TSAsset>(asset, data, TSEnvironment::sharedObservable());
+    Settings::setValue(QString::fromLatin1(lastViewedKey), asset.localIdentifier);
+    TSEnvironment::observable().sendMetaData(MetaSelector::processed, self());
+}
+
+void TSPhotoAlbum::dropRequest() {
+    if (!imageRequester_) return;
+    const bool running = imageRequester_->needDownload;
+    imageRequester_->onProgressCanceled();
+    imageRequester_.reset();
+    request_.reset();
+    // Its bar would otherwise stay on view over the next item.
+    if (running) TSEnvironment::observable().interrupted();
 }
 
 std::optional<int> TSPhotoAlbum::indexOfAsset(const std::optional<QString>& localIdentifier) const {

@@ -1,7 +1,8 @@
 #pragma once
 // The album over a fetch of the photo library. Moving the position builds the item's TSAsset
 // from the asset's file on disk (the edit when there is one); the library's dates and places
-// are those the file itself gives.
+// are those the file itself gives. An item kept off the device is fetched first, with progress.
+#include "ImageRequester.h"
 #include "Library.h"
 #include "TSAlbum.h"
 
@@ -19,6 +20,10 @@ struct TSAlbumChanges {
 class TSPhotoAlbum : public AbstractAlbum {
 public:
     explicit TSPhotoAlbum(bool isBurst = false) : burst_(isBurst) {}
+    // A fetch still reading stops rather than reading on into nothing.
+    ~TSPhotoAlbum() override {
+        if (imageRequester_) imageRequester_->onProgressCanceled();
+    }
 
     // The setting that remembers the library item last on view, for the "open the last item" action.
     static constexpr char lastViewedKey[] = "lastViewedAsset";
@@ -49,11 +54,19 @@ public:
     int count() const override { return fetchedAssets ? int(fetchedAssets->count()) : 0; }
     size_t hash() const override;
     void startFavoriting() override;
-    bool needDownload() const override { return false; }
+    bool needDownload() const override { return imageRequester_ && imageRequester_->needDownload; }
     std::optional<QDateTime> date(int index) const override;
 
 private:
+    friend class AlbumItemRequest;
     void process();
+    // The fetched bytes of the item on view have come: the item is built from them.
+    void received(const library::Asset& asset, const std::optional<QByteArray>& data);
+    // A fetch still running belongs to the item left: it is cancelled and its results dropped.
+    void dropRequest();
+    // One per fetch of an item off the device, so that a late result never lands on another item.
+    std::unique_ptr<ImageRequester> imageRequester_;
+    std::shared_ptr<TSAssetRequestManager> request_;
     std::shared_ptr<TSAlbum> self();
     bool burst_ = false;
     bool favoriting_ = false;

@@ -22,6 +22,20 @@ TSAsset::TSAsset(const QString& path, std::weak_ptr<Displayer> delegate) : path_
 TSAsset::TSAsset(const library::Asset& asset, std::weak_ptr<Displayer> delegate)
     : path_(asset.mainPath()), asset_(asset) {
     ddStore_->displayDelegate = std::move(delegate);
+    setLibraryRows(asset);
+    read("init(asset:delegate:)");
+    setLibrarySize(asset);
+}
+
+TSAsset::TSAsset(const library::Asset& asset, const std::optional<QByteArray>& data, std::weak_ptr<Displayer> delegate)
+    : path_(asset.mainPath()), bytes_(data.value_or(QByteArray())), asset_(asset) {
+    ddStore_->displayDelegate = std::move(delegate);
+    setLibraryRows(asset);
+    parse("setData(data:uti:)");
+    setLibrarySize(asset);
+}
+
+void TSAsset::setLibraryRows(const library::Asset& asset) {
     if (asset.mediaType == library::MediaType::video) ddStore_->mediaType = MediaType::video;
     ddStore_->setAssetDate(asset.creationDate.isValid() ? std::optional(asset.creationDate) : std::nullopt);
     std::optional<GeoLocation> location;
@@ -45,9 +59,11 @@ TSAsset::TSAsset(const library::Asset& asset, std::weak_ptr<Displayer> delegate)
     Log::debug(names.join('\n'), "init(asset:delegate:)");
     ddStore_->set(TSKey::SUBTYPE, QString::number(asset.mediaSubtypes));
     ddStore_->set(TSKey::FILETYPE, filetypes::typeIdentifier(path_));
-    read("init(asset:delegate:)");
+}
+
+void TSAsset::setLibrarySize(const library::Asset& asset) {
     // A file that could not be read still shows the size the library has for it.
-    if (file_.bytes().isEmpty() && !asset.resources.isEmpty() && asset.resources.first().fileSize > 0)
+    if (bytes_.isEmpty() && !asset.resources.isEmpty() && asset.resources.first().fileSize > 0)
         ddStore_->datas[TSKey::FILE_SIZE] = filetypes::fileSizeText(asset.resources.first().fileSize);
 }
 
@@ -58,7 +74,12 @@ void TSAsset::read(const QString& function) {
         readError_ = error;
         Log::warning(name + ": " + error, function);
     }
-    const QByteArray& bytes = file_.bytes();
+    bytes_ = file_.bytes();
+    parse(function);
+}
+
+void TSAsset::parse(const QString& function) {
+    const QByteArray& bytes = bytes_;
     Log::debug("file length: " + QString::number(bytes.size()), function);
     // A movie by its bytes is a movie whatever its name says.
     if (!isVideo() && imageio::detectFormat(bytes) == imageio::Format::Movie) ddStore().mediaType = MediaType::video;
@@ -71,7 +92,7 @@ void TSAsset::read(const QString& function) {
 
 void TSAsset::loadVideo() {
     QString error;
-    video_ = media::readMovie(file_.bytes(), &error);
+    video_ = media::readMovie(bytes_, &error);
     if (!video_) Log::warning("🎥 " + path_ + ": " + error, "video load");
     metaVideo_ = videoload::load(ddStore(), video_);
 }

@@ -21,6 +21,9 @@ public:
     // A library item: what the library knows (date and place under the source "Asset", pixel
     // sizes, resources, subtypes) first, then the bytes of the file that shows it now.
     explicit TSAsset(const library::Asset& asset, std::weak_ptr<Displayer> delegate = {});
+    // A library item whose bytes were already fetched (from off the device): the same rows as
+    // above, from `data`; no data gives the size the library has.
+    TSAsset(const library::Asset& asset, const std::optional<QByteArray>& data, std::weak_ptr<Displayer> delegate = {});
 
     // The library item this was built from; nothing for a picked file.
     const std::optional<library::Asset>& libraryAsset() const { return asset_; }
@@ -32,7 +35,7 @@ public:
     // The store as its place look-up holds it: weakly, through this pointer.
     std::shared_ptr<TSDataStore> sharedStore() const { return ddStore_; }
     // The file's whole content; empty when it could not be read.
-    const QByteArray& imageData() const { return file_.bytes(); }
+    const QByteArray& imageData() const { return bytes_; }
     bool isVideo() const { return ddStore_->mediaType == MediaType::video; }
     // Why the file could not be read, when it could not.
     const std::optional<QString>& readError() const { return readError_; }
@@ -46,6 +49,7 @@ public:
 private:
     QString path_;
     imageio::FileBytes file_;
+    QByteArray bytes_;  // the mapped file's, or the fetched ones
     TSMetaData metaData_;
     std::shared_ptr<TSDataStore> ddStore_ = std::make_shared<TSDataStore>();
     std::optional<QString> readError_;
@@ -54,6 +58,10 @@ private:
     std::optional<library::Asset> asset_;
 
     void read(const QString& function);
+    // The rows from `bytes_`.
+    void parse(const QString& function);
+    void setLibraryRows(const library::Asset& asset);
+    void setLibrarySize(const library::Asset& asset);
 
     // The movie's rows, read at once: the reader touches only the header of a mapped file.
     void loadVideo();

@@ -88,6 +88,8 @@ struct FetchOptions {
 class FetchResult {
 public:
     FetchResult() = default;
+    // Items already at hand, in this order.
+    explicit FetchResult(QList<Asset> assets) : assets_(std::move(assets)) {}
     qsizetype count() const { return assets_.size(); }
     bool isEmpty() const { return assets_.isEmpty(); }
     const Asset& objectAt(qsizetype index) const { return assets_.at(index); }

@@ -3,6 +3,7 @@
 #include "AlbumTestSupport.h"
 #include "ImageRequester.h"
 #include "Library.h"
+#include "TSPhotoAlbum.h"
 #include "Isolation.h"
 #include "TestSupport.h"
 
@@ -10,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <atomic>
 #include <csignal>
@@ -35,13 +37,15 @@ struct Receiver : TSAssetRequestManager {
     }
 };
 
-// Writes `total` bytes into a named pipe in 64 KiB pieces, pausing between them, until done or
-// until the reader closes its end.
+// Writes `content` into a named pipe in pieces, pausing between them, until done or until the
+// reader closes its end.
 class SlowSource {
 public:
-    SlowSource(const QString& path, qint64 total, int pauseMs) : path_(path) {
+    SlowSource(const QString& path, qint64 total, int pauseMs) : SlowSource(path, QByteArray(total, 'x'), 1 << 16, pauseMs) {}
+    SlowSource(const QString& path, const QByteArray& content, qint64 pieceSize, int pauseMs) : path_(path) {
         EXPECT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-        thread_ = std::thread([this, total, pauseMs] {
+        thread_ = std::thread([this, content, pieceSize, pauseMs] {
+            const qint64 total = content.size();
             // A closed reader must give EPIPE here, not a signal that ends the test program.
             sigset_t pipe;
             sigemptyset(&pipe);
@@ -49,9 +53,8 @@ public:
             pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
             const int fd = ::open(QFile::encodeName(path_).constData(), O_WRONLY);
             if (fd < 0) return;
-            const QByteArray piece(1 << 16, 'x');
             while (written < total) {
-                const ssize_t n = ::write(fd, piece.constData(), size_t(qMin<qint64>(piece.size(), total - written)));
+                const ssize_t n = ::write(fd, content.constData() + written, size_t(qMin(pieceSize, total - written)));
                 if (n <= 0) {
                     readerClosed = true;
                     break;
@@ -226,6 +229,42 @@ TEST_F(ImageRequesterTest, CancelOfALocalReadStartsNoFallback) {
     // No main request followed: the cascade stopped where the user cancelled it.
     EXPECT_FALSE(requester.lastRequest.has_value());
     EXPECT_FALSE(item->received.has_value());
+}
+
+TEST_F(ImageRequesterTest, AlbumShowsProgressThenTheRowsOfAnItemOffTheDevice) {
+    QFile jpeg(testsupport::corpusDir() + "/jpeg/Canon_40D.jpg");
+    ASSERT_TRUE(jpeg.open(QIODevice::ReadOnly));
+    const QByteArray bytes = jpeg.readAll();
+    library::Asset remote;
+    remote.localIdentifier = "remote-1";
+    remote.mediaType = library::MediaType::image;
+    remote.resources = {Resource{ResourceType::photo, "IMG_0001.JPG", path("remote.jpg"), bytes.size(), false}};
+    // Small pieces: the fetch lasts past the bar's short wait.
+    SlowSource source(path("remote.jpg"), bytes, 1024, 40);
+    auto album = std::make_shared<TSPhotoAlbum>();
+    TSEnvironment::setCurrentAlbum(album);
+    const auto forget = qScopeGuard([] { TSEnvironment::setCurrentAlbum(nullptr); });
+    screen.ignored = {"rows"};
+    album->setAlbum(library::FetchResult({remote}), 0, "Recents");
+    ASSERT_TRUE(spinUntil([&] { return album->needDownload(); }));
+    EXPECT_FALSE(album->currentAsset);
+    ASSERT_TRUE(spinUntil([&] { return album->currentAsset != nullptr; }));
+    EXPECT_FALSE(album->needDownload());
+    const TSAsset& item = *album->currentAsset;
+    EXPECT_EQ(item.imageData(), bytes);
+    EXPECT_EQ(item.ddStore().datas.value(TSKey::NAME), "IMG_0001.JPG");
+    EXPECT_EQ(item.ddStore().datas.value(TSKey::CAMERA), "Canon EOS 40D");
+    EXPECT_EQ(item.libraryAsset()->localIdentifier, "remote-1");
+
+    ASSERT_TRUE(spinUntil([&] { return screen.heard.contains("processed"); })) << screen.heard.join(" | ").toStdString();
+    const qsizetype processed = screen.heard.indexOf("processed");
+    // The bar was on view while the item was on its way.
+    QList<float> before;
+    for (qsizetype i = 0; i < processed; ++i)
+        if (screen.heard[i].startsWith("progress ")) before << screen.heard[i].mid(9).toFloat();
+    ASSERT_FALSE(before.isEmpty()) << screen.heard.join(" | ").toStdString();
+    EXPECT_LT(before.first(), 1.0f);
+    for (const QString& h : screen.heard) EXPECT_FALSE(h.startsWith("failure")) << h.toStdString();
 }
 
 }  // namespace
