@@ -70,16 +70,15 @@ AppModels::AppModels(QObject* parent)
     connect(detail, &DetailViewModel::reloadTables, tagTable, &TagTableModel::reload);
     connect(settings, &SettingsViewModel::humanChanged, detailTable, &DetailTableModel::reload);
     connect(settings, &SettingsViewModel::humanChanged, tagTable, &TagTableModel::reload);
-    // A new item saved by the edit screen: the album on view jumps to it when it holds it,
-    // otherwise the detail offers the albums where it landed.
-    connect(edit, &EditViewModel::newItemSaved, this, &AppModels::showNewItem);
     // The library tools.
     connect(toolBar, &ToolBarModel::burstOpened, app, &AppController::openGroup);
     connect(toolBar, &ToolBarModel::burstOpened, group, &GroupViewModel::attach);
     connect(albumList, &AlbumListViewModel::libraryFoldersChanged, this,
             [this] { openLibrary(Settings::value(QStringLiteral("libraryFolders")).toStringList()); });
     // The edit tool opens the edit screen on the item in view; a save in place or of a new item
-    // is read into the library at once rather than when the folder watcher notices it.
+    // is read into the library at once rather than when the folder watcher notices it. A new
+    // item: the album on view jumps to it when it holds it, otherwise the detail offers the
+    // albums where it landed.
     connect(toolBar, &ToolBarModel::editRequested, edit, &EditViewModel::openCurrent);
     connect(edit, &EditViewModel::newItemSaved, this, &AppModels::pictureAdded);
     connect(edit, &EditViewModel::saved, this, [this](int mode) {
@@ -150,25 +149,4 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "MapPicker", mapPicker);
     qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
     qmlRegisterSingletonInstance(uri, 1, 0, "Edit", edit);
-}
-
-void AppModels::showNewItem(const QString& localIdentifier) {
-    library::Library* lib = TSEnvironment::library();
-    if (!lib) return;
-    auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
-    if (album && album->fetchedAssets) {
-        const library::FetchResult now = lib->refetch(*album->fetchedAssets);
-        if (auto index = now.indexOf(localIdentifier)) {
-            album->setAlbum(now, int(*index), album->title());
-            return;
-        }
-    }
-    const library::FetchResult all = lib->fetchAssets(Albums::fetchOptions());
-    const auto inAll = all.indexOf(localIdentifier);
-    if (!inAll) return;
-    std::optional<DetailViewModel::Landing> own;
-    if (auto fetch = Albums::applicationAlbumFetch(*lib))
-        if (auto index = fetch->indexOf(localIdentifier))
-            own = DetailViewModel::Landing{*fetch, int(*index), library::Library::applicationAlbumTitle()};
-    detail->offerAddedPicture({all, int(*inAll), Albums::allPhotosTitle(true)}, own);
 }

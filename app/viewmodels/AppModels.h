@@ -39,8 +39,6 @@ public:
     // shows it when it holds it, otherwise the detail offers the albums where it landed.
     void pictureAdded(const QString& localIdentifier);
     std::unique_ptr<library::Library> library;
-    // After a save of a new item: go to it, or offer the albums where it landed.
-    void showNewItem(const QString& localIdentifier);
     TSLibraryObserver* libraryObserver = nullptr;
 
     AppController* app;
