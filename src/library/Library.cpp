@@ -18,6 +18,7 @@
 #include <QtConcurrent/QtConcurrentMap>
 #include <algorithm>
 #include <sqlite3.h>
+#include <utility>
 #include <vector>
 
 namespace library {
@@ -260,6 +261,7 @@ QString Library::applicationAlbumTitle() { return QStringLiteral(TESSORIN_APP_NA
 Library::Library(QStringList folders, QString databasePath, QObject* parent) : QObject(parent) {
     for (const QString& f : folders) folders_ << QDir::cleanPath(QFileInfo(f).absoluteFilePath());
     index_ = std::make_unique<Index>(databasePath);
+    if (index_->isOpen()) toldVersion_ = dataVersion();
 }
 
 Library::~Library() = default;
@@ -340,7 +342,14 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     QList<FileRow> gone;
     for (const FileRow& r : std::as_const(known))
         if (!disk.contains(r.path) && reachable(r.path)) gone << r;
-    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) return lastScan_ = report;
+    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) {
+        // Another Library on this index (a save's worker has its own) may have brought it up to
+        // date already: its writes are still news to this one's observers.
+        const qint64 told = std::exchange(toldVersion_, dataVersion());
+        lastScan_ = report;
+        if (told != toldVersion_) emit libraryDidChange();
+        return report;
+    }
     std::sort(fresh.begin(), fresh.end());
 
     // The reading is done before the transaction, so the database is held only for the writes.
@@ -439,6 +448,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         return lastScan_ = report;
     }
     lastScan_ = report;
+    toldVersion_ = dataVersion();
     emit libraryDidChange();
     return report;
 }
@@ -571,8 +581,7 @@ FetchResult Library::fetchAssets(const QStringList& localIdentifiers) const {
 const QList<Asset>& Library::allAssets() const {
     // Loading and grouping every row costs far more than a fetch needs: the assets are kept
     // until the index changes, by this connection (its change count) or another (data_version).
-    Statement version(index_->db(), "PRAGMA data_version");
-    const qint64 dataVersion = version.step() ? version.integer(0) : -1;
+    const qint64 dataVersion = this->dataVersion();
     const qint64 changes = sqlite3_total_changes64(index_->db());
     if (dataVersion != cache_.dataVersion || changes != cache_.changes || dataVersion < 0) {
         cache_.assets = loadAll(*index_, folders_, cache_.dates);
@@ -580,6 +589,12 @@ const QList<Asset>& Library::allAssets() const {
         cache_.changes = changes;
     }
     return cache_.assets;
+}
+
+qint64 Library::dataVersion() const {
+    // Moves only with the commits of other connections, never with this one's own.
+    Statement version(index_->db(), "PRAGMA data_version");
+    return version.step() ? version.integer(0) : -1;
 }
 
 FetchResult Library::refetch(const FetchResult& before) const {

@@ -250,6 +250,9 @@ private:
     ScanReport lastScan_;
     // Every asset as last loaded, with its creation date in milliseconds for sorting.
     const QList<Asset>& allAssets() const;
+    qint64 dataVersion() const;
+    // The index's data_version when observers were last told of a change.
+    qint64 toldVersion_ = -1;
     struct Cache {
         qint64 dataVersion = -1, changes = -1;
         QList<Asset> assets;

@@ -590,3 +590,26 @@ TEST_F(EditInTheApp, ANewPictureIsShownOrTheAlbumsWhereItLandedAreOffered) {
     EXPECT_TRUE(waitUntil([&] { return currentPath() != before && !currentPath().isEmpty(); }));
     EXPECT_EQ(QFileInfo(currentPath()).dir().dirName(), "Tessorin");
 }
+
+// Modify edits the item in place through the save's own library; the album on view must still
+// show the item as edited, not as it was.
+TEST_F(EditInTheApp, AModifiedPictureIsShownWithItsNewDate) {
+    library::Library& lib = *models->library;
+    auto album = show(lib.fetchAssets(Albums::fetchOptions()), "All Photos");
+    ASSERT_TRUE(album->currentAsset && album->currentAsset->libraryAsset());
+    const QString id = album->currentAsset->libraryAsset()->localIdentifier;
+    ASSERT_NE(album->currentAsset->libraryAsset()->creationDate.date(), kWished.date());
+
+    models->toolBar->edit();
+    EditViewModel& edit = *models->edit;
+    ASSERT_TRUE(edit.active());
+    edit.settings()->setDate(kWished, TSKey::EXIF_DATE);
+    edit.save(1);
+    ASSERT_TRUE(waitUntil([&] { return edit.activity().isEmpty(); }));
+    EXPECT_TRUE(waitUntil([&] {
+        auto onView = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
+        if (!onView || !onView->currentAsset || !onView->currentAsset->libraryAsset()) return false;
+        const library::Asset& shown = *onView->currentAsset->libraryAsset();
+        return shown.localIdentifier == id && shown.isEdited() && shown.creationDate.date() == kWished.date();
+    }, 10000)) << currentPath().toStdString();
+}

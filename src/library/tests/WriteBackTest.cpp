@@ -87,6 +87,35 @@ TEST_F(LibraryFixture, EditInPlaceKeepsTheOriginalAndRevertBringsItBack) {
     EXPECT_FALSE(lib->revert(before.localIdentifier, &error));
 }
 
+// The app's library and a save's worker each hold the index; the worker's edit leaves nothing on
+// disk for the app's scan to find, yet the app's observers must hear of it.
+TEST_F(LibraryFixture, EditThroughAnotherInstanceIsToldByTheNextScan) {
+    const QString file = add("jpeg/Canon_40D.jpg", "rome.jpg");
+    add("jpeg/Nikon_D70.jpg", "other.jpg");
+    lib->scan();
+    const FetchResult before = lib->fetchAssets();
+    const QString id = assetOf(file).localIdentifier;
+    QSignalSpy changed(lib.get(), &Library::libraryDidChange);
+
+    Library worker({root()}, database());
+    ASSERT_TRUE(worker.editInPlace(id, redated(file, "2001:02:03 04:05:06"), "jpg", "payload"));
+    EXPECT_EQ(changed.count(), 0);
+
+    lib->scan();
+    EXPECT_EQ(changed.count(), 1);
+    const ChangeDetails d = lib->changeDetails(before);
+    ASSERT_EQ(d.changedObjects.size(), 1);
+    EXPECT_EQ(d.changedObjects[0].localIdentifier, id);
+    EXPECT_EQ(d.changedObjects[0].creationDate.date(), QDate(2001, 2, 3));
+    EXPECT_TRUE(d.changedObjects[0].isEdited());
+    EXPECT_TRUE(d.insertedObjects.isEmpty());
+    EXPECT_TRUE(d.removedObjects.isEmpty());
+
+    // Told once: a scan after it, with nothing new anywhere, stays quiet.
+    lib->scan();
+    EXPECT_EQ(changed.count(), 1);
+}
+
 TEST_F(LibraryFixture, EditThatChangesTheFormatRenamesAndRevertRestoresTheName) {
     const QString heic = add("heif/IMG_5195.HEIC", "IMG_5195.HEIC");
     const QByteArray original = testsupport::readFile(heic);
