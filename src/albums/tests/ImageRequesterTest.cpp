@@ -85,6 +85,9 @@ protected:
         hub.download = DownloadLevel::none;
         hub.addObserver(&screen);
     }
+    // The hub is every test's: a delayed progress must land in the test that caused it, not
+    // move the bar of the next one.
+    void TearDown() override { spin(300); }
     QString path(const QString& name) { return isolation().root() + '/' + name; }
     // An image item whose only file sits on a mount that isn't this device.
     void remoteItem(const QString& file, qint64 size) {
