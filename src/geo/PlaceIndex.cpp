@@ -47,14 +47,15 @@ QString PlaceIndex::defaultPath() {
 
 std::shared_ptr<const PlaceIndex> PlaceIndex::shared() {
     static std::once_flag once;
-    static std::shared_ptr<const PlaceIndex> index;
+    // Never destroyed: the geocoder's thread may still copy it while the process exits.
+    static auto* index = new std::shared_ptr<const PlaceIndex>;
     std::call_once(once, [] {
         QString error;
         const QString path = defaultPath();
-        index = load(path, &error);
-        if (!index) Log::error("🗺 no place data: " + error, "PlaceIndex.shared");
+        *index = load(path, &error);
+        if (!*index) Log::error("🗺 no place data: " + error, "PlaceIndex.shared");
     });
-    return index;
+    return *index;
 }
 
 std::shared_ptr<const PlaceIndex> PlaceIndex::load(const QString& path, QString* error) {
