@@ -251,4 +251,11 @@ QString iccDescription(const QByteArray& icc) {
     return {};
 }
 
+qsizetype jpegScanStart(const QByteArray& jpeg) {
+    const qsizetype sos = probeJpeg(jpeg).headersEnd;
+    if (sos < 0 || sos + 4 > jpeg.size() || uint8_t(jpeg[sos]) != 0xFF || uint8_t(jpeg[sos + 1]) != 0xDA) return -1;
+    const qsizetype end = sos + 2 + (qsizetype(uint8_t(jpeg[sos + 2])) << 8 | uint8_t(jpeg[sos + 3]));
+    return end > jpeg.size() ? -1 : end;
+}
+
 }  // namespace imageio

@@ -20,6 +20,9 @@ struct ImageFacts {
 };
 
 ImageFacts probeJpeg(const QByteArray& bytes);
+// Where a JPEG's scan starts, after its start-of-scan header; -1 when `jpeg` holds no whole
+// start-of-scan header.
+qsizetype jpegScanStart(const QByteArray& jpeg);
 ImageFacts probePng(const QByteArray& bytes);
 ImageFacts probeWebP(const QByteArray& bytes);
 

@@ -2,6 +2,7 @@
 #include "Exiv2Convert.h"
 #include "FileBytes.h"
 #include "ImageProperties.h"
+#include "Rewritten.h"
 #include "PropertyKeys.h"
 
 #include <exiv2/exiv2.hpp>
@@ -342,35 +343,45 @@ std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
 }
 
 // libheif asks for boxes and items by position; the file's image data is never asked for.
-struct HeifFileReader {
-    FilePieces& file;
+// `Source` is anything with read(at, into, n) and size(): a file, or a file being rewritten.
+template <typename Source>
+struct HeifReader {
+    Source& source;
     qint64 position = 0;
 
-    static HeifFileReader& of(void* userdata) { return *static_cast<HeifFileReader*>(userdata); }
+    static HeifReader& of(void* userdata) { return *static_cast<HeifReader*>(userdata); }
     static const heif_reader* callbacks() {
         static const heif_reader reader{
             1,
             [](void* u) -> int64_t { return of(u).position; },
             [](void* data, size_t size, void* u) -> int {
-                HeifFileReader& r = of(u);
-                if (r.file.read(r.position, static_cast<char*>(data), qint64(size)) != qint64(size)) return -1;
+                HeifReader& r = of(u);
+                if (r.source.read(r.position, static_cast<char*>(data), qint64(size)) != qint64(size)) return -1;
                 r.position += qint64(size);
                 return 0;
             },
             [](int64_t position, void* u) -> int {
-                HeifFileReader& r = of(u);
-                if (position < 0 || position > r.file.size()) return -1;
+                HeifReader& r = of(u);
+                if (position < 0 || position > r.source.size()) return -1;
                 r.position = position;
                 return 0;
             },
             [](int64_t target, void* u) -> heif_reader_grow_status {
-                return target > of(u).file.size() ? heif_reader_grow_status_size_beyond_eof
-                                                  : heif_reader_grow_status_size_reached;
+                return target > of(u).source.size() ? heif_reader_grow_status_size_beyond_eof
+                                                    : heif_reader_grow_status_size_reached;
             },
         };
         return &reader;
     }
 };
+
+template <typename Source>
+std::optional<PropertyDict> readHeif(Source& source, QString* error) {
+    HeifReader<Source> reader{source};
+    HeifContext ctx(heif_context_alloc(), heif_context_free);
+    heif_error err = heif_context_read_from_reader(ctx.get(), HeifReader<Source>::callbacks(), &reader, nullptr);
+    return readHeif(ctx.get(), err, source.size(), error);
+}
 
 // A JPEG's metadata all lies before its scan: the bytes up to and with the start-of-scan
 // segment are all its reader looks at. Nothing when the walk finds no scan (a damaged or cut
@@ -480,10 +491,7 @@ std::optional<PropertyDict> readFileProperties(const QString& path, QString* err
                 return counted(readWithExiv2(*prefix, format, file.size(), error));
             }
         } else if (format == Format::Heif || format == Format::Avif) {
-            HeifFileReader reader{file};
-            HeifContext ctx(heif_context_alloc(), heif_context_free);
-            heif_error err = heif_context_read_from_reader(ctx.get(), HeifFileReader::callbacks(), &reader, nullptr);
-            return counted(readHeif(ctx.get(), err, file.size(), error));
+            return counted(readHeif(file, error));
         }
     }
     // The other containers may keep metadata behind the image data (TIFF directories, PNG and
@@ -493,6 +501,21 @@ std::optional<PropertyDict> readFileProperties(const QString& path, QString* err
     auto props = readProperties(whole.bytes(), error);
     if (bytesRead) *bytesRead = file.bytesRead() + whole.bytes().size();
     return props;
+}
+
+std::optional<PropertyDict> readProperties(const Rewritten& file, QString* error) {
+    const Format format = detectFormat(file.head(64));
+    if (format == Format::Heif || format == Format::Avif) {
+        initExiv2();
+        return readHeif(file, error);
+    }
+    // A JPEG's leading piece is its segments up to the scan: all its reader looks at.
+    const QByteArray leading = file.leadingBytes();
+    if (format == Format::Jpeg && leading.size() < file.size() && jpegScanStart(leading) == leading.size()) {
+        initExiv2();
+        return readWithExiv2(leading, format, file.size(), error);
+    }
+    return readProperties(file.joined(), error);
 }
 
 }  // namespace imageio
