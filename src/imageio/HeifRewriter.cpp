@@ -260,7 +260,6 @@ std::pair<QByteArray, QByteArray> splitExif(const QByteArray& item) {
 std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDict& before, const PropertyDict& changes,
                                       QString* error) {
     initExiv2();
-    std::lock_guard xmpTurn(xmpMutex());
     try {
         Container heif(source);
         const auto exifItem = heif.item("Exif");
@@ -281,11 +280,19 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
                                                   uint32_t(tiff.size()));
             }
         }
+        // XMP work takes turns (see xmpMutex); the containers and the Exif block need not.
+        std::unique_lock xmpTurn(xmpMutex());
         if (xmpItem) {
             const QByteArray packet = heif.data(*xmpItem);
             if (Exiv2::XmpParser::decode(xmp, packet.toStdString()) != 0) throw Broken("the XMP packet can't be read");
         }
         applyChanges(before, changes, MetadataBlocks{exif, iptc, xmp});
+        std::string packet;
+        if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
+            throw Broken("the XMP packet can't be written");
+        const bool anyXmp = !xmp.empty();
+        xmp.clear();
+        xmpTurn.unlock();
 
         QByteArray newExif;
         if (exifItem || !exif.empty()) {
@@ -301,10 +308,7 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
             newExif = exifPrefix + encoded;
         }
         QByteArray newXmp;
-        if (xmpItem || !xmp.empty()) {
-            std::string packet;
-            if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
-                throw Broken("the XMP packet can't be written");
+        if (xmpItem || anyXmp) {
             // An item of length 0 would mean "to the end of the file", so an emptied packet stays a packet.
             newXmp = packet.empty() ? QByteArray("<?xpacket begin=\"\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>"
                                                  "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf="

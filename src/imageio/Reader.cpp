@@ -156,36 +156,6 @@ void addProfile(const QByteArray& icc, PropertyDict& top) {
     if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
 }
 
-// A JPEG's XMP packet and its other segments apart. exiv2 decodes the first XMP segment and skips
-// any later one; that decoding must take turns (see xmpMutex), the rest of the reading need not,
-// so the XMP segments are taken out of what exiv2 reads and their packet is decoded on its own.
-struct JpegXmp {
-    QByteArray withoutXmp;
-    std::optional<std::string> packet;
-};
-
-JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd) {
-    static constexpr char id[] = "http://ns.adobe.com/xap/1.0/";  // 28 characters and its zero
-    JpegXmp out;
-    qsizetype at = 2, kept = 0;
-    while (at + 4 <= headersEnd) {
-        const uint8_t marker = uint8_t(jpeg[at + 1]);
-        if (uint8_t(jpeg[at]) != 0xFF || marker == 0xFF || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
-            return {jpeg, std::nullopt};  // fill bytes and markers without a length: left to exiv2
-        const qsizetype size = qsizetype(uint8_t(jpeg[at + 2])) << 8 | uint8_t(jpeg[at + 3]);
-        if (at + 2 + size > headersEnd) break;
-        if (marker == 0xE1 && size >= 31 && std::memcmp(jpeg.constData() + at + 4, id, 29) == 0) {
-            if (!out.packet) out.packet.emplace(jpeg.constData() + at + 4 + 29, size_t(size - 31));
-            out.withoutXmp += QByteArrayView(jpeg).sliced(kept, at - kept);
-            kept = at + 2 + size;
-        }
-        at += 2 + size;
-    }
-    if (!out.packet) return {jpeg, std::nullopt};
-    out.withoutXmp += QByteArrayView(jpeg).sliced(kept);
-    return out;
-}
-
 // `fileSize` is the whole file's, when `bytes` hold only its first part.
 std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format, qint64 fileSize, QString* error) {
     JpegXmp jpegXmp;
@@ -217,7 +187,7 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
     // A JPEG whose XMP was taken out holds none now, and one without such a segment held none
     // (both seen in its segments before the scan); other containers may hold XMP anywhere.
     const bool mayHoldXmp = format != Format::Jpeg ||
-                            QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains("http://ns.adobe.com/xap/1.0/");
+                            QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains(kJpegXmpId);
     std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
     if (mayHoldXmp) xmpTurn.lock();
     QString failure;

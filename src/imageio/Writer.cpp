@@ -51,11 +51,19 @@ std::optional<Rewritten> writeWithExiv2(const QByteArray& whole, Format format, 
                                         const PropertyDict& changes, QString* error) {
     const qsizetype scan = format == Format::Jpeg ? jpegScanStart(whole) : -1;
     const qsizetype scanAt = scan < 0 ? whole.size() : scan;
-    const QByteArray source = QByteArray::fromRawData(whole.constData(), scanAt);
+    const QByteArray headers = QByteArray::fromRawData(whole.constData(), scanAt);
+    // XMP work takes turns (see xmpMutex). A JPEG's packet is kept out of what exiv2 reads; it is
+    // decoded, changed and encoded here in turn, and exiv2 writes it as it is, so that the rest
+    // of many JPEGs are written side by side. Other files take their turn from start to end.
+    JpegXmp jpegXmp;
+    if (scan >= 0) jpegXmp = takeOutXmp(headers, scanAt);
+    const bool xmpApart = scan >= 0 && (jpegXmp.packet || !headers.contains(kJpegXmpId));
+    const QByteArray& source = jpegXmp.packet ? jpegXmp.withoutXmp : headers;
     initExiv2();
+    std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
+    if (!xmpApart) xmpTurn.lock();
     // exiv2 updates a TIFF in place where it can, so it works on a copy of its own: the source
     // may be a read-only mapping of the original file.
-    std::lock_guard xmpTurn(xmpMutex());
     Exiv2::BasicIo::AutoPtr copy(new Exiv2::MemIo);
     if (copy->write(reinterpret_cast<const Exiv2::byte*>(source.constData()), long(source.size())) != long(source.size()))
         return fail(error, QStringLiteral("out of memory"));
@@ -68,7 +76,21 @@ std::optional<Rewritten> writeWithExiv2(const QByteArray& whole, Format format, 
     // the file already has it.
     blocks.writeIim = format == Format::Jpeg || format == Format::Tiff || !image->iptcData().empty();
     blocks.keepImageStructure = format == Format::Tiff;
-    applyChanges(before, changes, blocks);
+    if (xmpApart) {
+        xmpTurn.lock();
+        // A packet that can't be read is dropped, as exiv2 does with one it reads itself.
+        if (jpegXmp.packet && Exiv2::XmpParser::decode(image->xmpData(), *jpegXmp.packet) != 0) image->xmpData().clear();
+        applyChanges(before, changes, blocks);
+        std::string packet;
+        if (!image->xmpData().empty() &&
+            Exiv2::XmpParser::encode(packet, image->xmpData(), Exiv2::XmpParser::useCompactFormat) != 0)
+            return fail(error, QStringLiteral("the XMP packet can't be written"));
+        xmpTurn.unlock();
+        image->xmpPacket() = packet;
+        image->writeXmpFromPacket(true);
+    } else {
+        applyChanges(before, changes, blocks);
+    }
     image->writeMetadata();
     Exiv2::BasicIo& io = image->io();
     if (io.open() != 0) return fail(error, QStringLiteral("the new file could not be made"));
