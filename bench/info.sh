@@ -23,11 +23,12 @@ cat "${images[@]}" > /dev/null
 source "$(dirname "$0")/measure.sh"
 # Settings are read at each use; give the run a settings folder of its own.
 export XDG_CONFIG_HOME="$work/config"
-read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 measure "$cli" info "${files[@]}")
-read -r ours_wall ours_cpu < <(measure "$cli" info "${files[@]}")
-read -r et_wall et_cpu < <(measure exiftool -@ "$work/info-files.txt")
+runs=3
+read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 fastest $runs "$cli" info "${files[@]}")
+read -r ours_wall ours_cpu < <(fastest $runs "$cli" info "${files[@]}")
+read -r et_wall et_cpu < <(fastest $runs exiftool -@ "$work/info-files.txt")
 
-echo "files: $count (${#images[@]} sample images, repeated)"
+echo "files: $count (${#images[@]} sample images, repeated); fastest of $runs runs each"
 header
 row "info, 1 worker" "$one_wall" "$one_cpu"
 row "info, all workers" "$ours_wall" "$ours_cpu"

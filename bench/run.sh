@@ -22,12 +22,13 @@ mkdir -p "$work"
 printf '%s\n' "${files[@]}" > "$work/files.txt"
 cat "${images[@]}" > /dev/null  # into the page cache, so all three read from memory
 
-read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 measure "$cli" props "${files[@]}")
-read -r ours_wall ours_cpu < <(measure "$cli" props "${files[@]}")
-read -r et_wall et_cpu < <(measure exiftool -j -n -@ "$work/files.txt")
-read -r exiv2_wall exiv2_cpu < <(measure exiv2 -pa "${files[@]}")
+runs=3
+read -r one_wall one_cpu < <(TESSORIN_WORKERS=1 fastest $runs "$cli" props "${files[@]}")
+read -r ours_wall ours_cpu < <(fastest $runs "$cli" props "${files[@]}")
+read -r et_wall et_cpu < <(fastest $runs exiftool -j -n -@ "$work/files.txt")
+read -r exiv2_wall exiv2_cpu < <(fastest $runs exiv2 -pa "${files[@]}")
 
-echo "files: $count (${#images[@]} sample images, repeated); workers: $(nproc) cores"
+echo "files: $count (${#images[@]} sample images, repeated); workers: $(nproc) cores; fastest of $runs runs each"
 header
 row "props, 1 worker" "$one_wall" "$one_cpu"
 row "props, all workers" "$ours_wall" "$ours_cpu"
