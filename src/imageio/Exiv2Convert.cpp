@@ -449,25 +449,6 @@ QVariant xmpNumber(const QString& text) {
     return ok ? QVariant(v) : QVariant(text);
 }
 
-// All items of an XMP value: the entries of an array, the default text of a language alternative.
-QStringList xmpItems(const Exiv2::Xmpdatum& d) {
-    QStringList out;
-    const Exiv2::Value& v = d.value();
-    if (v.typeId() == Exiv2::langAlt) {
-        auto* la = dynamic_cast<const Exiv2::LangAltValue*>(&v);
-        if (la && !la->value_.empty()) {
-            auto it = la->value_.find("x-default");
-            out << QString::fromStdString(it != la->value_.end() ? it->second : la->value_.begin()->second);
-        }
-        return out;
-    }
-    // Only arrays count items: a simple text's count is its length in bytes.
-    if (v.typeId() == Exiv2::xmpBag || v.typeId() == Exiv2::xmpSeq || v.typeId() == Exiv2::xmpAlt)
-        for (long i = 0; i < v.count(); ++i) out << QString::fromStdString(v.toString(i));
-    if (out.isEmpty()) out << QString::fromStdString(v.toString());
-    return out;
-}
-
 }  // namespace
 
 QString decodeText(const std::string& bytes) {
@@ -563,24 +544,19 @@ void addIptc(const Exiv2::IptcData& iptc, PropertyDict& top) {
     if (!dict.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, dict);
 }
 
-void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
-
-    // One pass to index the packet: findKey walks the whole list, rebuilding every key text,
-    // for each of the fields above.
-    std::unordered_map<std::string, const Exiv2::Xmpdatum*> byKey;
-    for (const auto& d : xmp) byKey.emplace(d.key(), &d);
-    auto find = [&](const char* key) -> const Exiv2::Xmpdatum* {
-        auto it = byKey.find(key);
-        return it == byKey.end() ? nullptr : it->second;
-    };
+void addXmp(const XmpPacket& xmp, PropertyDict& top) {
+    // One pass to index the packet, instead of a walk through it for each field.
+    QHash<QString, const XmpProperty*> byKey;
+    for (const auto& [key, value] : xmp.properties) byKey.insert(key, &value);
+    auto find = [&](const char* key) { return byKey.value(QString::fromLatin1(key)); };
 
     PropertyDict iptc = top.value(kCGImagePropertyIPTCDictionary).toMap();
     for (const auto& f : xmpIptcFields()) {
         if (iptc.contains(f.key)) continue;
         try {
-            const Exiv2::Xmpdatum* d = find(f.xmpKey);
+            const XmpProperty* d = find(f.xmpKey);
             if (!d) continue;
-            QStringList items = xmpItems(*d);
+            QStringList items = d->values();
             if (items.isEmpty()) continue;
             if (f.array) iptc.insert(f.key, QVariant(items).toList());
             else iptc.insert(f.key, items.join(", "));
@@ -589,10 +565,9 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
     }
     // Genre of the extension schema is a structure; its name is what people read.
     if (!iptc.contains(kCGImagePropertyIPTCExtGenre)) {
-        for (const auto& d : xmp) {
-            const std::string& k = d.key();
-            if (k.rfind("Xmp.iptcExt.Genre", 0) == 0 && k.size() > 4 && k.compare(k.size() - 4, 4, "Name") == 0) {
-                iptc.insert(kCGImagePropertyIPTCExtGenre, QString::fromStdString(d.toString()));
+        for (const auto& [k, d] : xmp.properties) {
+            if (k.startsWith(QLatin1String("Xmp.iptcExt.Genre")) && k.endsWith(QLatin1String("Name"))) {
+                iptc.insert(kCGImagePropertyIPTCExtGenre, d.toString());
                 break;
             }
         }
@@ -600,7 +575,7 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
     PropertyDict contact = iptc.value(kCGImagePropertyIPTCCreatorContactInfo).toMap();
     for (const auto& f : xmpContactFields()) {
         if (contact.contains(f.key)) continue;
-        if (const Exiv2::Xmpdatum* d = find(f.xmpKey)) contact.insert(f.key, QString::fromStdString(d->toString()));
+        if (const XmpProperty* d = find(f.xmpKey)) contact.insert(f.key, d->toString());
     }
     if (!contact.isEmpty()) iptc.insert(kCGImagePropertyIPTCCreatorContactInfo, contact);
     if (!iptc.isEmpty()) top.insert(kCGImagePropertyIPTCDictionary, iptc);
@@ -615,9 +590,9 @@ void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top) {
         PropertyDict& dict = *group;
         if (dict.contains(f.key)) continue;
         try {
-            const Exiv2::Xmpdatum* d = find(f.xmpKey);
+            const XmpProperty* d = find(f.xmpKey);
             if (!d) continue;
-            QStringList items = xmpItems(*d);
+            QStringList items = d->values();
             if (items.isEmpty()) continue;
             QVariant value;
             switch (f.kind) {

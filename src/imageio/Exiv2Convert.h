@@ -3,6 +3,7 @@
 // conventions: rationals as doubles, GPS degrees unsigned beside their references, version tags
 // as arrays of numbers, dates as text "yyyy:MM:dd HH:mm:ss", IPTC repeatables as arrays.
 #include "ImageProperties.h"
+#include "XmpPacket.h"
 
 #include <exiv2/exif.hpp>
 #include <exiv2/iptc.hpp>
@@ -49,7 +50,7 @@ void addExif(const Exiv2::ExifData& exif, PropertyDict& top);
 void addIptc(const Exiv2::IptcData& iptc, PropertyDict& top);
 // Merges XMP: IPTC Core and Extension fields into {IPTC} where IIM has none, and the
 // EXIF/TIFF/aux fields that the binary blocks lack.
-void addXmp(const Exiv2::XmpData& xmp, PropertyDict& top);
+void addXmp(const XmpPacket& xmp, PropertyDict& top);
 
 // Text from bytes that may be UTF-8 or, in older files, Latin-1.
 QString decodeText(const std::string& bytes);

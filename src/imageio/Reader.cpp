@@ -196,6 +196,7 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
     } catch (const std::exception& e) {
         failure = QString::fromLocal8Bit(e.what());
     }
+    if (xmpTurn.owns_lock()) xmpTurn.unlock();
 
     PropertyDict top;
     try {
@@ -203,15 +204,9 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
         setFacts(facts, top);
         addExif(image->exifData(), top);
         addIptc(image->iptcData(), top);
-        if (!xmpTurn.owns_lock() && jpegXmp.packet && !jpegXmp.packet->empty()) {
-            xmpTurn.lock();
-            Exiv2::XmpData xmp;
-            Exiv2::XmpParser::decode(xmp, *jpegXmp.packet);
-            addXmp(xmp, top);
-        } else {
-            addXmp(image->xmpData(), top);
-        }
-        if (xmpTurn.owns_lock()) xmpTurn.unlock();
+        const std::string& packet = jpegXmp.packet ? *jpegXmp.packet : image->xmpPacket();
+        if (auto xmp = packet.empty() ? std::nullopt : parseXmpPacket(QByteArrayView(packet.data(), qsizetype(packet.size()))))
+            addXmp(*xmp, top);
         addTiffResolution(top);
         QByteArray icc = facts.icc;
         if (icc.isEmpty() && image->iccProfileDefined())
@@ -267,7 +262,7 @@ std::optional<PropertyDict> readHeif(heif_context* ctx, heif_error err, qint64 f
     }
 
     Exiv2::ExifData exif;
-    Exiv2::XmpData xmp;
+    std::optional<XmpPacket> xmp;
     int count = heif_image_handle_get_number_of_metadata_blocks(handle.get(), nullptr);
     std::vector<heif_item_id> ids(size_t(qMax(count, 0)));
     if (count > 0) heif_image_handle_get_list_of_metadata_block_IDs(handle.get(), nullptr, ids.data(), count);
@@ -288,19 +283,14 @@ std::optional<PropertyDict> readHeif(heif_context* ctx, heif_error err, qint64 f
                                               uint32_t(tiff.size()));
                 }
             } else if (type == "mime" && contentType == "application/rdf+xml") {
-                std::lock_guard xmpTurn(xmpMutex());
-                Exiv2::XmpParser::decode(xmp, block.toStdString());
+                xmp = parseXmpPacket(block);
             }
         } catch (const std::exception&) {
             // A broken block is skipped; the image and the other blocks still count.
         }
     }
     addExif(exif, top);
-    {
-        std::lock_guard xmpTurn(xmpMutex());
-        addXmp(xmp, top);
-        xmp.clear();
-    }
+    if (xmp) addXmp(*xmp, top);
     addTiffResolution(top);
     top.insert(kCGImagePropertyFileSize, fileSize);
     return top;
