@@ -1,3 +1,4 @@
+#include "Formatter.h"
 #include "PropertyKeys.h"
 #include "Settings.h"
 #include "TSMeanings.h"
@@ -105,4 +106,16 @@ TEST_F(StringFor, UsesTheFallbackAndIgnoresBareNumbers) {
     EXPECT_EQ(string(md, TSKey::ISO_SPEED), "100,200");
     EXPECT_EQ(string(md, TSKey::IPTC_KEYWORDS), "a,b");
     EXPECT_FALSE(string(md, TSKey::CAMERA));
+}
+
+// An EXIF date is exactly "yyyy:MM:dd HH:mm:ss" naming a real day and time.
+TEST(ExifDate, ReadsOnlyRealDatesOfTheExactShape) {
+    EXPECT_EQ(Formatter::exifDate("2021:06:01 12:34:56"), QDateTime(QDate(2021, 6, 1), QTime(12, 34, 56)));
+    EXPECT_EQ(Formatter::exifDate("2024:02:29 00:00:00"), QDateTime(QDate(2024, 2, 29), QTime(0, 0)));
+    for (const char* wrong : {"2023:02:29 00:00:00", "2021:13:01 00:00:00", "2021:06:01 24:00:00",
+                              "2021:06:01 12:60:00", "2021-06-01 12:34:56", "2021:06:01 12:34:5", "2021:06:01 12:34:567",
+                              "2021:06:01T12:34:56", "    :  :     :  :  ", "0000:00:00 00:00:00", ""})
+        EXPECT_EQ(Formatter::exifDate(QString::fromLatin1(wrong)), std::nullopt) << wrong;
+    // Digits of other scripts are not EXIF's.
+    EXPECT_EQ(Formatter::exifDate(QString::fromUtf8("\u0662\u0660\u0662\u0661:06:01 12:34:56")), std::nullopt);
 }
