@@ -17,6 +17,7 @@
 #include "TemplateModel.h"
 
 #include <QDir>
+#include <QSet>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -80,58 +81,100 @@ QString backupPath(const QString& path) {
     return info.dir().filePath(info.completeBaseName() + QStringLiteral("_original.") + info.suffix());
 }
 
-// One photo from its wishes to its file. Returns false after reporting a failure.
-bool editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
-               const Target& target, bool& wrote) {
+// What editing one file came to, told in the order the files were named.
+struct Outcome {
+    QString out, err;  // lines for standard output and standard error
+    bool movie = false, failed = false, wrote = false;
+};
+
+// One photo from its wishes to its file.
+void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
+               const Target& target, Outcome& outcome) {
     const QString path = asset->path();
+    auto fail = [&](const QString& why) {
+        outcome.err += path + ": " + why + "\n";
+        outcome.failed = true;
+    };
     UserSettings settings = base;
     ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
     ExifModifier modifier({photo});
     if (batch.any())
         modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
-            for (const QString& problem : applyBatch(*p.tags, batch)) printOut(path + ": " + problem + "\n");
+            for (const QString& problem : applyBatch(*p.tags, batch)) outcome.out += path + ": " + problem + "\n";
         };
     modifier.modify(settings, false);
     if (!modifier.anyChanged()) {
-        printOut(path + ": Nothing changed\n");
-        return true;
+        outcome.out += path + ": Nothing changed\n";
+        return;
     }
     if (!target.libraryMode.isEmpty()) {
         modifier.library = &cliLibrary();
-        bool ok = false;
         modifier.save(target.libraryMode == "new" ? SaveMode::newItem : SaveMode::modify,
                       [&](const QStringList& ids, const std::optional<QString>& message) {
-                          if (message) printError(path + ": " + *message + "\n");
-                          else printOut(path + " -> " + ids.join(", ") + ": " + photo.tags->changedTags().join(", ") + "\n");
-                          ok = !message;
+                          if (message) fail(*message);
+                          else outcome.out += path + " -> " + ids.join(", ") + ": " + photo.tags->changedTags().join(", ") + "\n";
+                          outcome.wrote = !message;
                       });
-        wrote = wrote || ok;
-        return ok;
+        return;
     }
     modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
     const QString backup = backupPath(path);
     try {
         const auto rewritten = modifier.rewrite(target.render ? SaveMode::modify : SaveMode::files);
         if (target.inPlace && target.keepOriginal) {
-            if (QFileInfo::exists(backup) || !QFile::copy(path, backup)) {
-                printError(path + ": can't keep the original as " + backup + "\n");
-                return false;
-            }
+            if (QFileInfo::exists(backup) || !QFile::copy(path, backup)) return fail("can't keep the original as " + backup);
         }
         QStringList urls;
         if (auto failure = modifier.dataToTempFile(rewritten, urls)) {
             if (target.inPlace && target.keepOriginal) QFile::remove(backup);
-            printError(path + ": " + *failure + "\n");
-            return false;
+            return fail(*failure);
         }
         const QStringList changes = photo.tags->changedTags();
-        printOut(path + " -> " + QUrl(urls.value(0)).toLocalFile() + ": " + changes.join(", ") + "\n");
-        wrote = true;
-        return true;
+        outcome.out += path + " -> " + QUrl(urls.value(0)).toLocalFile() + ": " + changes.join(", ") + "\n";
+        outcome.wrote = true;
     } catch (const TSError& e) {
-        printError(path + ": " + e.message() + "\n");
-        return false;
+        fail(e.message());
     }
+}
+
+// Reads one named file and tells what it is; `asset` is only set for a photo that can be edited.
+Outcome readFile(const QString& path, const Target& target, std::shared_ptr<TSAsset>& asset) {
+    Outcome outcome;
+    auto fail = [&](const QString& why) {
+        outcome.err = path + ": " + why + "\n";
+        outcome.failed = true;
+        return outcome;
+    };
+    if (!target.outputDir.isEmpty() &&
+        QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) == QFileInfo(path))
+        return fail("the output folder holds the file itself; use --in-place");
+    auto read = std::make_shared<TSAsset>(path);
+    if (read->readError()) return fail(*read->readError());
+    const auto format = imageio::detectFormat(read->imageData());
+    if (format == imageio::Format::Movie) {
+        outcome.movie = true;
+        return outcome;
+    }
+    if (!imageio::canWrite(format)) return fail("can't write metadata into " + imageio::formatName(format) + " files");
+    if (!read->metaData().metaDataDic()) return fail("no image metadata could be read");
+    asset = std::move(read);
+    return outcome;
+}
+
+// Whether the files can be edited side by side: no file is named twice, and no two of them are
+// saved under the same name in the output folder, which would make the last one win by chance.
+bool independent(const QStringList& files, const Target& target) {
+    if (!target.libraryMode.isEmpty()) return false;  // the library is written by one thread
+    QSet<QString> paths, names;
+    for (const QString& f : files) {
+        const QFileInfo info(f);
+        // A HEIF drawn anew is saved as .jpg: the base name is what must differ.
+        const QString name = info.completeBaseName().toLower();
+        if (paths.contains(info.absoluteFilePath()) || (!target.inPlace && names.contains(name))) return false;
+        paths.insert(info.absoluteFilePath());
+        names.insert(name);
+    }
+    return true;
 }
 
 }  // namespace
@@ -259,47 +302,30 @@ int editCommand(const QStringList& rawArgs) {
     QStringList movies;
     std::optional<UserSettings> settings;
     bool wroteAny = false;
-    // The photos are read on worker threads, ahead of the edits; each is edited and written here,
-    // in the order named, as the first one seeds the edit and the names of new files follow it.
-    cli::inOrder<QString, std::shared_ptr<TSAsset>>(*files, [&](const QString& path) -> std::shared_ptr<TSAsset> {
-        if (target.outputDir.isEmpty() ? false
-                                       : QFileInfo(QDir(target.outputDir).filePath(QFileInfo(path).fileName())) ==
-                                             QFileInfo(path))
-            return nullptr;
-        return std::make_shared<TSAsset>(path);
-    }, [&](const QString& path, std::shared_ptr<TSAsset>& asset) {
-        if (!asset) {
-            printError(path + ": the output folder holds the file itself; use --in-place\n");
-            status = 1;
-            return;
-        }
-        if (asset->readError()) {
-            printError(path + ": " + *asset->readError() + "\n");
-            status = 1;
-            return;
-        }
-        const auto format = imageio::detectFormat(asset->imageData());
-        if (format == imageio::Format::Movie) {
-            movies << path;
-            return;
-        }
-        if (!imageio::canWrite(format)) {
-            printError(path + ": can't write metadata into " + imageio::formatName(format) + " files\n");
-            status = 1;
-            return;
-        }
-        if (!asset->metaData().metaDataDic()) {
-            printError(path + ": no image metadata could be read\n");
-            status = 1;
-            return;
-        }
-        // The edit is seeded from the first photo, as the edit screen is from the first selected item.
-        if (!settings) {
-            settings.emplace(asset->metaData(), asset->ddStore());
-            applyWishes(wishes, *settings);
-        }
-        if (!editPhoto(asset, *settings, batch, target, wroteAny)) status = 1;
-    }, QSet<QString>(files->begin(), files->end()).size() == files->size());
+    // The edit is seeded from the first photo that can be edited, as the edit screen is from the
+    // first selected item.
+    for (const QString& path : *files) {
+        std::shared_ptr<TSAsset> first;
+        readFile(path, target, first);
+        if (!first) continue;
+        settings.emplace(first->metaData(), first->ddStore());
+        applyWishes(wishes, *settings);
+        break;
+    }
+    // Each photo is read, edited and written on a worker thread; what came of it is told here, in
+    // the order named.
+    cli::inOrder<QString, Outcome>(*files, [&](const QString& path) {
+        std::shared_ptr<TSAsset> asset;
+        Outcome outcome = readFile(path, target, asset);
+        if (asset && settings) editPhoto(asset, *settings, batch, target, outcome);
+        return outcome;
+    }, [&](const QString& path, Outcome& outcome) {
+        if (outcome.movie) movies << path;
+        printOut(outcome.out);
+        printError(outcome.err);
+        if (outcome.failed) status = 1;
+        wroteAny = wroteAny || outcome.wrote;
+    }, independent(*files, target));
     if (settings && wroteAny) settings->saveRecents();
     if (!movies.isEmpty()) {
         if (!movieEditor() || batch.trackLog) {

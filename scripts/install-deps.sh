@@ -23,6 +23,8 @@ packages=(
   # metadata and media libraries
   libexiv2-dev libheif-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libsqlite3-dev libsystemd-dev
+  # the command-line tool's memory allocator
+  libmimalloc-dev
   # ISO 3166 country names and their translations, for the place data
   iso-codes
   # time zone rules by name (edit --zone Europe/Rome), read by QTimeZone

@@ -36,6 +36,8 @@ public:
     std::shared_ptr<TSDataStore> sharedStore() const { return ddStore_; }
     // The file's whole content; empty when it could not be read.
     const QByteArray& imageData() const { return bytes_; }
+    // The open file that imageData() maps, -1 when its bytes came from elsewhere.
+    int fileHandle() const { return bytes_.constData() == file_.bytes().constData() ? file_.handle() : -1; }
     bool isVideo() const { return ddStore_->mediaType == MediaType::video; }
     // Why the file could not be read, when it could not.
     const std::optional<QString>& readError() const { return readError_; }

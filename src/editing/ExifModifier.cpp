@@ -119,10 +119,12 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
         if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) dict = *photo.tags->metaData;
         else if (mode != SaveMode::modify) dict = photo.tags->strippedFallback();
         photo.tags->destMutable = dict;
-        ModifyingPhotoAsset written = ImageModifier::modifiedAsset(mode == SaveMode::modify, photo);
+        imageio::PropertyDict readBack;
+        ModifyingPhotoAsset written = ImageModifier::modifiedAsset(mode == SaveMode::modify, photo, &readBack);
         // What was read from the source is the baseline: the values the wishes change are checked.
         const imageio::PropertyDict before = photo.tags->fallbackData.value_or(imageio::PropertyDict{});
-        if (const auto difference = WriteCheck::readBackDifference(before, dict, std::get<QByteArray>(written.dataSource)))
+        if (const auto difference =
+                WriteCheck::readBackDifference(before, dict, std::get<imageio::Rewritten>(written.dataSource), readBack))
             throw TSError("The written file differs from the wishes: " + *difference);
         done << written;
         if (progress) progress(int(done.size()));
@@ -155,9 +157,9 @@ namespace {
 
 // The file name a rewritten photo is saved under: its own, or .jpg when drawn anew as JPEG.
 QString savedName(const ModifyingPhotoAsset& photo) {
-    const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+    const auto* data = std::get_if<imageio::Rewritten>(&photo.dataSource);
     QString name = photo.tsAsset->ddStore().datas.value(TSKey::NAME).value_or(QFileInfo(photo.tsAsset->path()).fileName());
-    if (data && imageio::detectFormat(*data) == imageio::Format::Jpeg &&
+    if (data && imageio::detectFormat(data->head(64)) == imageio::Format::Jpeg &&
         imageio::detectFormat(photo.tsAsset->imageData()) != imageio::Format::Jpeg)
         name = QFileInfo(name).completeBaseName() + QStringLiteral(".jpg");
     return name;
@@ -173,12 +175,12 @@ QByteArray adjustmentPayload() {
 std::optional<QString> ExifModifier::saveNewImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const {
     std::optional<QString> failure;
     for (const auto& photo : assets) {
-        const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+        const auto* data = std::get_if<imageio::Rewritten>(&photo.dataSource);
         std::optional<library::Location> place;
         if (const auto& l = photo.tags->userLocation)
             place = library::Location{l->coordinate.latitude, l->coordinate.longitude, std::nullopt};
         QString error;
-        auto id = data ? library->createAsset(*data, savedName(photo), photo.tags->userDate, place, {}, &error) : std::nullopt;
+        auto id = data ? library->createAsset(data->joined(), savedName(photo), photo.tags->userDate, place, {}, &error) : std::nullopt;
         Log::info(QStringLiteral("Finished updating asset. %1").arg(id ? QStringLiteral("Success.") : error));
         // Each item is tried; the last failure is the one told.
         if (id) identifiers << *id;
@@ -192,11 +194,11 @@ std::optional<QString> ExifModifier::modifyImages(const QList<ModifyingPhotoAsse
     QStringList ids;
     for (const auto& photo : assets) {
         auto item = library->assetForPath(photo.tsAsset->path());
-        if (!item || !std::holds_alternative<QByteArray>(photo.dataSource)) return QStringLiteral("Not a PHAsset");
+        if (!item || !std::holds_alternative<imageio::Rewritten>(photo.dataSource)) return QStringLiteral("Not a PHAsset");
         ids << item->localIdentifier;
     }
     for (qsizetype i = 0; i < assets.size(); ++i) {
-        const QByteArray& data = std::get<QByteArray>(assets[i].dataSource);
+        const QByteArray data = std::get<imageio::Rewritten>(assets[i].dataSource).joined();
         const QString extension = QFileInfo(savedName(assets[i])).suffix();
         QString error;
         const bool ok = library->editInPlace(ids[i], data, extension, adjustmentPayload(), &error);
@@ -209,7 +211,9 @@ std::optional<QString> ExifModifier::modifyImages(const QList<ModifyingPhotoAsse
 
 std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const {
     for (const auto& photo : assets) {
-        const QByteArray* data = std::get_if<QByteArray>(&photo.dataSource);
+        const auto* data = std::get_if<imageio::Rewritten>(&photo.dataSource);
+        // The ranges kept from the source are copied from its file by the kernel.
+        const int sourceFd = data && data->keepsFrom(photo.tsAsset->imageData()) ? photo.tsAsset->fileHandle() : -1;
         // A photo drawn anew as JPEG is named as one.
         const QString name = savedName(photo);
         // Written to a temporary file beside the target and renamed over it only once complete.
@@ -220,17 +224,20 @@ std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAs
             failure = QStringLiteral("no data");
         } else if (QFileInfo::exists(target)) {
             QSaveFile file(target);
-            if (!file.open(QIODevice::WriteOnly) || file.write(*data) != data->size() || !file.commit()) {
+            if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
                 failure = file.errorString();
+            } else if (auto cause = data->writeTo(file.handle(), sourceFd)) {
+                failure = *cause;
                 file.cancelWriting();
+            } else if (!file.commit()) {
+                failure = file.errorString();
             }
         } else {
             QTemporaryFile file(QDir(filesDirectory).filePath(QStringLiteral(".") + name + QStringLiteral(".XXXXXX")));
-            if (!file.open() || file.write(*data) != data->size() || !file.flush() ||
-                !file.setPermissions(newFilePermissions()) || !file.rename(target))
-                failure = file.errorString();  // the temporary file removes itself
-            else
-                file.setAutoRemove(false);  // it is the target now
+            if (!file.open()) failure = file.errorString();
+            else if (auto cause = data->writeTo(file.handle(), sourceFd)) failure = *cause;  // the temporary file removes itself
+            else if (!file.setPermissions(newFilePermissions()) || !file.rename(target)) failure = file.errorString();
+            else file.setAutoRemove(false);  // it is the target now
         }
         if (!failure.isEmpty()) {
             if (data) Log::error("Error writing the file: " + failure);

@@ -71,17 +71,24 @@ std::optional<QByteArray> applyingOrientation(const QByteArray& data, int orient
     return jpeg(redraw(image, image.size(), draw[orientation], orientation >= 5), 100);
 }
 
-std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
-                                               const imageio::PropertyDict* sourceProperties) {
+std::optional<imageio::Rewritten> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
+                                                       const imageio::PropertyDict* sourceProperties,
+                                                       imageio::PropertyDict* readBack) {
     if (dictionary.isEmpty() || source.isEmpty()) return std::nullopt;
     QString reason;
-    auto out = sourceProperties ? imageio::writeProperties(source, *sourceProperties, dictionary, &reason)
-                                : imageio::writeProperties(source, dictionary, &reason);
+    std::optional<imageio::PropertyDict> read;
+    if (!sourceProperties) {
+        read = imageio::canWrite(imageio::detectFormat(source)) ? imageio::readProperties(source, &reason)
+                                                                : imageio::PropertyDict{};
+        sourceProperties = read ? &*read : nullptr;
+    }
+    auto out = sourceProperties ? imageio::rewriteProperties(source, *sourceProperties, dictionary, &reason, readBack)
+                                : std::nullopt;
     if (!out) Log::error("Error: Could not create image destination (" + reason + ")");
     return out;
 }
 
-ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset) {
+ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack) {
     const QByteArray* source = std::get_if<QByteArray>(&asset.dataSource);
     if (!source) throw TSError("Error managing image data");
     QByteArray data = *source;
@@ -98,7 +105,7 @@ ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset)
     }
     // Bytes as they came were read when the photo was: their properties are the modifier's fallback.
     const imageio::PropertyDict* read = !modify && asset.tags->fallbackData ? &*asset.tags->fallbackData : nullptr;
-    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data, read);
+    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data, read, readBack);
     if (!written) throw TSError("Error saving the modified image");
     return ModifyingPhotoAsset{asset.tsAsset, asset.tags, *written, 1};
 }

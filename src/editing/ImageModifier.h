@@ -3,6 +3,7 @@
 // file, the coded image is copied and only the metadata change; edited in place, the pixels are
 // first drawn upright with the orientation wish applied, and HEIF becomes JPEG.
 #include "TSAsset.h"
+#include "Rewritten.h"
 #include "TagsPhotoModifier.h"
 
 #include <QByteArray>
@@ -10,8 +11,8 @@
 #include <optional>
 #include <variant>
 
-// A photo's bytes: in memory, or a file path.
-using MADataSource = std::variant<QByteArray, QString>;
+// A photo's bytes: as read, or as rewritten (new metadata and the kept ranges of what was read).
+using MADataSource = std::variant<QByteArray, imageio::Rewritten>;
 
 // One photo under edit.
 struct ModifyingPhotoAsset {
@@ -23,12 +24,14 @@ struct ModifyingPhotoAsset {
 
 namespace ImageModifier {
 
-// Needs `tags.destMutable`; throws TSError on failure.
-ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset);
+// Needs `tags.destMutable`; throws TSError on failure. The result's data source is the rewritten
+// file; `readBack`, when given, receives what it reads as.
+ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack = nullptr);
 // The lossless metadata copy: the source's bytes with `dictionary` laid over its metadata.
 // `sourceProperties`, when given, is what the reader made of `source`, which then isn't read again.
-std::optional<QByteArray> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
-                                               const imageio::PropertyDict* sourceProperties = nullptr);
+std::optional<imageio::Rewritten> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
+                                                       const imageio::PropertyDict* sourceProperties = nullptr,
+                                                       imageio::PropertyDict* readBack = nullptr);
 // Pixels drawn upright from orientation `orientation` (2 to 8), as JPEG; other values give the
 // data back as they are; nothing when the image can't be decoded.
 std::optional<QByteArray> undoingOrientation(const QByteArray& data, int orientation, bool keepSize);

@@ -2,17 +2,19 @@
 // Reads a written photo back with our own reader and compares it with what was wished, before
 // the photo replaces anything: a writer that dropped or changed a value must not pass silently.
 #include "ImageProperties.h"
+#include "Rewritten.h"
 
 #include <QByteArray>
 #include <optional>
 
 namespace WriteCheck {
 
-// `before` is what the source read, `wished` the dictionary laid over it. Only values that the
+// `before` is what the source read, `wished` the dictionary laid over it, `read` what the
+// written file reads as. Only values that the
 // wish changes in the EXIF, TIFF and GPS groups (and IPTC in JPEG and TIFF) are compared: a removed tag must be gone, a set
 // one must read the same (numbers to the precision of their rationals). Nothing when all agree; otherwise the first difference
 // in words.
 std::optional<QString> readBackDifference(const imageio::PropertyDict& before, const imageio::PropertyDict& wished,
-                                          const QByteArray& written);
+                                          const imageio::Rewritten& written, const imageio::PropertyDict& read);
 
 }  // namespace WriteCheck

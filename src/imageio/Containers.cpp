@@ -6,6 +6,7 @@
 #include <zlib.h>
 
 #include <cstdint>
+#include <cstring>
 
 namespace imageio {
 namespace {
@@ -249,6 +250,35 @@ QString iccDescription(const QByteArray& icc) {
         return {};
     }
     return {};
+}
+
+JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd) {
+    JpegXmp out;
+    qsizetype at = 2, kept = 0;
+    while (at + 4 <= headersEnd) {
+        const uint8_t marker = uint8_t(jpeg[at + 1]);
+        if (uint8_t(jpeg[at]) != 0xFF || marker == 0xFF || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            return {jpeg, std::nullopt};
+        const qsizetype size = qsizetype(uint8_t(jpeg[at + 2])) << 8 | uint8_t(jpeg[at + 3]);
+        if (at + 2 + size > headersEnd) break;
+        // The signature is 28 characters and its zero.
+        if (marker == 0xE1 && size >= 31 && std::memcmp(jpeg.constData() + at + 4, kJpegXmpId, 29) == 0) {
+            if (!out.packet) out.packet.emplace(jpeg.constData() + at + 4 + 29, size_t(size - 31));
+            out.withoutXmp += QByteArrayView(jpeg).sliced(kept, at - kept);
+            kept = at + 2 + size;
+        }
+        at += 2 + size;
+    }
+    if (!out.packet) return {jpeg, std::nullopt};
+    out.withoutXmp += QByteArrayView(jpeg).sliced(kept);
+    return out;
+}
+
+qsizetype jpegScanStart(const QByteArray& jpeg) {
+    const qsizetype sos = probeJpeg(jpeg).headersEnd;
+    if (sos < 0 || sos + 4 > jpeg.size() || uint8_t(jpeg[sos]) != 0xFF || uint8_t(jpeg[sos + 1]) != 0xDA) return -1;
+    const qsizetype end = sos + 2 + (qsizetype(uint8_t(jpeg[sos + 2])) << 8 | uint8_t(jpeg[sos + 3]));
+    return end > jpeg.size() ? -1 : end;
 }
 
 }  // namespace imageio

@@ -5,6 +5,7 @@
 #include "ImageProperties.h"
 
 #include <optional>
+#include <string>
 
 namespace imageio {
 
@@ -20,6 +21,22 @@ struct ImageFacts {
 };
 
 ImageFacts probeJpeg(const QByteArray& bytes);
+// A JPEG's XMP packet and its other segments apart. exiv2 decodes the first XMP segment and skips
+// any later one; that decoding must take turns (see xmpMutex), the rest of the reading and writing
+// need not, so the XMP segments are taken out of what exiv2 sees and their packet is handled on
+// its own. No packet, and `withoutXmp` the whole input, when there is no XMP segment or the
+// segments can't be walked (fill bytes, markers without a length).
+struct JpegXmp {
+    QByteArray withoutXmp;
+    std::optional<std::string> packet;
+};
+JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd);
+// The signature that starts a JPEG's XMP segment.
+inline constexpr char kJpegXmpId[] = "http://ns.adobe.com/xap/1.0/";
+
+// Where a JPEG's scan starts, after its start-of-scan header; -1 when `jpeg` holds no whole
+// start-of-scan header.
+qsizetype jpegScanStart(const QByteArray& jpeg);
 ImageFacts probePng(const QByteArray& bytes);
 ImageFacts probeWebP(const QByteArray& bytes);
 

@@ -13,6 +13,8 @@ public:
     bool open(const QString& path, QString* error = nullptr);
     // Valid while this object lives.
     const QByteArray& bytes() const { return bytes_; }
+    // The open file, -1 when there is none.
+    int handle() const { return file_.handle(); }
 
 private:
     QFile file_;

@@ -257,10 +257,9 @@ std::pair<QByteArray, QByteArray> splitExif(const QByteArray& item) {
 
 }  // namespace
 
-std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDict& before, const PropertyDict& changes,
+std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDict& before, const PropertyDict& changes,
                                       QString* error) {
     initExiv2();
-    std::lock_guard xmpTurn(xmpMutex());
     try {
         Container heif(source);
         const auto exifItem = heif.item("Exif");
@@ -281,11 +280,19 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
                                                   uint32_t(tiff.size()));
             }
         }
+        // XMP work takes turns (see xmpMutex); the containers and the Exif block need not.
+        std::unique_lock xmpTurn(xmpMutex());
         if (xmpItem) {
             const QByteArray packet = heif.data(*xmpItem);
             if (Exiv2::XmpParser::decode(xmp, packet.toStdString()) != 0) throw Broken("the XMP packet can't be read");
         }
         applyChanges(before, changes, MetadataBlocks{exif, iptc, xmp});
+        std::string packet;
+        if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
+            throw Broken("the XMP packet can't be written");
+        const bool anyXmp = !xmp.empty();
+        xmp.clear();
+        xmpTurn.unlock();
 
         QByteArray newExif;
         if (exifItem || !exif.empty()) {
@@ -301,10 +308,7 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
             newExif = exifPrefix + encoded;
         }
         QByteArray newXmp;
-        if (xmpItem || !xmp.empty()) {
-            std::string packet;
-            if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
-                throw Broken("the XMP packet can't be written");
+        if (xmpItem || anyXmp) {
             // An item of length 0 would mean "to the end of the file", so an emptied packet stays a packet.
             newXmp = packet.empty() ? QByteArray("<?xpacket begin=\"\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>"
                                                  "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf="
@@ -410,13 +414,12 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
         const qint64 payloadAt = heif.meta->offset + metaSize + tail + newMdatHeader;
         const QByteArray meta = buildMeta(metaSize, payloadAt);
 
-        // One copy of the source: what comes before 'meta', the new 'meta', everything after it.
+        // What comes before 'meta' and everything after it stay as they are; the new 'meta' goes between.
         const qint64 shift = heif.meta->offset + meta.size() - oldMetaEnd;
-        QByteArray result;
-        result.reserve(payloadAt + newExif.size() + newXmp.size());
-        result.append(source.constData(), heif.meta->offset);
-        result += meta;
-        result.append(source.constData() + oldMetaEnd, tail);
+        Rewritten result = Rewritten::from(source);
+        result.keep(0, heif.meta->offset);
+        result.add(meta);
+        result.keep(oldMetaEnd, tail);
         // The old payloads are wiped, so that a removed tag can't be found in the file any more.
         for (uint32_t id : {exifItem.value_or(0), xmpItem.value_or(0)}) {
             const Location* l = id ? heif.iloc.find(id) : nullptr;
@@ -425,7 +428,7 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
                 const uint64_t start = l->base + x.offset;
                 if (x.length && start >= uint64_t(oldMetaEnd) && start < uint64_t(source.size()) &&
                     x.length <= uint64_t(source.size()) - start)
-                    std::memset(result.data() + qint64(start) + shift, 0, size_t(x.length));
+                    result.overwrite(qint64(start) + shift, QByteArray(qsizetype(x.length), '\0'));
             }
         }
         // A last box that ran "to the end of the file" must now say its size, or it would swallow the new one.
@@ -434,10 +437,12 @@ std::optional<QByteArray> rewriteHeif(const QByteArray& source, const PropertyDi
             Cursor c{source, box.offset, box.end()};
             if (c.read(4) == 0) {
                 if (box.size > 0xffffffffLL) throw Broken("a last box too large to close");
-                for (int i = 0; i < 4; ++i) result[box.offset + shift + i] = char(uint64_t(box.size) >> (8 * (3 - i)) & 0xff);
+                QByteArray size(4, '\0');
+                for (int i = 0; i < 4; ++i) size[i] = char(uint64_t(box.size) >> (8 * (3 - i)) & 0xff);
+                result.overwrite(box.offset + shift, size);
             }
         }
-        result += boxBytes("mdat", newExif + newXmp);
+        result.add(boxBytes("mdat", newExif + newXmp));
         return result;
     } catch (const std::exception& e) {
         if (error) *error = QString::fromLocal8Bit(e.what());

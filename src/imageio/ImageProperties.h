@@ -28,4 +28,8 @@ std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* err
 std::optional<PropertyDict> readFileProperties(const QString& path, QString* error = nullptr,
                                                qint64* bytesRead = nullptr);
 
+class Rewritten;
+// The same for a rewritten file, reading only what its container needs, as from a file.
+std::optional<PropertyDict> readProperties(const Rewritten& file, QString* error = nullptr);
+
 }  // namespace imageio

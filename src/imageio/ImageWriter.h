@@ -2,6 +2,7 @@
 // The image metadata writer: the source's bytes and a property dictionary in, new bytes in the
 // source's own format out, with the coded image copied as it is and only the metadata replaced.
 #include "ImageProperties.h"
+#include "Rewritten.h"
 
 #include <optional>
 
@@ -18,8 +19,11 @@ bool canWrite(Format format);
 // Nothing, with the reason in `error`, when the format can't be written or the bytes are broken.
 std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& changes,
                                           QString* error = nullptr);
-// The same for a caller that has read the source already: `before` is what readProperties gave.
-std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& before,
-                                          const PropertyDict& changes, QString* error = nullptr);
+// The same for a caller that has read the source already (`before` is what readProperties gave),
+// as pieces: the new metadata, and the ranges of `source` that stay as they are. `readBack`, when
+// given, receives what the new file reads as.
+std::optional<Rewritten> rewriteProperties(const QByteArray& source, const PropertyDict& before,
+                                           const PropertyDict& changes, QString* error = nullptr,
+                                           PropertyDict* readBack = nullptr);
 
 }  // namespace imageio

@@ -2,6 +2,7 @@
 #include "Exiv2Convert.h"
 #include "FileBytes.h"
 #include "ImageProperties.h"
+#include "Rewritten.h"
 #include "PropertyKeys.h"
 
 #include <exiv2/exiv2.hpp>
@@ -155,36 +156,6 @@ void addProfile(const QByteArray& icc, PropertyDict& top) {
     if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
 }
 
-// A JPEG's XMP packet and its other segments apart. exiv2 decodes the first XMP segment and skips
-// any later one; that decoding must take turns (see xmpMutex), the rest of the reading need not,
-// so the XMP segments are taken out of what exiv2 reads and their packet is decoded on its own.
-struct JpegXmp {
-    QByteArray withoutXmp;
-    std::optional<std::string> packet;
-};
-
-JpegXmp takeOutXmp(const QByteArray& jpeg, qsizetype headersEnd) {
-    static constexpr char id[] = "http://ns.adobe.com/xap/1.0/";  // 28 characters and its zero
-    JpegXmp out;
-    qsizetype at = 2, kept = 0;
-    while (at + 4 <= headersEnd) {
-        const uint8_t marker = uint8_t(jpeg[at + 1]);
-        if (uint8_t(jpeg[at]) != 0xFF || marker == 0xFF || marker == 0xD8 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
-            return {jpeg, std::nullopt};  // fill bytes and markers without a length: left to exiv2
-        const qsizetype size = qsizetype(uint8_t(jpeg[at + 2])) << 8 | uint8_t(jpeg[at + 3]);
-        if (at + 2 + size > headersEnd) break;
-        if (marker == 0xE1 && size >= 31 && std::memcmp(jpeg.constData() + at + 4, id, 29) == 0) {
-            if (!out.packet) out.packet.emplace(jpeg.constData() + at + 4 + 29, size_t(size - 31));
-            out.withoutXmp += QByteArrayView(jpeg).sliced(kept, at - kept);
-            kept = at + 2 + size;
-        }
-        at += 2 + size;
-    }
-    if (!out.packet) return {jpeg, std::nullopt};
-    out.withoutXmp += QByteArrayView(jpeg).sliced(kept);
-    return out;
-}
-
 // `fileSize` is the whole file's, when `bytes` hold only its first part.
 std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format, qint64 fileSize, QString* error) {
     JpegXmp jpegXmp;
@@ -216,7 +187,7 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
     // A JPEG whose XMP was taken out holds none now, and one without such a segment held none
     // (both seen in its segments before the scan); other containers may hold XMP anywhere.
     const bool mayHoldXmp = format != Format::Jpeg ||
-                            QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains("http://ns.adobe.com/xap/1.0/");
+                            QByteArrayView(bytes).first(qMax<qsizetype>(facts.headersEnd, 0)).contains(kJpegXmpId);
     std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
     if (mayHoldXmp) xmpTurn.lock();
     QString failure;
@@ -342,35 +313,45 @@ std::optional<PropertyDict> readHeif(const QByteArray& bytes, QString* error) {
 }
 
 // libheif asks for boxes and items by position; the file's image data is never asked for.
-struct HeifFileReader {
-    FilePieces& file;
+// `Source` is anything with read(at, into, n) and size(): a file, or a file being rewritten.
+template <typename Source>
+struct HeifReader {
+    Source& source;
     qint64 position = 0;
 
-    static HeifFileReader& of(void* userdata) { return *static_cast<HeifFileReader*>(userdata); }
+    static HeifReader& of(void* userdata) { return *static_cast<HeifReader*>(userdata); }
     static const heif_reader* callbacks() {
         static const heif_reader reader{
             1,
             [](void* u) -> int64_t { return of(u).position; },
             [](void* data, size_t size, void* u) -> int {
-                HeifFileReader& r = of(u);
-                if (r.file.read(r.position, static_cast<char*>(data), qint64(size)) != qint64(size)) return -1;
+                HeifReader& r = of(u);
+                if (r.source.read(r.position, static_cast<char*>(data), qint64(size)) != qint64(size)) return -1;
                 r.position += qint64(size);
                 return 0;
             },
             [](int64_t position, void* u) -> int {
-                HeifFileReader& r = of(u);
-                if (position < 0 || position > r.file.size()) return -1;
+                HeifReader& r = of(u);
+                if (position < 0 || position > r.source.size()) return -1;
                 r.position = position;
                 return 0;
             },
             [](int64_t target, void* u) -> heif_reader_grow_status {
-                return target > of(u).file.size() ? heif_reader_grow_status_size_beyond_eof
-                                                  : heif_reader_grow_status_size_reached;
+                return target > of(u).source.size() ? heif_reader_grow_status_size_beyond_eof
+                                                    : heif_reader_grow_status_size_reached;
             },
         };
         return &reader;
     }
 };
+
+template <typename Source>
+std::optional<PropertyDict> readHeif(Source& source, QString* error) {
+    HeifReader<Source> reader{source};
+    HeifContext ctx(heif_context_alloc(), heif_context_free);
+    heif_error err = heif_context_read_from_reader(ctx.get(), HeifReader<Source>::callbacks(), &reader, nullptr);
+    return readHeif(ctx.get(), err, source.size(), error);
+}
 
 // A JPEG's metadata all lies before its scan: the bytes up to and with the start-of-scan
 // segment are all its reader looks at. Nothing when the walk finds no scan (a damaged or cut
@@ -480,10 +461,7 @@ std::optional<PropertyDict> readFileProperties(const QString& path, QString* err
                 return counted(readWithExiv2(*prefix, format, file.size(), error));
             }
         } else if (format == Format::Heif || format == Format::Avif) {
-            HeifFileReader reader{file};
-            HeifContext ctx(heif_context_alloc(), heif_context_free);
-            heif_error err = heif_context_read_from_reader(ctx.get(), HeifFileReader::callbacks(), &reader, nullptr);
-            return counted(readHeif(ctx.get(), err, file.size(), error));
+            return counted(readHeif(file, error));
         }
     }
     // The other containers may keep metadata behind the image data (TIFF directories, PNG and
@@ -493,6 +471,21 @@ std::optional<PropertyDict> readFileProperties(const QString& path, QString* err
     auto props = readProperties(whole.bytes(), error);
     if (bytesRead) *bytesRead = file.bytesRead() + whole.bytes().size();
     return props;
+}
+
+std::optional<PropertyDict> readProperties(const Rewritten& file, QString* error) {
+    const Format format = detectFormat(file.head(64));
+    if (format == Format::Heif || format == Format::Avif) {
+        initExiv2();
+        return readHeif(file, error);
+    }
+    // A JPEG's leading piece is its segments up to the scan: all its reader looks at.
+    const QByteArray leading = file.leadingBytes();
+    if (format == Format::Jpeg && leading.size() < file.size() && jpegScanStart(leading) == leading.size()) {
+        initExiv2();
+        return readWithExiv2(leading, format, file.size(), error);
+    }
+    return readProperties(file.joined(), error);
 }
 
 }  // namespace imageio

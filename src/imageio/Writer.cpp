@@ -15,7 +15,7 @@
 namespace imageio {
 namespace {
 
-std::optional<QByteArray> fail(QString* error, const QString& reason) {
+std::nullopt_t fail(QString* error, const QString& reason) {
     if (error) *error = reason;
     return std::nullopt;
 }
@@ -44,24 +44,26 @@ QByteArray withoutWebPXmp(const QByteArray& webp) {
 
 // JPEG, TIFF and the TIFF-based raws, PNG, WebP: exiv2 rewrites the metadata segments and
 // chunks and copies the coded image.
-// A JPEG's bytes up to and with its start-of-scan header, and the scan after it. exiv2 writes the
-// new segments and copies everything from the scan on as it is, so it is handed the segments
-// alone and the scan, most of the file, is joined on afterwards instead of copied through it.
-std::pair<QByteArray, QByteArrayView> jpegHeadersAndScan(const QByteArray& jpeg) {
-    const qsizetype sos = probeJpeg(jpeg).headersEnd;
-    if (sos < 0 || sos + 4 > jpeg.size() || uint8_t(jpeg[sos]) != 0xFF || uint8_t(jpeg[sos + 1]) != 0xDA) return {jpeg, {}};
-    const qsizetype end = sos + 2 + (qsizetype(uint8_t(jpeg[sos + 2])) << 8 | uint8_t(jpeg[sos + 3]));
-    if (end > jpeg.size()) return {jpeg, {}};
-    return {QByteArray::fromRawData(jpeg.constData(), end), QByteArrayView(jpeg).sliced(end)};
-}
-
-std::optional<QByteArray> writeWithExiv2(const QByteArray& whole, Format format, const PropertyDict& before,
-                                         const PropertyDict& changes, QString* error) {
-    const auto [source, scan] = format == Format::Jpeg ? jpegHeadersAndScan(whole) : std::pair{whole, QByteArrayView()};
+// exiv2 writes a JPEG's new segments and copies everything from the scan on as it is, so it is
+// handed the segments alone and the scan, most of the file, is kept as a range of the source
+// instead of copied through it.
+std::optional<Rewritten> writeWithExiv2(const QByteArray& whole, Format format, const PropertyDict& before,
+                                        const PropertyDict& changes, QString* error) {
+    const qsizetype scan = format == Format::Jpeg ? jpegScanStart(whole) : -1;
+    const qsizetype scanAt = scan < 0 ? whole.size() : scan;
+    const QByteArray headers = QByteArray::fromRawData(whole.constData(), scanAt);
+    // XMP work takes turns (see xmpMutex). A JPEG's packet is kept out of what exiv2 reads; it is
+    // decoded, changed and encoded here in turn, and exiv2 writes it as it is, so that the rest
+    // of many JPEGs are written side by side. Other files take their turn from start to end.
+    JpegXmp jpegXmp;
+    if (scan >= 0) jpegXmp = takeOutXmp(headers, scanAt);
+    const bool xmpApart = scan >= 0 && (jpegXmp.packet || !headers.contains(kJpegXmpId));
+    const QByteArray& source = jpegXmp.packet ? jpegXmp.withoutXmp : headers;
     initExiv2();
+    std::unique_lock xmpTurn(xmpMutex(), std::defer_lock);
+    if (!xmpApart) xmpTurn.lock();
     // exiv2 updates a TIFF in place where it can, so it works on a copy of its own: the source
     // may be a read-only mapping of the original file.
-    std::lock_guard xmpTurn(xmpMutex());
     Exiv2::BasicIo::AutoPtr copy(new Exiv2::MemIo);
     if (copy->write(reinterpret_cast<const Exiv2::byte*>(source.constData()), long(source.size())) != long(source.size()))
         return fail(error, QStringLiteral("out of memory"));
@@ -74,18 +76,34 @@ std::optional<QByteArray> writeWithExiv2(const QByteArray& whole, Format format,
     // the file already has it.
     blocks.writeIim = format == Format::Jpeg || format == Format::Tiff || !image->iptcData().empty();
     blocks.keepImageStructure = format == Format::Tiff;
-    applyChanges(before, changes, blocks);
+    if (xmpApart) {
+        xmpTurn.lock();
+        // A packet that can't be read is dropped, as exiv2 does with one it reads itself.
+        if (jpegXmp.packet && Exiv2::XmpParser::decode(image->xmpData(), *jpegXmp.packet) != 0) image->xmpData().clear();
+        applyChanges(before, changes, blocks);
+        std::string packet;
+        if (!image->xmpData().empty() &&
+            Exiv2::XmpParser::encode(packet, image->xmpData(), Exiv2::XmpParser::useCompactFormat) != 0)
+            return fail(error, QStringLiteral("the XMP packet can't be written"));
+        xmpTurn.unlock();
+        image->xmpPacket() = packet;
+        image->writeXmpFromPacket(true);
+    } else {
+        applyChanges(before, changes, blocks);
+    }
     image->writeMetadata();
     Exiv2::BasicIo& io = image->io();
     if (io.open() != 0) return fail(error, QStringLiteral("the new file could not be made"));
     const qsizetype written = qsizetype(io.size());
-    QByteArray out(written + scan.size(), Qt::Uninitialized);
+    QByteArray out(written, Qt::Uninitialized);
     const long got = io.read(reinterpret_cast<Exiv2::byte*>(out.data()), long(written));
     io.close();
     if (got != long(written)) return fail(error, QStringLiteral("the new file could not be made"));
-    if (!scan.isEmpty()) std::memcpy(out.data() + written, scan.data(), size_t(scan.size()));
-    if (format == Format::WebP && image->xmpData().empty()) return withoutWebPXmp(out);
-    return out;
+    if (format == Format::WebP && image->xmpData().empty()) return Rewritten(withoutWebPXmp(out));
+    Rewritten result = Rewritten::from(whole);
+    result.add(std::move(out));
+    result.keep(scanAt, whole.size() - scanAt);
+    return result;
 }
 
 }  // namespace
@@ -103,18 +121,19 @@ std::optional<QByteArray> writeProperties(const QByteArray& source, const Proper
     QString reason;
     const auto before = canWrite(detectFormat(source)) ? readProperties(source, &reason) : PropertyDict{};
     if (!before) return fail(error, reason);
-    return writeProperties(source, *before, changes, error);
+    const auto out = rewriteProperties(source, *before, changes, error);
+    return out ? std::optional(out->joined()) : std::nullopt;
 }
 
-std::optional<QByteArray> writeProperties(const QByteArray& source, const PropertyDict& before,
-                                          const PropertyDict& changes, QString* error) {
+std::optional<Rewritten> rewriteProperties(const QByteArray& source, const PropertyDict& before,
+                                           const PropertyDict& changes, QString* error, PropertyDict* readBack) {
     const Format format = detectFormat(source);
     if (!canWrite(format)) {
         return fail(error, format == Format::Unknown ? QStringLiteral("not an image format that can be written")
                                                      : QStringLiteral("can't write metadata into %1 files").arg(formatName(format)));
     }
     QString reason;
-    std::optional<QByteArray> out;
+    std::optional<Rewritten> out;
     try {
         out = format == Format::Heif || format == Format::Avif ? rewriteHeif(source, before, changes, error)
                                                                : writeWithExiv2(source, format, before, changes, error);
@@ -123,7 +142,9 @@ std::optional<QByteArray> writeProperties(const QByteArray& source, const Proper
     }
     if (!out) return out;
     // What we hand out must read back; a file we'd make unreadable is refused instead.
-    if (!readProperties(*out, &reason)) return fail(error, QStringLiteral("the new file does not read back: ") + reason);
+    auto read = readProperties(*out, &reason);
+    if (!read) return fail(error, QStringLiteral("the new file does not read back: ") + reason);
+    if (readBack) *readBack = std::move(*read);
     return out;
 }
 

@@ -188,10 +188,10 @@ TEST_F(Editing, FilesRoadWritesTheWishAndKeepsTheImage) {
     ASSERT_TRUE(probe.open(QIODevice::WriteOnly));
     EXPECT_EQ(QFileInfo(out.filePath("Stonehenge.heic")).permissions(), QFileInfo(probe).permissions());
 
-    // The second photo's bytes are not in memory: the whole save fails and writes nothing.
+    // The second photo has no bytes as read: the whole save fails and writes nothing.
     QTemporaryDir empty;
     auto broken = photo(jpeg);
-    broken.dataSource = jpeg->path();
+    broken.dataSource = imageio::Rewritten();
     ExifModifier bad({photo(heic), broken});
     bad.filesDirectory = empty.path();
     bad.modify(s, false);
@@ -260,5 +260,5 @@ TEST_F(Editing, RedrawsFollowTheOrientationTables) {
     auto p = photo(heic);
     p.tags->destMutable = *heic->metaData().metaDataDic();
     const auto rendered = ImageModifier::modifiedAsset(true, p);
-    EXPECT_EQ(imageio::detectFormat(std::get<QByteArray>(rendered.dataSource)), imageio::Format::Jpeg);
+    EXPECT_EQ(imageio::detectFormat(std::get<imageio::Rewritten>(rendered.dataSource).head(64)), imageio::Format::Jpeg);
 }

@@ -87,7 +87,7 @@ TEST(Reader, DetectsTheFormatFromTheBytes) {
 
 TEST(Reader, RefusesMoviesAndEmptyBytesWithAReason) {
     QString error;
-    EXPECT_FALSE(readProperties({}, &error));
+    EXPECT_FALSE(readProperties(QByteArray(), &error));
     EXPECT_FALSE(error.isEmpty());
 
     QStringList movies = corpusFiles().filter("/video/");
