@@ -622,8 +622,8 @@ void EditViewModel::saveVideo(int mode) {
 
 void EditViewModel::ended(int mode, const Result& r) {
     setActivity({});
-    // Nothing new will come to wait for.
-    if (r.nothingChanged || r.message || !settings_) TSEnvironment::addingPicture().adding = false;
+    // Unless a new item was saved, nothing will come to wait for.
+    if (r.nothingChanged || r.message || r.urls.isEmpty() || !settings_) TSEnvironment::addingPicture().adding = false;
     if (!settings_) return;
     if (r.nothingChanged) {
         emit alert(QStringLiteral("Nothing changed"), QStringLiteral("No changes to save."));
