@@ -5,20 +5,19 @@
 // usage: library_bench CORPUS_DIR [FILES] [--no-exiftool]
 // TESSORIN_WORKERS=N reads the files on N threads (default: one per core).
 #include "Library.h"
+#include "SampleLibrary.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThreadPool>
 #include <QTimer>
 #include <cstdio>
 #include <sys/resource.h>
-#include <unistd.h>
 
 using namespace library;
 
@@ -32,29 +31,10 @@ int main(int argc, char** argv) {
     if (const int workers = qEnvironmentVariableIntValue("TESSORIN_WORKERS"); workers > 0)
         QThreadPool::globalInstance()->setMaxThreadCount(workers);
     std::printf("workers: %d\n", QThreadPool::globalInstance()->maxThreadCount());
-    QStringList samples;
-    QDirIterator it(QString::fromLocal8Bit(argv[1]), QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString f = it.next();
-        if (!f.contains("/malformed/") && !f.endsWith(".md")) samples << f;
-    }
-    if (samples.isEmpty()) {
-        std::fprintf(stderr, "no sample media in %s\n", argv[1]);
-        return 2;
-    }
-    samples.sort();
     QTemporaryDir tmp;
     const QString root = tmp.path() + "/lib";
-    for (int i = 0; i < wanted; ++i) {
-        const QString folder = QStringLiteral("%1/%2").arg(root).arg(i / 100, 3, 10, QChar('0'));
-        if (i % 100 == 0) QDir().mkpath(folder);
-        const QString& s = samples[i % samples.size()];
-        const QString target = QStringLiteral("%1/f%2.%3").arg(folder).arg(i).arg(QFileInfo(s).suffix());
-        if (link(s.toLocal8Bit().constData(), target.toLocal8Bit().constData()) != 0 && !QFile::copy(s, target)) {
-            std::fprintf(stderr, "can't make %s\n", qPrintable(target));
-            return 1;
-        }
-    }
+    const auto samples = bench::makeSampleLibrary(QString::fromLocal8Bit(argv[1]), root, wanted);
+    if (!samples) return 2;
     qputenv("XDG_CONFIG_HOME", (tmp.path() + "/config").toUtf8());
     Library lib({root}, tmp.path() + "/library.sqlite");
     QElapsedTimer t;
@@ -96,7 +76,7 @@ int main(int argc, char** argv) {
     QObject::connect(&lib, &Library::libraryDidChange, &loop, &QEventLoop::quit);
     QTimer::singleShot(10000, &loop, &QEventLoop::quit);
     t.start();
-    QFile::copy(samples.first(), root + "/000/new." + QFileInfo(samples.first()).suffix());
+    QFile::copy(samples->first(), root + "/000/new." + QFileInfo(samples->first()).suffix());
     loop.exec();
     const ChangeDetails details = lib.changeDetails(before);
     const double changeSeconds = t.nsecsElapsed() / 1e9;

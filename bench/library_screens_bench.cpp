@@ -5,21 +5,18 @@
 #include "Albums.h"
 #include "GroupViewModel.h"
 #include "Library.h"
+#include "SampleLibrary.h"
 #include "Settings.h"
 #include "TSPhotoAlbum.h"
 #include "ThumbnailCache.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFuture>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QtConcurrent/QtConcurrentMap>
 #include <cstdio>
-#include <unistd.h>
 
 namespace {
 
@@ -60,29 +57,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const int wanted = argc > 2 ? std::atoi(argv[2]) : 10000;
-    QStringList samples;
-    QDirIterator it(QString::fromLocal8Bit(argv[1]), QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString f = it.next();
-        if (!f.contains("/malformed/") && !f.endsWith(".md")) samples << f;
-    }
-    if (samples.isEmpty()) {
-        std::fprintf(stderr, "no sample media in %s\n", argv[1]);
-        return 2;
-    }
-    samples.sort();
-    // Hard links, so the disk holds the files once.
     const QString root = tmp.path() + "/lib";
-    for (int i = 0; i < wanted; ++i) {
-        const QString folder = QStringLiteral("%1/%2").arg(root).arg(i / 100, 3, 10, QChar('0'));
-        if (i % 100 == 0) QDir().mkpath(folder);
-        const QString& s = samples[i % samples.size()];
-        const QString target = QStringLiteral("%1/f%2.%3").arg(folder).arg(i).arg(QFileInfo(s).suffix());
-        if (link(s.toLocal8Bit().constData(), target.toLocal8Bit().constData()) != 0 && !QFile::copy(s, target)) {
-            std::fprintf(stderr, "can't make %s\n", qPrintable(target));
-            return 1;
-        }
-    }
+    if (!bench::makeSampleLibrary(QString::fromLocal8Bit(argv[1]), root, wanted)) return 2;
     library::Library lib({root}, tmp.path() + "/library.sqlite");
     lib.scan();
     Settings::setFlag(SettingsFlag::gridView, true);

@@ -19,7 +19,7 @@ Rectangle {
         anchors.bottomMargin: 6
         orientation: ListView.Horizontal
         spacing: 10
-        model: Detail.count
+        model: Detail.strip
         currentIndex: Detail.currentIndex
         highlightRangeMode: ListView.StrictlyEnforceRange
         preferredHighlightBegin: strip.inset
@@ -30,14 +30,18 @@ Rectangle {
         boundsBehavior: Flickable.StopAtBounds
 
         delegate: Item {
+            id: cell
             required property int index
+            required property string source
+            required property bool video
+            required property bool live
             width: strip.side
             height: strip.side
 
             Image {
                 id: thumb
                 anchors.fill: parent
-                source: Detail.imageSource(index)
+                source: cell.source
                 sourceSize: Qt.size(strip.side * 2, strip.side * 2)
                 fillMode: Image.PreserveAspectFit
                 asynchronous: true
@@ -49,14 +53,14 @@ Rectangle {
                 visible: running
             }
             Image {
-                visible: Detail.isVideo(index)
+                visible: cell.video
                 anchors.centerIn: parent
                 source: "qrc:/icons/play.circle.fill.svg"
                 sourceSize: Qt.size(48, 48)
             }
             // A live photo's mark; a press on it plays the movie over the still.
             Image {
-                visible: Detail.isLive(index)
+                visible: cell.live
                 // On the picture's corner, not the square's: the picture is fitted inside.
                 x: (parent.width - thumb.paintedWidth) / 2 + 8
                 y: (parent.height - thumb.paintedHeight) / 2 + 8

@@ -66,6 +66,30 @@ ApplicationWindow {
         onActivated: ToolBar.edit()
     }
 
+    // The style draws a popup's card through a shadow effect that the software renderer leaves
+    // out, card and all: a dialog (Qt's file dialogs too, which take no background of ours) would
+    // show its text over the screen behind. There the card goes without its shadow.
+    Item {
+        id: plainCards
+        readonly property bool software: GraphicsInfo.api === GraphicsInfo.Software
+        function flatten() {
+            const items = Overlay.overlay.children
+            for (let i = 0; i < items.length; ++i) {
+                const card = items[i].background
+                if (!card || !card.layer.enabled) continue
+                card.layer.enabled = false
+                // An edge in place of the shadow, as our own cards have.
+                if (card.border) card.border.color = "#D1D1D6"
+            }
+        }
+        // The renderer is known once the window is shown, maybe after the first popup opened.
+        onSoftwareChanged: if (software) flatten()
+        Connections {
+            target: plainCards.software ? plainCards.Overlay.overlay : null
+            function onChildrenChanged() { plainCards.flatten() }
+        }
+    }
+
     Connections {
         target: App
         function onPushed(screen) { stack.push(window.pages[screen]) }

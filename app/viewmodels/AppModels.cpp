@@ -1,5 +1,6 @@
 #include "AppModels.h"
 
+#include "AddingPicture.h"
 #include "AddressListModel.h"
 #include "AlbumListViewModel.h"
 #include "AppController.h"
@@ -80,31 +81,31 @@ AppModels::AppModels(QObject* parent)
     // item: the album on view jumps to it when it holds it, otherwise the detail offers the
     // albums where it landed.
     connect(toolBar, &ToolBarModel::editRequested, edit, &EditViewModel::openCurrent);
-    connect(edit, &EditViewModel::newItemSaved, this, &AppModels::pictureAdded);
+    connect(edit, &EditViewModel::newItemSaved, this, [this] { pictureAdded(); });
     connect(edit, &EditViewModel::saved, this, [this](int mode) {
         if (library && mode == 1) library->scan();
     });
 }
 
-void AppModels::pictureAdded(const QString& localIdentifier) {
-    if (!library) return;
+QCoro::Task<> AppModels::pictureAdded() {
+    if (!library) co_return;
+    AddingPicture& adding = TSEnvironment::addingPicture();
+    // The save wrote through a library object of its own: this one reads the change now rather
+    // than when the folder watcher notices it, and tells the library observer.
     library->scan();
-    auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
-    if (album && album->fetchedAssets) {
-        const library::FetchResult fetch = library->refetch(*album->fetchedAssets);
-        if (const auto at = fetch.indexOf(localIdentifier)) {
-            album->setAlbum(fetch, int(*at), album->title());
-            return;
-        }
+    // The watcher was first, or there was nothing to tell: no change is still to come.
+    if (adding.adding) {
+        adding.adding = false;
+        adding.complete();
     }
-    const library::FetchResult all = library->fetchAssets(Albums::fetchOptions());
-    const auto at = all.indexOf(localIdentifier);
-    if (!at) return;
-    std::optional<DetailViewModel::Landing> own;
-    if (const auto fetch = Albums::applicationAlbumFetch(*library))
-        if (const auto i = fetch->indexOf(localIdentifier))
-            own = DetailViewModel::Landing{*fetch, int(*i), library::Library::applicationAlbumTitle()};
-    detail->offerAddedPicture({all, int(*at), Albums::allPhotosTitle(true)}, own);
+    co_await adding.wait();
+    if (adding.allPhotosIndex && adding.allPhotosAlbum) {
+        std::optional<DetailViewModel::Landing> own;
+        if (adding.tessorinIndex && adding.tessorinAlbum)
+            own = DetailViewModel::Landing{*adding.tessorinAlbum, *adding.tessorinIndex, library::Library::applicationAlbumTitle()};
+        detail->offerAddedPicture({*adding.allPhotosAlbum, *adding.allPhotosIndex, Albums::allPhotosTitle(true)}, own);
+    }
+    adding.clearLanding();
 }
 
 AppModels::~AppModels() {

@@ -1,6 +1,7 @@
 #pragma once
 // Every screen's view model, made once for the process and handed to QML as singletons of the
 // module "Tessorin" (AlbumList, Group, Detail, ...). The app and the QML load test share it.
+#include <QCoro/QCoroTask>
 #include <QObject>
 #include <QStringList>
 #include <memory>
@@ -35,9 +36,10 @@ public:
     // changed since the last run, and has the screens show it; `watch` follows other programs'
     // changes. Again with other folders when the user chooses them.
     void openLibrary(const QStringList& folders = {}, bool watch = true);
-    // A picture the edit screen saved as a new item: the library reads it; the album on view
-    // shows it when it holds it, otherwise the detail offers the albums where it landed.
-    void pictureAdded(const QString& localIdentifier);
+    // A picture the edit screen saved as a new item: the library reads it and the library
+    // observer finds where it landed; the album on view shows it when it holds it, otherwise
+    // the detail offers the albums where it landed.
+    QCoro::Task<> pictureAdded();
     std::unique_ptr<library::Library> library;
     TSLibraryObserver* libraryObserver = nullptr;
 

@@ -1,16 +1,14 @@
 #include "DetailViewModel.h"
 
-#include "GroupViewModel.h"
 #include "Log.h"
 #include "Settings.h"
-#include "TSFilesAlbum.h"
 #include "TSPhotoAlbum.h"
 
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
 
-DetailViewModel::DetailViewModel(QObject* parent) : QObject(parent) {
+DetailViewModel::DetailViewModel(QObject* parent) : QObject(parent), strip_(new ImageStripModel(this)) {
     TSEnvironment::observable().addObserver(this);
 }
 
@@ -128,21 +126,6 @@ QUrl DetailViewModel::currentSource() const {
     return asset ? QUrl::fromLocalFile(asset->path()) : QUrl();
 }
 
-QString DetailViewModel::imageSource(int index) const {
-    if (const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get())) {
-        const library::Asset* asset = photos->assetAt(index);
-        return asset ? GroupViewModel::thumbnailSource(asset->mainPath(), true) : QString();
-    }
-    const auto album = std::dynamic_pointer_cast<TSFilesAlbum>(TSEnvironment::currentAlbum());
-    const auto path = album ? album->imageUrl(index) : std::nullopt;
-    return path ? GroupViewModel::thumbnailSource(*path) : QString();
-}
-
-bool DetailViewModel::isVideo(int index) const {
-    const auto album = TSEnvironment::currentAlbum();
-    return index >= 0 && index < album->count() && album->isVideo(index);
-}
-
 int DetailViewModel::indexAt(qreal offset, qreal inset, qreal itemWidth) {
     const int index = int(std::lround((offset + inset) / (itemWidth + lineSpacing)));
     Log::debug("🗂 CurrentIndex: " + QString::number(index));
@@ -193,6 +176,7 @@ void DetailViewModel::processedMetaData(const std::shared_ptr<TSAlbum>&) {
     setLivePlaying(false);
     setBar(true, false);
     albumId_.update(*TSEnvironment::currentAlbum());
+    strip_->follow(false);
     emit currentChanged();
     emit alignRequested();
 }
@@ -226,6 +210,8 @@ void DetailViewModel::takeIncremental() {
 void DetailViewModel::albumChanged() {
     takeIncremental();
     Log::debug("## InTabViewController albumChanged() ##");
+    // The items may have moved without the count changing.
+    strip_->follow(true);
     emit currentChanged();
     emit alignRequested();
 }
@@ -253,6 +239,7 @@ void DetailViewModel::chooseAdded(int action) {
     }
     album->setSubType(std::nullopt);
     album->setAlbum(landing.fetch, landing.index, landing.title);
+    strip_->follow(true);
     emit reloadTables();
     emit currentChanged();
     emit alignRequested();
@@ -266,12 +253,6 @@ QUrl DetailViewModel::liveVideoSource() const {
         if (r.type == library::ResourceType::pairedVideo || r.type == library::ResourceType::fullSizePairedVideo)
             return QUrl::fromLocalFile(r.path);
     return {};
-}
-
-bool DetailViewModel::isLive(int index) const {
-    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get());
-    const library::Asset* asset = photos ? photos->assetAt(index) : nullptr;
-    return asset && (asset->mediaSubtypes & library::Subtype::photoLive);
 }
 
 void DetailViewModel::setLivePlaying(bool on) {

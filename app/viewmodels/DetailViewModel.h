@@ -2,6 +2,7 @@
 // The detail screen as a whole: the strip of images above the tables, its height as the user
 // drags it, the switch between the detail and the tag table, the bars' state while an item
 // loads, paging with the keys, and the full-screen view with its zoom limits.
+#include "ImageStripModel.h"
 #include "Library.h"
 #include "TSAlbum.h"
 #include "TSMetaDataObservable.h"
@@ -42,6 +43,7 @@ class DetailViewModel : public QObject,
     // The movie plays over the still: once at a tap on the live badge or the strip's live mark,
     // and when the full-screen view opens while "showLivePhotos" is on.
     Q_PROPERTY(bool livePlaying READ livePlaying WRITE setLivePlaying NOTIFY livePlayingChanged)
+    Q_PROPERTY(ImageStripModel* strip READ strip CONSTANT)
 public:
     static constexpr qreal lineSpacing = 10.0;
     // The strip's own bar under the images, which stays in view when the strip is at its largest.
@@ -91,9 +93,9 @@ public:
     bool currentIsVideo() const;
     QUrl currentSource() const;
 
-    // The strip's picture of an item, and whether the item is a video.
-    Q_INVOKABLE QString imageSource(int index) const;
-    Q_INVOKABLE bool isVideo(int index) const;
+    ImageStripModel* strip() const { return strip_; }
+    // An item's picture, for the full-screen view's placeholder.
+    Q_INVOKABLE QString imageSource(int index) const { return ImageStripModel::imageSource(index); }
 
     // The strip's item under its centre for a scroll offset (the strip's left inset included).
     Q_INVOKABLE static int indexAt(qreal offset, qreal inset, qreal itemWidth);
@@ -107,8 +109,6 @@ public:
     QUrl liveVideoSource() const;
     bool livePlaying() const { return livePlaying_; }
     void setLivePlaying(bool on);
-    // Whether an item of the strip is a live photo, for its mark.
-    Q_INVOKABLE bool isLive(int index) const;
 
     bool barEnabled() const { return barEnabled_; }
     bool overlayShown() const { return overlayShown_; }
@@ -159,6 +159,7 @@ signals:
     void addedDialogRequested(const QString& title, const QString& message, const QStringList& actions);
 
 private:
+    ImageStripModel* strip_;
     bool showTags_ = false;
     QSizeF screenSize_{390, 844};
     qreal availableHeight_ = 1e9;

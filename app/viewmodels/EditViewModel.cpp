@@ -1,5 +1,6 @@
 #include "EditViewModel.h"
 
+#include "AddingPicture.h"
 #include "Albums.h"
 #include "DateModifierViewModel.h"
 #include "DateShift.h"
@@ -75,6 +76,17 @@ void removeFolder(const QString& folder) {
 QStringList libraryFolders() {
     const library::Library* shown = TSEnvironment::library();
     return shown ? shown->folders() : library::Library::defaultFolders();
+}
+
+// Before a save: a new item is looked for in the library the screens show once that library
+// tells of the change (the album on view then jumps to it, or the detail offers where it landed).
+void prepareAdding(int mode) {
+    AddingPicture& adding = TSEnvironment::addingPicture();
+    adding.adding = false;
+    const library::Library* shown = TSEnvironment::library();
+    if (mode != int(SaveMode::newItem) || !shown) return;
+    adding.start(*shown, Albums::fetchOptions());
+    adding.adding = true;
 }
 
 // A folder of its own for the files of one "Save to Files", so that names never clash.
@@ -526,6 +538,7 @@ void EditViewModel::savePhotos(int mode) {
         return;
     }
     setActivity(QStringLiteral("Saving Photo..."), int(photos.size()));
+    prepareAdding(mode);
     QPointer<EditViewModel> self(this);
     modifier->progress = [self](int done) {
         QMetaObject::invokeMethod(self, [self, done] {
@@ -572,6 +585,7 @@ void EditViewModel::saveVideo(int mode) {
         return;
     }
     setActivity(QStringLiteral("Saving Video..."), 1);
+    prepareAdding(mode);
     runOffThread<Result>(
         this,
         [modifier, mode, folder, folders = libraryFolders()]() -> Result {
@@ -608,6 +622,8 @@ void EditViewModel::saveVideo(int mode) {
 
 void EditViewModel::ended(int mode, const Result& r) {
     setActivity({});
+    // Unless a new item was saved, nothing will come to wait for.
+    if (r.nothingChanged || r.message || r.urls.isEmpty() || !settings_) TSEnvironment::addingPicture().adding = false;
     if (!settings_) return;
     if (r.nothingChanged) {
         emit alert(QStringLiteral("Nothing changed"), QStringLiteral("No changes to save."));

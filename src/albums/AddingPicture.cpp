@@ -3,9 +3,7 @@
 #include "Log.h"
 
 void AddingPicture::start(const library::Library& library, const library::FetchOptions& options) {
-    allPhotosIndex.reset();
-    actualIndex.reset();
-    tessorinIndex.reset();
+    clearLanding();
     allPhotosAlbum = library.fetchAssets(options);
     // The application's album may not exist yet: its folder is fetched all the same, and a
     // refetch after the save finds the new item in it.
@@ -32,12 +30,26 @@ std::optional<int> AddingPicture::indexTest(const library::ChangeDetails& detail
     return index ? std::optional<int>(int(*index)) : std::nullopt;
 }
 
-void AddingPicture::update(const library::Library& library, const library::FetchResult& currentAlbum) {
+void AddingPicture::update(const library::Library& library, const library::FetchResult* currentAlbum) {
     if (!adding) return;
-    actualIndex = indexTest(library.changeDetails(currentAlbum));
+    actualIndex = currentAlbum ? indexTest(library.changeDetails(*currentAlbum)) : std::nullopt;
     if (actualIndex) return;
-    if (allPhotosAlbum) allPhotosIndex = indexTest(library.changeDetails(*allPhotosAlbum));
-    if (tessorinAlbum) tessorinIndex = indexTest(library.changeDetails(*tessorinAlbum));
+    const auto land = [&library](std::optional<library::FetchResult>& album, std::optional<int>& index) {
+        if (!album) return;
+        const library::ChangeDetails details = library.changeDetails(*album);
+        index = indexTest(details);
+        album = details.fetchResultAfterChanges;
+    };
+    land(allPhotosAlbum, allPhotosIndex);
+    land(tessorinAlbum, tessorinIndex);
+}
+
+void AddingPicture::clearLanding() {
+    allPhotosIndex.reset();
+    actualIndex.reset();
+    tessorinIndex.reset();
+    allPhotosAlbum.reset();
+    tessorinAlbum.reset();
 }
 
 AddingPicture& TSEnvironment::addingPicture() {

@@ -24,9 +24,12 @@ public:
     // Around the save: the flow awaits `wait()`; the library's change calls `complete()`.
     QCoro::Task<> wait();
     void complete();
-    // On a change of the library, while adding: where the new item is in the album on view,
-    // else in the two kept fetches.
-    void update(const library::Library& library, const library::FetchResult& currentAlbum);
+    // On a change of the library, while adding: where the new item is in the album on view
+    // (when a library album is on view), else in the two kept fetches, which then become the
+    // fetches after the change that the indexes point into.
+    void update(const library::Library& library, const library::FetchResult* currentAlbum);
+    // The indexes and fetches, once used.
+    void clearLanding();
 
     // The index in the fetch after the change of the first inserted item, if it is there.
     static std::optional<int> indexTest(const library::ChangeDetails& details);

@@ -56,12 +56,6 @@ QList<TSCollection> collections(const library::Library& library) {
     return list;
 }
 
-std::optional<library::FetchResult> applicationAlbumFetch(const library::Library& library) {
-    for (const library::Collection& c : library.userCollections())
-        if (c.title == library::Library::applicationAlbumTitle()) return library.fetchAssets(c.identifier, fetchOptions());
-    return std::nullopt;
-}
-
 QString allPhotosTitle(bool fullAccess) {
     return fullAccess ? QStringLiteral("All Photos") : QStringLiteral("Selected Photos");
 }

@@ -23,8 +23,6 @@ library::FetchOptions fetchOptions();
 // video ones too when "video" is off. Smart albums that hold nothing are left out by the library.
 QList<library::Collection> smartList(const library::Library& library);
 QList<TSCollection> collections(const library::Library& library);
-// The application's own album's items, or nothing before it was made.
-std::optional<library::FetchResult> applicationAlbumFetch(const library::Library& library);
 // "All Photos" with full access, "Selected Photos" with a limited one.
 QString allPhotosTitle(bool fullAccess);
 // The symbol of a smart album's subtype; empty for one that has none.

@@ -1,5 +1,6 @@
 #include "TSLibraryObserver.h"
 
+#include "AddingPicture.h"
 #include "Log.h"
 #include "TSMetaDataObservable.h"
 #include "TSPhotoAlbum.h"
@@ -11,8 +12,12 @@ TSLibraryObserver::TSLibraryObserver(library::Library* library, QObject* parent)
 void TSLibraryObserver::photoLibraryDidChange() {
     Log::debug(QStringLiteral("<< refresh TSLibraryObserver"));
     auto album = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
+    AddingPicture& adding = TSEnvironment::addingPicture();
+    const library::FetchResult* fetch = album && album->fetchedAssets ? &*album->fetchedAssets : nullptr;
     std::optional<library::ChangeDetails> details;
-    if (album && album->fetchedAssets && library_) details = library_->changeDetails(*album->fetchedAssets);
+    if (fetch && library_) details = library_->changeDetails(*fetch);
+    // A save waiting for its new item learns where it landed, also when no library album is on view.
+    if (library_) adding.update(*library_, fetch);
     if (details && !details->isEmpty()) {
         if (details->hasIncrementalChanges) {
             std::lock_guard lock(album->changes->semaphore);
@@ -22,6 +27,13 @@ void TSLibraryObserver::photoLibraryDidChange() {
         if (viewer) viewer->libraryDidChange(*details);
         else updateAlbum(*details);
     }
+    // The album on view jumped to the new item: nothing is left to offer.
+    if (adding.actualIndex) adding.clearLanding();
+    // Details or none, the change was told: a waiting save goes on.
+    if (adding.adding) {
+        adding.adding = false;
+        adding.complete();
+    }
     if (onChange) onChange(details);
 }
 
@@ -30,11 +42,12 @@ void TSLibraryObserver::updateAlbum(const library::ChangeDetails& details) {
     if (!album) return;
     const auto& after = details.fetchResultAfterChanges;
     Log::debug(QStringLiteral("<< updateAlbum: %1").arg(after.count()));
-    // The item on view keeps its place when it is still there; a deleted one leaves its
-    // neighbour (the one that took its index) on view.
+    // A new picture saved from here is shown; otherwise the item on view keeps its place when
+    // it is still there, and a deleted one leaves its neighbour (the one that took its index).
     int index = qMax(album->displayedIndex, 0);
     const library::FetchResult& before = details.fetchResultBeforeChanges;
-    if (index < before.count())
+    if (const auto added = TSEnvironment::addingPicture().actualIndex) index = *added;
+    else if (index < before.count())
         if (auto kept = after.indexOf(before.objectAt(index).localIdentifier)) index = int(*kept);
     album->setAlbum(after, index, album->title());
     Log::debug(QStringLiteral("albumChanged"));

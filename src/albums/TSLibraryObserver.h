@@ -26,7 +26,8 @@ public:
     // Held weakly; must also be a TSLibraryViewer.
     QPointer<QObject> refreshableDelegate;
     // Runs after each change with the details for the current album (or nothing when the current
-    // album is no library album); a save waiting for its new item hooks in here.
+    // album is no library album). A save waiting for its new item (AddingPicture) is told
+    // before, by the observer itself.
     std::function<void(const std::optional<library::ChangeDetails>&)> onChange;
 
     // The library changed: the current album's details go to the delegate or into the album.

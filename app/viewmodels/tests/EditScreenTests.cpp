@@ -13,6 +13,7 @@
 #include "LocationModifierViewModel.h"
 #include "Recent.h"
 #include "RotationModifierViewModel.h"
+#include "Settings.h"
 #include "TSAsset.h"
 #include "TSFilesAlbum.h"
 #include "TestSupport.h"
@@ -29,6 +30,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSignalSpy>
 #include <QUrl>
 
 using namespace testsupport;
@@ -592,24 +594,40 @@ TEST_F(EditInTheApp, ANewPictureIsShownOrTheAlbumsWhereItLandedAreOffered) {
 }
 
 // Modify edits the item in place through the save's own library; the album on view must still
-// show the item as edited, not as it was.
+// show the item as edited, not as it was, and the strip the items in their new order.
 TEST_F(EditInTheApp, AModifiedPictureIsShownWithItsNewDate) {
+    // Newest first: the Canon (May 2008) before the Nikon (March 2008). The Canon, on view, is
+    // set back to 2001 and so moves behind the Nikon.
+    Settings::setFlag(SettingsFlag::mostRecentFirst, true);
+    const QDateTime wished(QDate(2001, 6, 1), QTime(12, 34, 56));
     library::Library& lib = *models->library;
     auto album = show(lib.fetchAssets(Albums::fetchOptions()), "All Photos");
     ASSERT_TRUE(album->currentAsset && album->currentAsset->libraryAsset());
     const QString id = album->currentAsset->libraryAsset()->localIdentifier;
-    ASSERT_NE(album->currentAsset->libraryAsset()->creationDate.date(), kWished.date());
+    ASSERT_NE(album->currentAsset->libraryAsset()->creationDate.date(), wished.date());
+
+    const ImageStripModel& strip = *models->detail->strip();
+    const auto stripSource = [&](int row) { return strip.data(strip.index(row), ImageStripModel::SourceRole).toString(); };
+    EXPECT_TRUE(waitUntil([&] { return strip.rowCount() == 2; }));
+    const QString canon = stripSource(0), nikon = stripSource(1);
+    ASSERT_TRUE(canon.endsWith("c.jpg")) << canon.toStdString();
+    ASSERT_TRUE(nikon.endsWith("n.jpg")) << nikon.toStdString();
+    QSignalSpy stripReset(&strip, &QAbstractItemModel::modelReset);
 
     models->toolBar->edit();
     EditViewModel& edit = *models->edit;
     ASSERT_TRUE(edit.active());
-    edit.settings()->setDate(kWished, TSKey::EXIF_DATE);
+    edit.settings()->setDate(wished, TSKey::EXIF_DATE);
     edit.save(1);
     ASSERT_TRUE(waitUntil([&] { return edit.activity().isEmpty(); }));
     EXPECT_TRUE(waitUntil([&] {
         auto onView = std::dynamic_pointer_cast<TSPhotoAlbum>(TSEnvironment::currentAlbum());
         if (!onView || !onView->currentAsset || !onView->currentAsset->libraryAsset()) return false;
         const library::Asset& shown = *onView->currentAsset->libraryAsset();
-        return shown.localIdentifier == id && shown.isEdited() && shown.creationDate.date() == kWished.date();
+        return shown.localIdentifier == id && shown.isEdited() && shown.creationDate.date() == wished.date();
     }, 10000)) << currentPath().toStdString();
+    EXPECT_GE(stripReset.count(), 1);
+    ASSERT_EQ(strip.rowCount(), 2);
+    EXPECT_EQ(stripSource(0), nikon);
+    EXPECT_NE(stripSource(1), nikon);
 }

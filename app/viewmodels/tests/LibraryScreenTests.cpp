@@ -1,7 +1,9 @@
 // The screens over a real photo library in the test's folder: the album list's sections, the
 // group following changes of the library, the toolbar's library tools, the dialog after an add,
 // and the launcher entry and metainfo as the desktop's own validators see them.
+#include "AddingPicture.h"
 #include "AlbumListViewModel.h"
+#include "Albums.h"
 #include "AppController.h"
 #include "AppModels.h"
 #include "DetailViewModel.h"
@@ -306,11 +308,18 @@ TEST_F(LibraryScreens, AfterAnAddTheDialogOffersTheAlbumsWhereThePictureLanded) 
 
 TEST_F(LibraryScreens, ANewItemSavedIsShownOrOfferedWhereItLanded) {
     const QByteArray photo = testsupport::readFile(testsupport::corpusDir() + "/jpeg/Nikon_D70.jpg");
+    // What the edit screen does before it saves a new picture.
+    const auto saving = [this] {
+        AddingPicture& adding = TSEnvironment::addingPicture();
+        adding.start(lib(), Albums::fetchOptions());
+        adding.adding = true;
+    };
     // The album on view doesn't hold it: the dialog offers all photos and, with the setting, our album.
     TSEnvironment::pendingUrlAlbumName() = "paris";
     models->albumList->load();
     ASSERT_EQ(TSEnvironment::currentAlbum()->title(), "Paris");
     Settings::setFlag(SettingsFlag::saveInTessorin, true);
+    saving();
     const auto id = lib().createAsset(photo, "new.jpg", std::nullopt, std::nullopt);
     ASSERT_TRUE(id);
     emit models->edit->newItemSaved(*id);
@@ -323,6 +332,7 @@ TEST_F(LibraryScreens, ANewItemSavedIsShownOrOfferedWhereItLanded) {
     EXPECT_EQ(currentName(), "new.jpg");
 
     // All photos on view holds the next one: it goes straight there.
+    saving();
     const auto next = lib().createAsset(photo, "next.jpg", std::nullopt, std::nullopt);
     ASSERT_TRUE(next);
     models->detail->chooseAdded(-1);

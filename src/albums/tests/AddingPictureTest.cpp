@@ -61,7 +61,7 @@ protected:
         // What the library's change observer does while a picture is being added.
         QObject::connect(lib.get(), &library::Library::libraryDidChange, [this] {
             if (!adding.adding || !current) return;
-            adding.update(*lib, *current);
+            adding.update(*lib, &*current);
             adding.complete();
         });
     }
@@ -107,7 +107,7 @@ TEST_F(AddingPictureTest, ChangesWhileNotAddingLeaveTheIndexesAlone) {
     adding.start(*lib, {});
     QFile::copy(testsupport::corpusDir() + "/jpeg/Canon_40D.jpg", isolation().root() + "/lib/c.jpg");
     lib->scan();
-    adding.update(*lib, *current);
+    adding.update(*lib, &*current);
     EXPECT_FALSE(adding.actualIndex);
     EXPECT_FALSE(adding.allPhotosIndex);
     EXPECT_EQ(adding.addingSemaphore.counter(), 0);

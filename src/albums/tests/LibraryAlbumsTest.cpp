@@ -1,6 +1,7 @@
 // The library as the album list and the open album see it: collections under the user's
 // options, the memory cap, the observer that keeps the current album in step, and the item built
 // from a library asset. Over a real library in the test's own folder.
+#include "AddingPicture.h"
 #include "AlbumTestSupport.h"
 #include "Albums.h"
 #include "Isolation.h"
@@ -93,12 +94,6 @@ TEST_F(LibraryAlbumsTest, CollectionsFollowTheOptionsAndLeaveOutWhatHoldsNothing
     list = Albums::collections(*lib);
     EXPECT_EQ(names(list[0].assets), (QStringList{"b.heic", "c.jpg", "a.jpg"}));
     for (const auto& c : list[2].collections) EXPECT_NE(c.subtype, 202);
-
-    EXPECT_FALSE(Albums::applicationAlbumFetch(*lib));
-    ASSERT_TRUE(lib->createAlbum(library::Library::applicationAlbumTitle()));
-    auto own = Albums::applicationAlbumFetch(*lib);
-    ASSERT_TRUE(own);
-    EXPECT_EQ(own->count(), 0);
 }
 
 TEST_F(LibraryAlbumsTest, RamCheckCountsWholeUnitsBeforeTheDecimalMark) {
@@ -143,12 +138,23 @@ TEST_F(LibraryAlbumsTest, WithoutAGroupScreenTheAlbumFollowsTheLibraryAndKeepsIt
     ASSERT_TRUE(album->currentAsset);
     EXPECT_EQ(QFileInfo(album->currentAsset->path()).fileName(), "b.heic");
 
-    // A change elsewhere than in the album still reaches a waiting save, with no details.
+    // A change elsewhere than in the album still reaches a waiting save, with no details: the
+    // save goes on, and finds no new item to offer.
     TSEnvironment::setCurrentAlbum(std::make_shared<TSPhotoAlbum>());
+    AddingPicture& adding = TSEnvironment::addingPicture();
+    adding.start(*lib, {});
+    adding.adding = true;
     calls = 0;
     ASSERT_TRUE(lib->setFavorite(idOf("b.heic"), true));
     EXPECT_EQ(calls, 1);
     EXPECT_FALSE(seen);
+    EXPECT_FALSE(adding.adding);
+    EXPECT_FALSE(adding.allPhotosIndex);
+    EXPECT_EQ(adding.addingSemaphore.counter(), 1);
+    bool waited = false;
+    [](AddingPicture& a, bool& done) -> QCoro::Task<> { co_await a.wait(); done = true; }(adding, waited);
+    EXPECT_TRUE(waited);
+    EXPECT_EQ(adding.addingSemaphore.counter(), 0);
 }
 
 TEST_F(LibraryAlbumsTest, AGroupScreenGetsTheDetailsInstead) {
