@@ -70,6 +70,7 @@ Popup {
         function onAlert(title, message) { alert.title = title; alert.text = message; alert.open() }
         function onExportRequested(urls) {
             if (urls.length === 1) {
+                fileDialog.currentFolder = Edit.exportFolder()
                 fileDialog.selectedFile = Edit.exportSuggestion()
                 fileDialog.open()
             } else {
@@ -155,6 +156,7 @@ Popup {
     FileDialog {
         id: fileDialog
         fileMode: FileDialog.SaveFile
+        acceptLabel: "Save"
         onAccepted: Edit.finishExport(selectedFile)
         onRejected: Edit.finishExport("")
     }

@@ -645,10 +645,16 @@ void EditViewModel::ended(int mode, const Result& r) {
     close();
 }
 
-QUrl EditViewModel::exportSuggestion() const {
+QUrl EditViewModel::exportFolder() const {
+    // The pictures folder, or home where there is none: the file dialog lists the working
+    // folder under a missing folder's name.
     const QDir pictures(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
-    if (exportingUrls_.size() == 1) return QUrl::fromLocalFile(pictures.filePath(QUrl(exportingUrls_.first()).fileName()));
-    return QUrl::fromLocalFile(pictures.path());
+    return QUrl::fromLocalFile(pictures.exists() ? pictures.path() : QDir::homePath());
+}
+
+QUrl EditViewModel::exportSuggestion() const {
+    if (exportingUrls_.size() != 1) return exportFolder();
+    return QUrl::fromLocalFile(QDir(exportFolder().toLocalFile()).filePath(QUrl(exportingUrls_.first()).fileName()));
 }
 
 void EditViewModel::finishExport(const QUrl& target) {

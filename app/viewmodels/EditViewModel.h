@@ -104,8 +104,9 @@ public:
     // are copied there when chosen, and deleted in either case.
     Q_INVOKABLE void finishExport(const QUrl& target);
     QStringList exportingUrls() const { return exportingUrls_; }
-    // Where the save dialog starts: the file under its own name in the Pictures folder, or that
-    // folder for many files.
+    // Where the save dialog starts: the Pictures folder (home where there is none), and in it the
+    // file under its own name, or that folder for many files.
+    Q_INVOKABLE QUrl exportFolder() const;
     Q_INVOKABLE QUrl exportSuggestion() const;
 
     const QList<std::shared_ptr<TSAsset>>& selectedAssets() const { return assets_; }

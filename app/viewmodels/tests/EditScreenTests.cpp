@@ -20,6 +20,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QStandardPaths>
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -440,6 +442,14 @@ TEST_F(EditSaves, SaveToFilesOffersTheFilesAndDeletesThemAfterwards) {
     const QStringList urls = screen.exportingUrls();
     ASSERT_EQ(urls.size(), 3);
     EXPECT_TRUE(screen.active());
+    // The dialog starts in the Pictures folder, or at home while there is none (the dialog would
+    // list the working folder under the missing one's name).
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    EXPECT_FALSE(QFileInfo::exists(pictures));
+    EXPECT_EQ(screen.exportFolder(), QUrl::fromLocalFile(QDir::homePath()));
+    EXPECT_EQ(screen.exportSuggestion(), QUrl::fromLocalFile(QDir::homePath()));
+    QDir().mkpath(pictures);
+    EXPECT_EQ(screen.exportFolder(), QUrl::fromLocalFile(pictures));
     const QString target = isolation().root() + "/chosen";
     QDir().mkpath(target);
     screen.finishExport(QUrl::fromLocalFile(target));
