@@ -178,6 +178,8 @@ TEST(PlaceIndex, SearchRanksWholeNamesThenStartsThenInsidesByPopulation) {
     EXPECT_TRUE(names(york).contains("New York City/US"));
     EXPECT_EQ(rank(york.last()), 2);
 
+    // The two place sources put Lisbon's centre 2.4 km apart; its population still counts.
+    EXPECT_EQ(names(index().search("lisbon")).first(), "Lisbon/PT");
     EXPECT_EQ(names(index().search("san fran")).first(), "San Francisco/US");
     EXPECT_EQ(names(index().search("zurich")).first(), QString("Zürich/CH"));
     EXPECT_EQ(names(index().search("SAO PAULO")).first(), QString("São Paulo/BR"));
