@@ -120,3 +120,24 @@ TEST(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
     EXPECT_EQ(r.err, "");
     EXPECT_EQ(r.out, "_tessorin-cli\nloaded\n");
 }
+
+// FFmpeg loads with the first movie, from lib/tessorin beside the tool's folder: photos never
+// load it, and a tool whose module is missing still reads photos and says why movies fail.
+TEST(MovieModule, LoadsWithTheFirstMovieOnly) {
+    const ProcessResult needed = run("ldd", {QStringLiteral(TESSORIN_CLI)});
+    ASSERT_EQ(needed.exitCode, 0);
+    EXPECT_FALSE(needed.out.contains("libavformat")) << needed.out.toStdString();
+
+    const QString photo = corpusDir() + "/jpeg/Canon_40D.jpg", movie = corpusDir() + "/video/small_video.mp4";
+    EXPECT_EQ(cli({"props", movie}).exitCode, 0);
+
+    QTemporaryDir alone;
+    QDir(alone.path()).mkpath("bin");
+    const QString copy = alone.filePath("bin/tessorin-cli");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(TESSORIN_CLI), copy));
+    EXPECT_EQ(run(copy, {"props", photo}).exitCode, 0);
+    const ProcessResult r = run(copy, {"props", movie});
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains("movie support can't be loaded")) << r.err.toStdString();
+    EXPECT_TRUE(run(copy, {"--version"}).out.contains("movie support can't be loaded"));
+}

@@ -55,4 +55,7 @@ QSizeF presentationSize(const Track& track);
 // upright. A null image when there is none or it can't be decoded.
 QImage firstFrame(const QByteArray& bytes, QString* error = nullptr);
 
+// "FFmpeg VERSION (libavformat X.Y.Z)", or why FFmpeg can't be loaded.
+QString ffmpegVersions();
+
 }  // namespace media

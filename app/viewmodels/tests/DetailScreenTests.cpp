@@ -108,7 +108,7 @@ TEST_F(DetailScreenTest, RowsFollowTheItemKindAndItsLocation) {
     // Each kind with and without a position: the position adds the map and its separator.
     int withPosition = 0;
     for (const QString& file :
-         {"jpeg/gps/DSCN0010.jpg", "jpeg/Canon_40D.jpg", "video/apple_meta.mov", "video/small_video.mp4"}) {
+         QStringList{"jpeg/gps/DSCN0010.jpg", "jpeg/Canon_40D.jpg", "video/apple_meta.mov", "video/small_video.mp4"}) {
         SCOPED_TRACE(file.toStdString());
         open({corpus(file)});
         const QStringList kinds = column(table, DetailTableModel::KindRole);
