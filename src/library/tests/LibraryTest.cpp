@@ -290,7 +290,7 @@ TEST_F(LibraryFixture, AnotherProgramsChangesAreNoticed) {
 
 TEST_F(LibraryFixture, WatcherLooksOnlyAtTheFoldersThatChanged) {
     const QStringList sources{"jpeg/Canon_40D.jpg", "jpeg/Nikon_D70.jpg", "jpeg/jolla.jpg"};
-    for (const QString& album : {"A", "B"})
+    for (const char* album : {"A", "B"})
         for (int i = 0; i < 3; ++i) add(sources[i], QStringLiteral("%1/%2.jpg").arg(album).arg(i));
     lib->scan();
     lib->startWatching();
