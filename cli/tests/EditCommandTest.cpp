@@ -245,14 +245,17 @@ TEST_F(EditCommand, NoTagsLeavesNoTagsAndTheSameImage) {
         for (auto it = after.begin(); it != after.end(); ++it) {
             const QString group = it.key().section(':', 0, 0), name = it.key().section(':', 1);
             EXPECT_FALSE(group == "IFD0" && described.contains(name)) << it.key().toStdString();
-            // The sample DNG's XMP sits with its auxiliary sky matte and describes that image.
-            const bool auxiliaryXmp = file.endsWith(".dng") && group.startsWith("XMP");
+            // The sample DNG's XMP sits with its auxiliary sky matte, and the iPhone HEIC's with its
+            // HDR gain map: each describes that image and stays.
+            const bool auxiliaryXmp =
+                (file.endsWith(".dng") || file.endsWith("iphone_13_pro_max.HEIC")) && group.startsWith("XMP");
             EXPECT_FALSE(group == "ExifIFD" || group == "GPS" || group == "IPTC" || (group.startsWith("XMP") && !auxiliaryXmp))
                 << it.key().toStdString();
         }
         expectSameImage(file, written);
         // The colour profile is part of the image.
         const QJsonObject before = tagsOf(file);
+        EXPECT_EQ(after.value("XMP-HDRGainMap:HDRGainMapVersion"), before.value("XMP-HDRGainMap:HDRGainMapVersion"));
         EXPECT_EQ(after.value("ICC_Profile:ProfileDescription"), before.value("ICC_Profile:ProfileDescription"));
     }
 }

@@ -11,7 +11,9 @@
 #include <exiv2/exif.hpp>
 #include <exiv2/xmp_exiv2.hpp>
 
+#include <algorithm>
 #include <cstring>
+#include <map>
 #include <vector>
 
 // exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
@@ -167,6 +169,7 @@ struct Container {
     int iinfVersion = 0;
     uint32_t primary = 0;
     const Box* idat = nullptr;
+    std::map<uint32_t, std::vector<uint32_t>> describes;  // 'cdsc' references: item -> images
 
     explicit Container(const QByteArray& b) : bytes(b) {
         top = boxes(b, 0, b.size());
@@ -206,15 +209,34 @@ struct Container {
                 primary = uint32_t(c.read(v == 0 ? 2 : 4));
             } else if (child.type == "idat") {
                 idat = &child;
+            } else if (child.type == "iref") {
+                const int v = int(c.read(4) >> 24);
+                for (const Box& ref : boxes(b, c.at, child.end())) {
+                    if (ref.type != "cdsc") continue;
+                    Cursor r{b, ref.body(), ref.end()};
+                    const uint32_t from = uint32_t(r.read(v == 0 ? 2 : 4));
+                    for (uint64_t n = r.read(2); n > 0; --n) describes[from].push_back(uint32_t(r.read(v == 0 ? 2 : 4)));
+                }
             }
         }
         if (!sawIloc || !sawIinf) throw Broken("no item list or item locations");
     }
 
+    // The metadata item of this kind that describes the primary image: one whose 'cdsc'
+    // reference names it, else one that names no image. An item about another image is not the
+    // photo's (an iPhone's HDR gain map has XMP of its own).
     std::optional<uint32_t> item(const char* type, const char* contentType = nullptr) const {
-        for (const ItemInfo& i : infos)
-            if (i.type == type && (!contentType || i.contentType == contentType)) return i.id;
-        return std::nullopt;
+        std::optional<uint32_t> unlinked;
+        for (const ItemInfo& i : infos) {
+            if (i.type != type || (contentType && i.contentType != contentType)) continue;
+            const auto refs = describes.find(i.id);
+            if (refs == describes.end()) {
+                if (!unlinked) unlinked = i.id;
+            } else if (std::find(refs->second.begin(), refs->second.end(), primary) != refs->second.end()) {
+                return i.id;
+            }
+        }
+        return unlinked;
     }
 
     QByteArray data(uint32_t id) {
