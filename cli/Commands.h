@@ -15,9 +15,10 @@ int placeCommand(const QStringList& args);
 // Resources and auxiliary images of files, optionally written out.
 int resourcesCommand(const QStringList& args);
 // Photos are edited here; movie files go, with the same wishes and target, to the movie editor
-// that registers itself with setMovieEditor (its arguments: the options, then the movie files).
+// that registers itself with setMovieEditor.
 int editCommand(const QStringList& args);
-void setMovieEditor(std::function<int(const QStringList&)> editor);
+struct MovieEdit;
+void setMovieEditor(std::function<int(const MovieEdit&)> editor);
 
 // The photo library: scan, albums, list, show, favorite, delete, revert.
 int libraryCommand(const QStringList& args);

@@ -2,6 +2,7 @@
 #include "Arguments.h"
 #include "Commands.h"
 #include "FileArgs.h"
+#include "MovieEdit.h"
 
 #include "BatchEdit.h"
 #include "DateShift.h"
@@ -25,8 +26,8 @@
 
 namespace {
 
-std::function<int(const QStringList&)>& movieEditor() {
-    static std::function<int(const QStringList&)> editor;
+std::function<int(const MovieEdit&)>& movieEditor() {
+    static std::function<int(const MovieEdit&)> editor;
     return editor;
 }
 
@@ -179,7 +180,7 @@ bool independent(const QStringList& files, const Target& target) {
 
 }  // namespace
 
-void setMovieEditor(std::function<int(const QStringList&)> editor) { movieEditor() = std::move(editor); }
+void setMovieEditor(std::function<int(const MovieEdit&)> editor) { movieEditor() = std::move(editor); }
 
 int editCommand(const QStringList& rawArgs) {
     cli::Arguments parsed;
@@ -188,14 +189,16 @@ int editCommand(const QStringList& rawArgs) {
     BatchWishes batch;
     QString trackPath;
     Target target;
-    QStringList passOn;  // what the movie editor is given besides the movies
+    MovieEdit movieEdit;
     for (const auto& [a, value] : parsed.options) {
-        // movies carry no IPTC, and the file list is the movie editor's own
+        // Movies carry no IPTC and take no track log (said below); the rest they don't take is
+        // named to them.
         static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template",
                                             "--geotag", "--geotag-offset", "--max-gap"};
-        const bool forMovies = !photosOnly.contains(a);
-        if (forMovies) passOn << a;
-        if (forMovies && !value.isNull()) passOn << value;
+        static const QStringList forMovies{"--date",    "--location", "--shift", "--zone", "--keep-instant", "--strip",
+                                           "--no-date", "--no-location", "--no-tags", "-o", "--in-place"};
+        if (!photosOnly.contains(a) && !forMovies.contains(a) && !movieEdit.unsupported.contains(a))
+            movieEdit.unsupported << a;
         if (a == "--date" || a == "--digitized-date") {
             auto date = Formatter::exifDate(value);
             if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
@@ -333,7 +336,19 @@ int editCommand(const QStringList& rawArgs) {
                 printError(m + (batch.trackLog ? ": movies take no track log\n" : ": movies can't be edited here\n"));
             return 1;
         }
-        const int movieStatus = movieEditor()(passOn + QStringList{"--"} + movies);
+        VideoWishes& w = movieEdit.wishes;
+        w.date = wishes.date;
+        w.location = wishes.location;
+        w.removeDate = wishes.noDate;
+        w.removeLocation = wishes.noLocation;
+        w.noTags = wishes.noTags;
+        w.shiftSeconds = batch.shiftSeconds;
+        w.zone = batch.zone;
+        w.strip = batch.strip;
+        movieEdit.outputDir = target.outputDir;
+        movieEdit.inPlace = target.inPlace;
+        movieEdit.files = movies;
+        const int movieStatus = movieEditor()(movieEdit);
         status = std::max(status, movieStatus);
     }
     return status;
