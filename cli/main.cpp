@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
     QStringList args = app.arguments().mid(1);
     if (args.removeAll("--no-human") > 0)
         Settings::setProcessOverride(Settings::key(SettingsFlag::human), false);
+    Settings::holdFlags();
     if (args.isEmpty()) return cli::usageError({}, "no command given");
     if (args.first() == "-h" || args.first() == "--help") {
         printOut(cli::helpText({}));

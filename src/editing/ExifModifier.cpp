@@ -1,6 +1,5 @@
 #include "ExifModifier.h"
 
-#include "Formatter.h"
 #include "Library.h"
 #include "Log.h"
 #include "PropertyKeys.h"
@@ -57,9 +56,7 @@ void ExifModifier::modify(UserSettings& settings, bool isModify) {
         settings.dropDateWishes();
     } else if (const auto wished = settings.date(TSKey::EXIF_DATE); settings.isDateChanged() && wished) {
         for (auto& photo : modifing) {
-            const auto own = photo.tsAsset->ddStore().datas.value(TSKey::EXIF_DATE);
-            const auto ownDate = own ? Formatter::parse(*own, Formatter::Style::fullDate) : std::nullopt;
-            if (ownDate == wished) continue;
+            if (photo.tsAsset->ddStore().exifDate == wished) continue;
             photo.tags->userDate = wished;
             photo.tags->changed = true;
         }

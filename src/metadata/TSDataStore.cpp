@@ -106,6 +106,7 @@ void TSDataStore::setDate(const QDateTime& d, const QString& source) {
     datas[TSKey::EXIF_DATE] = Formatter::format(d, Formatter::Style::fullDate);
     dates.dict[source] = d;
     date = d;
+    exifDate = d;
 }
 
 void TSDataStore::fillLocation(const TSMetaData& md) {

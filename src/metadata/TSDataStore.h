@@ -51,6 +51,8 @@ public:
     std::optional<GeoLocation> location;
     std::optional<Placemark> placemark;
     std::optional<QDateTime> date;
+    // The date behind the "Original Date" row, as read rather than as shown.
+    std::optional<QDateTime> exifDate;
     DataSource dateSource = DataSource::noData;
     DataSource locationSource = DataSource::noData;
     bool hasExifMetadata = false;

@@ -64,6 +64,15 @@ void Settings::setProcessOverride(const QString& key, const QVariant& value) {
     overrides().insert(key, value);
 }
 
+void Settings::holdFlags() {
+    QSettings store(organisation, application);
+    QMutexLocker lock(&overridesMutex);
+    for (const Registered& r : kRegistered) {
+        const QString key = QString::fromLatin1(r.key);
+        if (!overrides().contains(key)) overrides().insert(key, store.value(key, r.value));
+    }
+}
+
 QVariant Settings::value(const QString& key) {
     {
         QMutexLocker lock(&overridesMutex);

@@ -41,6 +41,9 @@ public:
     // A value for this process only, read before the stored one and never written (the
     // command line's --no-human runs with "human" off without touching the user's choice).
     static void setProcessOverride(const QString& key, const QVariant& value);
+    // Every flag as it stands now, held for the rest of the process: a command-line run reads
+    // them once, where opening the store for each file was a measurable part of each edit.
+    static void holdFlags();
 
     static bool flag(SettingsFlag flag);
     static void setFlag(SettingsFlag flag, bool on);
