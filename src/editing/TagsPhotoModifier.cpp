@@ -206,6 +206,9 @@ QStringList TagsPhotoModifier::changedTags() const {
     // Nested dictionaries are walked; a null on a tag the file lacks changes nothing.
     std::function<void(const QString&, const QVariant&, const QVariant&)> describe =
         [&](const QString& name, const QVariant& now, const QVariant& was) {
+            // Most of a photo's tags are as they were: equal values are passed over before any
+            // text is made of them.
+            if (now.typeId() == was.typeId() && now == was) return;
             if (now.typeId() == QMetaType::QVariantMap) {
                 const QVariantMap n = now.toMap(), o = was.toMap();
                 for (auto f = n.begin(); f != n.end(); ++f)

@@ -1,11 +1,12 @@
 // Written by hand: libheif 1.15 can add metadata only while encoding an image anew, and exiv2
-// 0.27 reads HEIF but does not write it. This rewriter touches the container alone: the item
-// list, the item locations and references inside 'meta', and a new 'mdat' at the end holding the
-// new Exif and XMP payloads. Every other byte, coded images, auxiliary images and thumbnails
+// 0.27 reads HEIF but does not write it. This rewriter touches the container alone (see
+// HeifContainer): the item list, the item locations and references inside 'meta', and a new
+// 'mdat' at the end holding the new Exif and XMP payloads. Every other byte, coded images, auxiliary images and thumbnails
 // included, is copied as it is; only the offsets that point past 'meta' move with it.
 #include "HeifRewriter.h"
 
 #include "Exiv2Convert.h"
+#include "HeifContainer.h"
 #include "MetadataEdit.h"
 
 #include <exiv2/exif.hpp>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
 #include <vector>
 
 // exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
@@ -22,240 +22,7 @@
 namespace imageio {
 namespace {
 
-struct Broken : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-// Big-endian reads that refuse to run past the end.
-struct Cursor {
-    const QByteArray& b;
-    qint64 at, end;
-
-    uint64_t read(int bytes) {
-        if (bytes < 0 || at + bytes > end) throw Broken("the HEIF container is cut short");
-        uint64_t v = 0;
-        for (int i = 0; i < bytes; ++i) v = v << 8 | uint8_t(b[at + i]);
-        at += bytes;
-        return v;
-    }
-    QByteArray text() {  // a NUL-terminated text
-        qint64 nul = at;
-        while (nul < end && b[nul] != '\0') ++nul;
-        QByteArray out = b.mid(at, nul - at);
-        at = qMin(nul + 1, end);
-        return out;
-    }
-};
-
-void put(QByteArray& out, uint64_t v, int bytes) {
-    for (int i = bytes - 1; i >= 0; --i) out.append(char(v >> (8 * i) & 0xff));
-}
-
-struct Box {
-    QByteArray type;
-    qint64 offset = 0, size = 0, header = 0;
-    qint64 end() const { return offset + size; }
-    qint64 body() const { return offset + header; }
-};
-
-std::vector<Box> boxes(const QByteArray& b, qint64 from, qint64 to) {
-    std::vector<Box> out;
-    while (from < to) {
-        Cursor c{b, from, to};
-        Box box;
-        box.offset = from;
-        box.size = qint64(c.read(4));
-        box.type = b.mid(c.at, 4);
-        c.read(4);
-        if (box.size == 1) box.size = qint64(c.read(8));
-        else if (box.size == 0) box.size = to - from;
-        box.header = c.at - from;
-        if (box.size < box.header || box.size > to - from) throw Broken("a HEIF box runs past its container");
-        out.push_back(box);
-        from += box.size;
-    }
-    return out;
-}
-
-QByteArray boxBytes(const char* type, const QByteArray& body, int fullBoxVersion = -1, uint32_t flags = 0) {
-    QByteArray out;
-    const qint64 size = 8 + (fullBoxVersion >= 0 ? 4 : 0) + body.size();
-    if (size > 0xffffffffLL) throw Broken("a HEIF box grew too large");
-    put(out, uint64_t(size), 4);
-    out.append(type, 4);
-    if (fullBoxVersion >= 0) put(out, uint64_t(fullBoxVersion) << 24 | flags, 4);
-    return out + body;
-}
-
-struct Extent {
-    uint64_t index = 0, offset = 0, length = 0;
-};
-struct Location {
-    uint32_t item = 0;
-    int method = 0;
-    uint16_t dataReference = 0;
-    uint64_t base = 0;
-    std::vector<Extent> extents;
-};
-struct ItemLocations {
-    int version = 0, offsetSize = 4, lengthSize = 4, baseSize = 0, indexSize = 0;
-    std::vector<Location> items;
-
-    void parse(Cursor c) {
-        version = int(c.read(4) >> 24);
-        if (version > 2) throw Broken("an unknown HEIF item location version");
-        const uint64_t sizes = c.read(2);
-        offsetSize = int(sizes >> 12 & 0xf), lengthSize = int(sizes >> 8 & 0xf), baseSize = int(sizes >> 4 & 0xf);
-        indexSize = version >= 1 ? int(sizes & 0xf) : 0;
-        for (int s : {offsetSize, lengthSize, baseSize, indexSize})
-            if (s != 0 && s != 4 && s != 8) throw Broken("odd HEIF item location field sizes");
-        const uint64_t count = c.read(version < 2 ? 2 : 4);
-        for (uint64_t i = 0; i < count; ++i) {
-            Location l;
-            l.item = uint32_t(c.read(version < 2 ? 2 : 4));
-            if (version >= 1) l.method = int(c.read(2) & 0xf);
-            l.dataReference = uint16_t(c.read(2));
-            l.base = c.read(baseSize);
-            const uint64_t extents = c.read(2);
-            for (uint64_t e = 0; e < extents; ++e) {
-                Extent x;
-                if (version >= 1 && indexSize > 0) x.index = c.read(indexSize);
-                x.offset = c.read(offsetSize);
-                x.length = c.read(lengthSize);
-                l.extents.push_back(x);
-            }
-            items.push_back(l);
-        }
-    }
-
-    QByteArray serialize() const {
-        QByteArray body;
-        put(body, uint64_t(offsetSize << 12 | lengthSize << 8 | baseSize << 4 | indexSize), 2);
-        put(body, items.size(), version < 2 ? 2 : 4);
-        for (const Location& l : items) {
-            put(body, l.item, version < 2 ? 2 : 4);
-            if (version >= 1) put(body, uint64_t(l.method), 2);
-            put(body, l.dataReference, 2);
-            put(body, l.base, baseSize);
-            put(body, l.extents.size(), 2);
-            for (const Extent& x : l.extents) {
-                if (version >= 1 && indexSize > 0) put(body, x.index, indexSize);
-                put(body, x.offset, offsetSize);
-                put(body, x.length, lengthSize);
-            }
-        }
-        return boxBytes("iloc", body, version);
-    }
-
-    Location* find(uint32_t item) {
-        for (Location& l : items)
-            if (l.item == item) return &l;
-        return nullptr;
-    }
-};
-
-struct ItemInfo {
-    uint32_t id = 0;
-    QByteArray type, contentType;
-};
-
-struct Container {
-    const QByteArray& bytes;
-    std::vector<Box> top;
-    const Box* meta = nullptr;
-    std::vector<Box> metaChildren;
-    ItemLocations iloc;
-    std::vector<ItemInfo> infos;
-    int iinfVersion = 0;
-    uint32_t primary = 0;
-    const Box* idat = nullptr;
-    std::map<uint32_t, std::vector<uint32_t>> describes;  // 'cdsc' references: item -> images
-
-    explicit Container(const QByteArray& b) : bytes(b) {
-        top = boxes(b, 0, b.size());
-        for (const Box& box : top)
-            if (box.type == "meta") {
-                if (meta) throw Broken("two 'meta' boxes");
-                meta = &box;
-            }
-        if (!meta) throw Broken("no 'meta' box");
-        metaChildren = boxes(b, meta->body() + 4, meta->end());
-        bool sawIloc = false, sawIinf = false;
-        for (const Box& child : metaChildren) {
-            Cursor c{b, child.body(), child.end()};
-            if (child.type == "iloc") {
-                iloc.parse(c);
-                sawIloc = true;
-            } else if (child.type == "iinf") {
-                iinfVersion = int(c.read(4) >> 24);
-                c.read(iinfVersion == 0 ? 2 : 4);
-                for (const Box& infe : boxes(b, c.at, child.end())) {
-                    if (infe.type != "infe") continue;
-                    Cursor e{b, infe.body(), infe.end()};
-                    const int v = int(e.read(4) >> 24);
-                    if (v < 2) continue;
-                    ItemInfo info;
-                    info.id = uint32_t(e.read(v == 2 ? 2 : 4));
-                    e.read(2);
-                    info.type = b.mid(e.at, 4);
-                    e.read(4);
-                    e.text();  // name
-                    if (info.type == "mime") info.contentType = e.text();
-                    infos.push_back(info);
-                }
-                sawIinf = true;
-            } else if (child.type == "pitm") {
-                const int v = int(c.read(4) >> 24);
-                primary = uint32_t(c.read(v == 0 ? 2 : 4));
-            } else if (child.type == "idat") {
-                idat = &child;
-            } else if (child.type == "iref") {
-                const int v = int(c.read(4) >> 24);
-                for (const Box& ref : boxes(b, c.at, child.end())) {
-                    if (ref.type != "cdsc") continue;
-                    Cursor r{b, ref.body(), ref.end()};
-                    const uint32_t from = uint32_t(r.read(v == 0 ? 2 : 4));
-                    for (uint64_t n = r.read(2); n > 0; --n) describes[from].push_back(uint32_t(r.read(v == 0 ? 2 : 4)));
-                }
-            }
-        }
-        if (!sawIloc || !sawIinf) throw Broken("no item list or item locations");
-    }
-
-    // The metadata item of this kind that describes the primary image: one whose 'cdsc'
-    // reference names it, else one that names no image. An item about another image is not the
-    // photo's (an iPhone's HDR gain map has XMP of its own).
-    std::optional<uint32_t> item(const char* type, const char* contentType = nullptr) const {
-        std::optional<uint32_t> unlinked;
-        for (const ItemInfo& i : infos) {
-            if (i.type != type || (contentType && i.contentType != contentType)) continue;
-            const auto refs = describes.find(i.id);
-            if (refs == describes.end()) {
-                if (!unlinked) unlinked = i.id;
-            } else if (std::find(refs->second.begin(), refs->second.end(), primary) != refs->second.end()) {
-                return i.id;
-            }
-        }
-        return unlinked;
-    }
-
-    QByteArray data(uint32_t id) {
-        const Location* l = iloc.find(id);
-        if (!l) return {};
-        if (l->dataReference != 0 || l->method > 1 || (l->method == 1 && !idat))
-            throw Broken("metadata stored in a way this writer does not follow");
-        const qint64 origin = l->method == 1 ? idat->body() : 0, limit = l->method == 1 ? idat->end() : bytes.size();
-        QByteArray out;
-        for (const Extent& x : l->extents) {
-            const uint64_t start = uint64_t(origin) + l->base + x.offset;
-            const uint64_t length = x.length ? x.length : uint64_t(limit) - start;
-            if (start > uint64_t(limit) || length > uint64_t(limit) - start || out.size() + qint64(length) > (64 << 20))
-                throw Broken("a metadata item lies outside the file");
-            out.append(bytes.constData() + start, qsizetype(length));
-        }
-        return out;
-    }
-};
+using namespace heif;
 
 QByteArray infeBox(uint32_t id, const char* type, const QByteArray& contentType) {
     QByteArray body;
