@@ -467,18 +467,35 @@ void addExif(const Exiv2::ExifData& exif, PropertyDict& top) {
     QHash<QString, PropertyDict> makers;
     QByteArray makerNote;
 
+    // Directories by exiv2's number for them: naming each tag's group made a string per tag.
+    static const int image = Exiv2::ExifKey("Exif.Image.Make").ifdId(), photo = Exiv2::ExifKey("Exif.Photo.FNumber").ifdId(),
+                     gps = Exiv2::ExifKey("Exif.GPSInfo.GPSLatitude").ifdId();
+    static const QHash<std::pair<int, uint16_t>, const char*> aux = [] {
+        QHash<std::pair<int, uint16_t>, const char*> out;
+        for (auto it = auxFromMaker().begin(); it != auxFromMaker().end(); ++it) {
+            try {
+                const Exiv2::ExifKey key(it.key().toStdString());
+                out.insert({key.ifdId(), key.tag()}, it.value());
+            } catch (const std::exception&) {
+                // A name this exiv2 doesn't know: no tag of a file reads under it.
+            }
+        }
+        return out;
+    }();
+    int makerIfd = -1;  // the maker directory of the tags before, and its dictionary
+    PropertyDict* maker = nullptr;
     for (const auto& d : exif) {
         try {
-            const std::string group = d.groupName();
+            const int ifd = d.ifdId();
             const uint16_t tag = d.tag();
-            if (group == "Photo") {
+            if (ifd == photo) {
                 if (tag == 0x927c) {
                     makerNote = rawBytes(d);
                     continue;
                 }
                 auto it = exifTagKeys().find(tag);
                 if (it != exifTagKeys().end()) insertIfValid(exifDict, it.value(), convertExifTag(d, it.value()));
-            } else if (group == "Image") {
+            } else if (ifd == image) {
                 auto it = tiffTagKeys().find(tag);
                 if (it != tiffTagKeys().end()) {
                     insertIfValid(tiffDict, it.value(), convert(d));
@@ -488,15 +505,17 @@ void addExif(const Exiv2::ExifData& exif, PropertyDict& top) {
                 auto ex = exifTagKeys().find(tag);
                 if (ex != exifTagKeys().end() && !exifDict.contains(ex.value()))
                     insertIfValid(exifDict, ex.value(), convertExifTag(d, ex.value()));
-            } else if (group == "GPSInfo") {
+            } else if (ifd == gps) {
                 auto it = gpsTagKeys().find(tag);
                 if (it != gpsTagKeys().end()) insertIfValid(gpsDict, it.value(), convertGpsTag(d, it.value()));
-            } else if (Exiv2::ExifTags::isMakerGroup(group)) {
-                QString name = QString::fromStdString(d.tagName());
-                makers[makerDictionary(group)].insert(name, convertMaker(d));
-                auto aux = auxFromMaker().find(QString::fromStdString(d.key()));
-                if (aux != auxFromMaker().end() && !auxDict.contains(aux.value()))
-                    insertIfValid(auxDict, aux.value(), convert(d));
+            } else if (ifd == makerIfd || Exiv2::ExifTags::isMakerGroup(d.groupName())) {
+                if (ifd != makerIfd) {
+                    makerIfd = ifd;
+                    maker = &makers[makerDictionary(d.groupName())];
+                }
+                maker->insert(QString::fromStdString(d.tagName()), convertMaker(d));
+                auto a = aux.find({ifd, tag});
+                if (a != aux.end() && !auxDict.contains(a.value())) insertIfValid(auxDict, a.value(), convert(d));
             }
         } catch (const std::exception&) {
             // A value exiv2 could not convert is left out; the rest of the file still counts.
