@@ -175,13 +175,21 @@ std::unique_ptr<Exiv2::Value> exifValue(uint16_t tag, const std::string& group, 
     }
 }
 
-void eraseExif(Exiv2::ExifData& exif, const Exiv2::ExifKey& key) {
-    for (auto it = exif.findKey(key); it != exif.end(); it = exif.findKey(key)) exif.erase(it);
-}
-
 template <typename Pred>
 void eraseExifIf(Exiv2::ExifData& exif, Pred pred) {
     for (auto it = exif.begin(); it != exif.end();) it = pred(*it) ? exif.erase(it) : std::next(it);
+}
+
+// A tag is found by its number and directory: exiv2's findKey makes the text of every tag's key
+// to compare it, which made a photo's maker notes a measurable part of each edit.
+bool isKey(const Exiv2::Exifdatum& d, const Exiv2::ExifKey& key) { return d.tag() == key.tag() && d.ifdId() == key.ifdId(); }
+
+Exiv2::ExifData::iterator findExif(Exiv2::ExifData& exif, const Exiv2::ExifKey& key) {
+    return std::find_if(exif.begin(), exif.end(), [&](const Exiv2::Exifdatum& d) { return isKey(d, key); });
+}
+
+void eraseExif(Exiv2::ExifData& exif, const Exiv2::ExifKey& key) {
+    eraseExifIf(exif, [&](const Exiv2::Exifdatum& d) { return isKey(d, key); });
 }
 
 template <typename Pred>
@@ -280,8 +288,8 @@ struct Editor {
                 auto value = exifValue(*tag, ifd, it.value());
                 if (!value) continue;
                 const Exiv2::ExifKey inImage(*tag, "Image");
-                const bool onlyInImage = isExif && b.exif.findKey(key) == b.exif.end() &&
-                                         b.exif.findKey(inImage) != b.exif.end();
+                const bool onlyInImage = isExif && findExif(b.exif, key) == b.exif.end() &&
+                                         findExif(b.exif, inImage) != b.exif.end();
                 const Exiv2::ExifKey& home = onlyInImage ? inImage : key;
                 eraseExif(b.exif, home);
                 b.exif.add(home, value.get());
@@ -320,8 +328,8 @@ struct Editor {
         });
         if (!hadXmp) return;
         auto xmpCoordinate = [&](uint16_t tag, uint16_t refTag, const char* xmpKey) {
-            auto d = b.exif.findKey(Exiv2::ExifKey(tag, "GPSInfo"));
-            auto r = b.exif.findKey(Exiv2::ExifKey(refTag, "GPSInfo"));
+            auto d = findExif(b.exif, Exiv2::ExifKey(tag, "GPSInfo"));
+            auto r = findExif(b.exif, Exiv2::ExifKey(refTag, "GPSInfo"));
             if (d == b.exif.end() || r == b.exif.end() || d->count() < 3) return;
             const double deg = d->toFloat(0), min = d->toFloat(1) + d->toFloat(2) / 60;
             setXmp(b.xmp, xmpKey, {QStringLiteral("%1,%2%3").arg(whole(std::trunc(deg))).arg(min, 0, 'f', 6)
