@@ -8,15 +8,17 @@ measure() {
   awk '{ print $1, $2 + $3 }' <<< "$t"
 }
 
+# The faster of two "WALL CPU" pairs (the second when the first is empty).
+faster() {
+  if [ -z "$1" ] || awk -v a="${2%% *}" -v b="${1%% *}" 'BEGIN { exit !(a < b) }'; then echo "$2"; else echo "$1"; fi
+}
+
 # The fastest of N runs, as "WALL CPU": on a shared machine other work only ever slows a run
 # down, so the fastest run is the nearest to the command's own cost. Each tool gets as many.
 fastest() {
-  local n=$1 best="" t i
+  local n=$1 best="" i
   shift
-  for ((i = 0; i < n; i++)); do
-    t=$(measure "$@")
-    if [ -z "$best" ] || awk -v a="${t%% *}" -v b="${best%% *}" 'BEGIN { exit !(a < b) }'; then best=$t; fi
-  done
+  for ((i = 0; i < n; i++)); do best=$(faster "$best" "$(measure "$@")"); done
   echo "$best"
 }
 
