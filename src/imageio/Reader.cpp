@@ -284,7 +284,8 @@ std::optional<PropertyDict> readHeifBoxes(const QByteArray& head, qint64 fileSiz
         for (uint32_t id : image.metadata) {
             const heif::ItemInfo* info = heif.info(id);
             try {
-                blocks.push_back(HeifBlock{info->type, info->contentType, item(heif, id)});
+                QByteArray data = item(heif, id);
+                if (!data.isEmpty()) blocks.push_back(HeifBlock{info->type, info->contentType, std::move(data)});
             } catch (const heif::Broken&) {
                 // An item that can't be fetched is skipped, like a broken one.
             }
