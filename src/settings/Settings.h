@@ -1,6 +1,7 @@
 #pragma once
 // The user's settings, kept in QSettings under "Tessorin"/"Tessorin". Every read goes to the
-// store, so a change made anywhere is seen at the next use; nothing is cached here.
+// store, so a change made anywhere is seen at the next use; nothing is cached here, except the
+// flags a command-line run holds for itself (holdFlags).
 #include <QList>
 #include <QString>
 #include <QVariant>
