@@ -7,6 +7,12 @@ JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 FUZZ_TARGET  ?= fuzz_reader
 CMAKE_FLAGS ?=
+# ccache keeps compiled objects across build folders and clones (paths taken relative to /work or
+# wherever the sources sit), so a second build folder or a fresh clone costs minutes, not half an hour.
+export CCACHE_BASEDIR ?= $(abspath $(CURDIR)/..)
+export CCACHE_NOHASHDIR ?= 1
+export CCACHE_MAXSIZE ?= 20G
+LAUNCHER = $(if $(shell command -v ccache),-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 PREFIX     ?= /usr/local
 
 .PHONY: deps build build-asan test test-tsan test-fast run fuzz bench clean screenshots install
@@ -15,11 +21,11 @@ deps:
 	@bash scripts/install-deps.sh
 
 build: deps
-	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD) -G Ninja $(LAUNCHER) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS)
 	cmake --build $(BUILD) -j $(JOBS)
 
 build-asan: deps
-	cmake -S . -B $(ASAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DTESSORIN_SANITIZE=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
+	cmake -S . -B $(ASAN_BUILD) -G Ninja $(LAUNCHER) -DCMAKE_BUILD_TYPE=Debug -DTESSORIN_SANITIZE=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 
 # Every test, in the normal build and again under AddressSanitizer and UndefinedBehaviorSanitizer.
@@ -33,7 +39,7 @@ test: build build-asan test-tsan
 # The reader and writer tests, among them many threads reading and writing at once, under
 # ThreadSanitizer: only their binary is built.
 test-tsan: deps
-	cmake -S . -B $(TSAN_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSORIN_TSAN=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
+	cmake -S . -B $(TSAN_BUILD) -G Ninja $(LAUNCHER) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSORIN_TSAN=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
 	cmake --build $(TSAN_BUILD) -j $(JOBS) --target imageio_tests
 	TESSORIN_CORPUS=$(CURDIR)/../shared/corpus QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1 \
 		$(TSAN_BUILD)/bin/imageio_tests
@@ -45,7 +51,7 @@ run: build
 	@bash scripts/run-demo.sh $(BUILD)
 
 fuzz: deps
-	CC=clang-14 CXX=clang++-14 cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	CC=clang-14 CXX=clang++-14 cmake -S . -B $(FUZZ_BUILD) -G Ninja $(LAUNCHER) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 		-DTESSORIN_FUZZ=ON -DTESSORIN_TESTS=OFF $(CMAKE_FLAGS)
 	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $(FUZZ_TARGET)
 	@bash scripts/run-fuzz.sh $(FUZZ_BUILD) $(FUZZ_TARGET) $(FUZZ_SECONDS)

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   # toolchain
-  build-essential cmake ninja-build pkg-config clang-14 libclang-rt-14-dev
+  build-essential cmake ninja-build pkg-config ccache clang-14 libclang-rt-14-dev
   # Qt and coroutines
   qt6-base-dev qt6-declarative-dev qt6-multimedia-dev qt6-positioning-dev qcoro-qt6-dev
   qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
