@@ -1,6 +1,7 @@
 // The library's changes: marks, deletion into the trash, edits in place and their revert, new
-// items. Every file is written to a temporary file beside its target and renamed over it, so a
-// failure or a kill at any point leaves the original whole.
+// items. Every file is written to a temporary file beside its target, flushed, and renamed over
+// it, so a failure, a kill or a power cut at any point leaves the original whole.
+#include "DurableFile.h"
 #include "Index.h"
 #include "Library.h"
 #include "Log.h"
@@ -10,7 +11,6 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 #include <sqlite3.h>
 
 namespace library {
@@ -19,17 +19,6 @@ namespace {
 
 QString hiddenFolderName() { return QStringLiteral(".tessorin"); }
 
-// A file replaced keeps its mode; a new one gets what the umask allows (QSaveFile does both).
-bool writeAtomically(const QString& path, const QByteArray& data, QString* error) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !file.commit()) {
-        if (error) *error = QStringLiteral("%1 can't be written: %2").arg(path, file.errorString());
-        file.cancelWriting();
-        return false;
-    }
-    return true;
-}
-
 // A copy that keeps the modification time, so a restored original is the file it was.
 bool copyAtomically(const QString& from, const QString& to, QString* error) {
     QFile source(from);
@@ -37,7 +26,7 @@ bool copyAtomically(const QString& from, const QString& to, QString* error) {
         if (error) *error = QStringLiteral("%1 can't be read: %2").arg(from, source.errorString());
         return false;
     }
-    if (!writeAtomically(to, source.readAll(), error)) return false;
+    if (!fileio::writeDurably(to, source.readAll(), error)) return false;
     QFile target(to);
     if (target.open(QIODevice::ReadWrite)) target.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
     return true;
@@ -129,7 +118,7 @@ bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data
     const QJsonObject json{{"formatIdentifier", adjustmentFormatIdentifier()},
                            {"formatVersion", adjustmentFormatVersion()},
                            {"data", QString::fromLatin1(adjustmentData.toBase64())}};
-    if (!writeAtomically(adjustment, QJsonDocument(json).toJson(), error)) return false;
+    if (!fileio::writeDurably(adjustment, QJsonDocument(json).toJson(), error)) return false;
     // The index learns of the edit before the file changes: a kill before the rename leaves the
     // original where it was, and the next scan finds it there again by its size and first bytes.
     bool ok = index_->transaction([&] {
@@ -141,7 +130,7 @@ bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data
         if (error) *error = QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError());
         return false;
     }
-    if (!writeAtomically(target, data, error)) {
+    if (!fileio::writeDurably(target, data, error)) {
         scan();
         return false;
     }
@@ -194,7 +183,7 @@ std::optional<QString> Library::createAsset(const QByteArray& data, const QStrin
     QString path = folder + '/' + name.fileName();
     for (int n = 1; QFileInfo::exists(path); ++n)
         path = QStringLiteral("%1/%2_%3.%4").arg(folder, name.completeBaseName()).arg(n).arg(name.suffix());
-    if (!writeAtomically(path, data, error)) return std::nullopt;
+    if (!fileio::writeDurably(path, data, error)) return std::nullopt;
     scan();
     auto created = assetForPath(path);
     if (!created) {
