@@ -6,6 +6,7 @@
 
 #include "BatchEdit.h"
 #include "DateShift.h"
+#include "DurableFile.h"
 #include "ExifModifier.h"
 #include "Workers.h"
 #include "Formatter.h"
@@ -103,7 +104,7 @@ void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
         modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
             for (const QString& problem : applyBatch(*p.tags, batch)) outcome.out += path + ": " + problem + "\n";
         };
-    modifier.modify(settings, false);
+    modifier.modify(settings);
     if (!modifier.anyChanged()) {
         outcome.out += path + ": Nothing changed\n";
         return;
@@ -119,11 +120,16 @@ void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
         return;
     }
     modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
+    modifier.render = target.render;
     const QString backup = backupPath(path);
     try {
-        const auto rewritten = modifier.rewrite(target.render ? SaveMode::modify : SaveMode::files);
+        const auto rewritten = modifier.rewrite();
         if (target.inPlace && target.keepOriginal) {
             if (QFileInfo::exists(backup) || !QFile::copy(path, backup)) return fail("can't keep the original as " + backup);
+            // The kept original is on the disk before the photo is replaced.
+            QFile kept(backup);
+            if (!kept.open(QIODevice::ReadOnly) || !fileio::syncFile(kept.handle()) || !fileio::syncFolderOf(backup))
+                return fail("can't keep the original as " + backup);
         }
         QStringList urls;
         if (auto failure = modifier.dataToTempFile(rewritten, urls)) {

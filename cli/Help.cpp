@@ -87,11 +87,12 @@ const QList<std::pair<QString, QString>>& texts() {
                         "  -o DIR              write the new files into DIR\n"
                         "  --in-place          replace the files (photos only)\n"
                         "  --keep-original     keep the original beside it as NAME_original.EXT\n"
-                        "  --render            draw the photo anew, into -o DIR\n"
+                        "  --render            draw the photo anew, upright, as JPEG, into -o DIR\n"
                         "  --library new       save each photo as a new item of the photo library, in its\n"
                         "                      album \"Tessorin\"\n"
-                        "  --library modify    edit the library items named by their IDs in place; the\n"
-                        "                      original is kept (`library revert ID` brings it back)\n") + fileOptionsHelp},
+                        "  --library modify    edit the library items named by their IDs in place, in\n"
+                        "                      their own format and name; the original is kept\n"
+                        "                      (`library revert ID` brings it back)\n") + fileOptionsHelp},
         {"library",
          QStringLiteral("usage: tessorin-cli library scan | albums | list [ALBUM] [--json] | show ID\n"
                         "       tessorin-cli library favorite ID | delete ID | revert ID\n\n"

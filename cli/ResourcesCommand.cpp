@@ -3,6 +3,7 @@
 // into DIR under the names the resource list gives them.
 #include "Arguments.h"
 #include "Commands.h"
+#include "DurableFile.h"
 #include "ExitStatus.h"
 #include "FileArgs.h"
 #include "JsonOutput.h"
@@ -18,7 +19,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QSaveFile>
 
 namespace {
 
@@ -32,9 +32,9 @@ QString pixelSize(const QByteArray& bytes) {
 
 // Nothing, or why the file could not be written.
 std::optional<QString> writeInto(const QString& dir, const QString& name, const QByteArray& data) {
-    QSaveFile file(QDir(dir).filePath(name));
-    if (file.open(QIODevice::WriteOnly) && file.write(data) == data.size() && file.commit()) return std::nullopt;
-    return "can't write " + file.fileName() + ": " + file.errorString();
+    QString why;
+    if (fileio::writeDurably(QDir(dir).filePath(name), data, &why)) return std::nullopt;
+    return why;
 }
 
 }  // namespace

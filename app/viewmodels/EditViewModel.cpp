@@ -550,7 +550,7 @@ void EditViewModel::savePhotos(int mode) {
     runOffThread<Result>(
         this,
         [modifier, wishes, mode, folder, folders = libraryFolders()] {
-            modifier->modify(*wishes, mode == int(SaveMode::modify));
+            modifier->modify(*wishes);
             if (!modifier->anyChanged()) {
                 removeFolder(folder);
                 return Result{{}, std::nullopt, true};

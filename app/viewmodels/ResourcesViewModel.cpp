@@ -1,5 +1,6 @@
 #include "ResourcesViewModel.h"
 
+#include "DurableFile.h"
 #include "FileTypes.h"
 #include "ResourceActor.h"
 #include "TSAlbum.h"
@@ -7,7 +8,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 ResourcesViewModel::ResourcesViewModel(QObject* parent) : QObject(parent) {
     TSEnvironment::observable().addObserver(this);
@@ -125,6 +125,5 @@ QString ResourcesViewModel::suggestedName() const { return QFileInfo(mediaUrl_.t
 bool ResourcesViewModel::saveCopy(const QUrl& target) {
     QFile source(mediaUrl_.toLocalFile());
     if (!source.open(QIODevice::ReadOnly)) return false;
-    QSaveFile out(target.isLocalFile() ? target.toLocalFile() : target.toString());
-    return out.open(QIODevice::WriteOnly) && out.write(source.readAll()) == source.size() && out.commit();
+    return fileio::writeDurably(target.isLocalFile() ? target.toLocalFile() : target.toString(), source.readAll());
 }

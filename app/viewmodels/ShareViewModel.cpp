@@ -1,5 +1,6 @@
 #include "ShareViewModel.h"
 
+#include "DurableFile.h"
 #include "Folders.h"
 #include "Log.h"
 #include "TSAlbum.h"
@@ -106,7 +107,7 @@ bool ShareViewModel::saveTo(const QUrl& file) {
     if (pending_.data.isEmpty()) return false;
     const QString path = file.isLocalFile() ? file.toLocalFile() : file.toString();
     QString error;
-    if (!sharing::saveToFile(path, pending_.data, &error)) {
+    if (!fileio::writeDurably(path, pending_.data, &error)) {
         Log::error(QStringLiteral("📤 saving failed: %1").arg(error));
         showError(error);
         return false;

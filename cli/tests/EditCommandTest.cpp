@@ -8,12 +8,15 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QImage>
+#include <QImageReader>
+#include <QJsonDocument>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMap>
 #include <QSet>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 
 #include <sys/stat.h>
@@ -442,4 +445,101 @@ TEST_F(EditCommand, OutputFilesKeepTheSourcesModeOrFollowTheUmask) {
     for (QDirIterator it(library, {"*.jpg"}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) added << it.next();
     ASSERT_EQ(added.size(), 1) << r.out.toStdString();
     EXPECT_EQ(modeOf(added[0]), 0640);
+}
+
+// Modify edits library items in place without drawing them anew: each keeps its name, its format,
+// its coded image, its maker notes and every tag the wish doesn't touch, and revert brings the
+// original back byte for byte.
+TEST_F(EditCommand, ModifyInTheLibraryIsALosslessMetadataEdit) {
+    const QString library = qEnvironmentVariable("TESSORIN_LIBRARY");
+    ASSERT_TRUE(QDir().mkpath(library + "/Trip"));
+    // Turned upright by its Orientation tag; a camera's maker notes and Exif thumbnail; a phone
+    // HEIC turned by its 'irot' property; a TIFF; a PNG.
+    const QStringList sources{"jpeg/orientation/portrait_6.jpg", "jpeg/Canon_40D.jpg", "heif/iphone_13_pro_max.HEIC",
+                              "tiff/BSG1.tiff", "png/1343_exif.png"};
+    for (const QString& s : sources) ASSERT_TRUE(QFile::copy(corpusDir() + "/" + s, library + "/Trip/" + QFileInfo(s).fileName()));
+    ASSERT_EQ(cli({"library", "scan"}).exitCode, 0);
+    const QJsonArray items = QJsonDocument::fromJson(cli({"library", "list", "--json"}).out).array();
+    ASSERT_EQ(items.size(), sources.size());
+    QStringList ids;
+    QMap<QString, QString> idOf;  // file name -> identifier
+    for (const QJsonValue& item : items) {
+        ids << item["localIdentifier"].toString();
+        idOf.insert(QFileInfo(item["resources"][0]["path"].toString()).fileName(), ids.last());
+    }
+
+    const ProcessResult r = cli(QStringList{"edit", "--date", "2020:01:02 03:04:05", "--library", "modify"} + ids);
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    QStringList names;
+    for (const QString& s : sources) names << QFileInfo(s).fileName();
+    names.sort();
+    EXPECT_EQ(QDir(library + "/Trip").entryList(QDir::Files, QDir::Name), names) << "each keeps its name, no other file appears";
+
+    for (const QString& s : sources) {
+        SCOPED_TRACE(s.toStdString());
+        const QString source = corpusDir() + "/" + s, edited = library + "/Trip/" + QFileInfo(s).fileName();
+        const QJsonObject before = tagsOf(source), after = tagsOf(edited);
+        EXPECT_EQ(str(after, "ExifIFD:DateTimeOriginal"), "2020:01:02 03:04:05");
+        EXPECT_EQ(str(after, "File:FileType"), str(before, "File:FileType"));
+        expectOthersKept(source, before, after, {"ExifIFD:DateTimeOriginal", "XMP-exif:DateTimeOriginal", "XMP-photoshop:DateCreated"});
+        expectSameImage(source, edited);
+    }
+    // The one turned by its tag still is.
+    EXPECT_EQ(tagsOf(library + "/Trip/portrait_6.jpg").value("IFD0:Orientation").toInt(), 6);
+
+    const QString heic = library + "/Trip/iphone_13_pro_max.HEIC";
+    ASSERT_EQ(cli({"library", "revert", idOf.value("iphone_13_pro_max.HEIC")}).exitCode, 0);
+    EXPECT_EQ(readFile(heic), readFile(corpusDir() + "/heif/iphone_13_pro_max.HEIC"));
+}
+
+// An orientation wish on a HEIF turns it where HEIF readers look, its 'irot' and 'imir'
+// properties, and in its Exif tag, the two alike. libheif (through heif-convert) must draw it as
+// Qt draws a JPEG of the same pixels carrying that Exif orientation.
+TEST_F(EditCommand, AnOrientationWishTurnsAHeifByItsTransformsAndItsTag) {
+    QTemporaryDir dir;
+    const QString source = corpusDir() + "/heif/Stonehenge.heic";
+    auto drawnByLibheif = [&](const QString& heif) {
+        const QString png = dir.filePath("drawn.png");
+        QFile::remove(png);
+        const ProcessResult r = run("heif-convert", {heif, png});
+        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+        return QImage(png).scaled(64, 64, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    };
+    const QImage stored = QImage(drawnByLibheif(source));
+    ASSERT_FALSE(stored.isNull());
+    const QString jpeg = dir.filePath("stored.jpg");
+    ASSERT_TRUE(stored.save(jpeg, "JPEG", 100));
+    auto difference = [](const QImage& a, const QImage& b) {
+        if (a.size() != b.size()) return 255.0;
+        const QImage x = a.convertToFormat(QImage::Format_RGB888), y = b.convertToFormat(QImage::Format_RGB888);
+        double sum = 0;
+        for (int row = 0; row < x.height(); ++row)
+            for (int i = 0; i < x.width() * 3; ++i) sum += std::abs(int(x.constScanLine(row)[i]) - int(y.constScanLine(row)[i]));
+        return sum / (double(x.width()) * x.height() * 3);
+    };
+
+    // Each wish starts from the last one's result: a turn replaces the one before.
+    const QString previous = dir.filePath("in/Stonehenge.heic");
+    ASSERT_TRUE(QDir().mkpath(dir.filePath("in")));
+    ASSERT_TRUE(QFile::copy(source, previous));
+    for (int o : {6, 2, 3, 4, 5, 7, 8, 1}) {
+        SCOPED_TRACE(o);
+        QTemporaryDir out;
+        const ProcessResult r = cli({"edit", "--orientation", QString::number(o), previous, "-o", out.path()});
+        ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+        const QString turned = out.filePath("Stonehenge.heic");
+        const QJsonObject tags = tagsOf(turned);
+        EXPECT_EQ(tags.value("IFD0:Orientation").toInt(), o);
+        // As an iPhone turns a photo shot upright: Exif orientation 6 with a turn of 270 degrees.
+        if (o == 6) EXPECT_EQ(tags.value("QuickTime:Rotation").toInt(), 270);
+
+        ASSERT_TRUE(run("exiftool", {"-n", "-Orientation=" + QString::number(o), "-overwrite_original", jpeg}).exitCode == 0);
+        QImageReader reader(jpeg);
+        reader.setAutoTransform(true);
+        const QImage expected = reader.read();
+        EXPECT_LT(difference(drawnByLibheif(turned), expected), 6);
+        expectOthersKept(source, tagsOf(source), tags, {"IFD0:Orientation", "QuickTime:"});
+        QFile::remove(previous);
+        ASSERT_TRUE(QFile::copy(turned, previous));
+    }
 }

@@ -1,5 +1,6 @@
 #include "ExifModifier.h"
 
+#include "DurableFile.h"
 #include "Library.h"
 #include "Log.h"
 #include "PropertyKeys.h"
@@ -41,7 +42,7 @@ QFileDevice::Permissions newFilePermissions() {
 
 ExifModifier::ExifModifier(QList<ModifyingPhotoAsset> m) : modifing(std::move(m)), filesDirectory(QDir::tempPath()) {}
 
-void ExifModifier::modify(UserSettings& settings, bool isModify) {
+void ExifModifier::modify(UserSettings& settings) {
     if (settings.switchers[Sections::noTags]) {
         for (auto& photo : modifing) photo.tags->removeAllTags();
         settings.dropWishes(EditKeys::editableKeys());
@@ -78,15 +79,11 @@ void ExifModifier::modify(UserSettings& settings, bool isModify) {
         photo.tags->applyCreatorContact(settings, photo.tsAsset->metaData());
     }
 
-    if (settings.finalOrientation || isModify) {
+    if (settings.finalOrientation) {
         for (auto& photo : modifing) {
             photo.tags->userOrientation = settings.finalOrientation;
-            if (settings.finalOrientation) {
-                photo.tags->changed = true;
-                photo.tags->setOrientationTag(QString::number(*settings.finalOrientation));
-            } else {
-                photo.tags->setOrientationTag(QStringLiteral("1"));
-            }
+            photo.tags->changed = true;
+            photo.tags->setOrientationTag(QString::number(*settings.finalOrientation));
         }
     }
 
@@ -108,16 +105,17 @@ bool ExifModifier::anyChanged() const {
     return false;
 }
 
-QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
+QList<ModifyingPhotoAsset> ExifModifier::rewrite() {
     QList<ModifyingPhotoAsset> done;
     for (auto& photo : modifing) {
-        if (mode == SaveMode::modify) photo.tags->setOrientationTag(QStringLiteral("1"));
+        // Pixels drawn upright need no turning any more.
+        if (render) photo.tags->setOrientationTag(QStringLiteral("1"));
         imageio::PropertyDict dict;
         if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) dict = *photo.tags->metaData;
-        else if (mode != SaveMode::modify) dict = photo.tags->strippedFallback();
+        else if (!render) dict = photo.tags->strippedFallback();
         photo.tags->destMutable = dict;
         imageio::PropertyDict readBack;
-        ModifyingPhotoAsset written = ImageModifier::modifiedAsset(mode == SaveMode::modify, photo, &readBack);
+        ModifyingPhotoAsset written = ImageModifier::modifiedAsset(render, photo, &readBack);
         // What was read from the source is the baseline: the values the wishes change are checked.
         const imageio::PropertyDict before = photo.tags->fallbackData.value_or(imageio::PropertyDict{});
         if (const auto difference =
@@ -132,7 +130,7 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite(SaveMode mode) {
 void ExifModifier::save(SaveMode mode, const Completion& onCompletition) {
     QList<ModifyingPhotoAsset> done;
     try {
-        done = rewrite(mode);
+        done = rewrite();
     } catch (const TSError& e) {
         onCompletition({}, e.localizedDescription());
         return;
@@ -213,8 +211,8 @@ std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAs
         const int sourceFd = data && data->keepsFrom(photo.tsAsset->imageData()) ? photo.tsAsset->fileHandle() : -1;
         // A photo drawn anew as JPEG is named as one.
         const QString name = savedName(photo);
-        // Written to a temporary file beside the target and renamed over it only once complete.
-        // A file that replaces another is flushed to the disk first; a new one puts nothing at risk.
+        // Written to a temporary file beside the target, flushed to the disk, and renamed over it
+        // only once complete; the folder is flushed after, so a power cut leaves one file or the other.
         const QString target = QDir(filesDirectory).filePath(name);
         QString failure;
         if (!data) {
@@ -226,15 +224,15 @@ std::optional<QString> ExifModifier::dataToTempFile(const QList<ModifyingPhotoAs
             } else if (auto cause = data->writeTo(file.handle(), sourceFd)) {
                 failure = *cause;
                 file.cancelWriting();
-            } else if (!file.commit()) {
-                failure = file.errorString();
+            } else {
+                fileio::commitDurably(file, &failure);
             }
         } else {
             QTemporaryFile file(QDir(filesDirectory).filePath(QStringLiteral(".") + name + QStringLiteral(".XXXXXX")));
             if (!file.open()) failure = file.errorString();
             else if (auto cause = data->writeTo(file.handle(), sourceFd)) failure = *cause;  // the temporary file removes itself
-            else if (!file.setPermissions(newFilePermissions()) || !file.rename(target)) failure = file.errorString();
-            else file.setAutoRemove(false);  // it is the target now
+            else if (!file.setPermissions(newFilePermissions()) || !fileio::syncFile(file.handle())) failure = file.errorString();
+            else if (fileio::renameDurably(file.fileName(), target, &failure)) file.setAutoRemove(false);  // it is the target now
         }
         if (!failure.isEmpty()) {
             if (data) Log::error("Error writing the file: " + failure);

@@ -22,6 +22,9 @@ public:
     QString filesDirectory;
     // Where the library roads save; without one they answer "Image is not editable".
     library::Library* library = nullptr;
+    // Draws the pixels anew, upright with the orientation wish applied, as JPEG (`edit --render`).
+    // Otherwise, in every mode, the coded image is copied and only the metadata change.
+    bool render = false;
 
     // Per-photo wishes run after the shared ones and before each photo's tags are committed:
     // those that start from each photo's own values (a date shift, a track log).
@@ -31,8 +34,8 @@ public:
 
     explicit ExifModifier(QList<ModifyingPhotoAsset> modifing);
 
-    // Applies the wishes to every photo; `isModify` is true for an edit in place.
-    void modify(UserSettings& settings, bool isModify);
+    // Applies the wishes to every photo.
+    void modify(UserSettings& settings);
     // Whether any photo has something to save.
     bool anyChanged() const;
 
@@ -42,9 +45,9 @@ public:
     // Every photo is rewritten before any is handed on: one failure saves none of them.
     void save(SaveMode mode, const Completion& onCompletition);
 
-    // The stages of a save. Rewrites the bytes of every photo for `mode` and reads each back to
-    // compare it with the wishes; throws TSError on a failure or a difference.
-    QList<ModifyingPhotoAsset> rewrite(SaveMode mode);
+    // The stages of a save. Rewrites the bytes of every photo and reads each back to compare it
+    // with the wishes; throws TSError on a failure or a difference.
+    QList<ModifyingPhotoAsset> rewrite();
     // The files road: each photo's bytes under its own name in `filesDirectory`, through a
     // temporary file and a rename. A message on the first failure; files written before stay.
     std::optional<QString> dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const;

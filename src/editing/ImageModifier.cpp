@@ -73,7 +73,7 @@ std::optional<QByteArray> applyingOrientation(const QByteArray& data, int orient
 
 std::optional<imageio::Rewritten> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
                                                        const imageio::PropertyDict* sourceProperties,
-                                                       imageio::PropertyDict* readBack) {
+                                                       imageio::PropertyDict* readBack, QString* why) {
     if (dictionary.isEmpty() || source.isEmpty()) return std::nullopt;
     QString reason;
     std::optional<imageio::PropertyDict> read;
@@ -85,14 +85,21 @@ std::optional<imageio::Rewritten> recompressingAddData(const imageio::PropertyDi
     auto out = sourceProperties ? imageio::rewriteProperties(source, *sourceProperties, dictionary, &reason, readBack)
                                 : std::nullopt;
     if (!out) Log::error("Error: Could not create image destination (" + reason + ")");
+    if (!out && why) *why = reason;
     return out;
 }
 
-ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack) {
+ModifyingPhotoAsset modifiedAsset(bool render, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack) {
     const QByteArray* source = std::get_if<QByteArray>(&asset.dataSource);
     if (!source) throw TSError("Error managing image data");
     QByteArray data = *source;
-    if (modify) {
+    const auto sourceFormat = imageio::detectFormat(data);
+    // Never a silent conversion: a photo whose own format can't take new metadata is refused.
+    if (!render && !imageio::canWrite(sourceFormat))
+        throw TSError(sourceFormat == imageio::Format::Unknown
+                          ? QStringLiteral("Tessorin can't write metadata into this kind of file; nothing was saved")
+                          : QStringLiteral("Tessorin can't write metadata into %1 files; nothing was saved").arg(imageio::formatName(sourceFormat)));
+    if (render) {
         auto upright = undoingOrientation(data, asset.tags->initialOrientation, false);
         if (upright && asset.tags->userOrientation) upright = applyingOrientation(*upright, *asset.tags->userOrientation);
         if (upright) data = *upright;
@@ -104,9 +111,11 @@ ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset,
         }
     }
     // Bytes as they came were read when the photo was: their properties are the modifier's fallback.
-    const imageio::PropertyDict* read = !modify && asset.tags->fallbackData ? &*asset.tags->fallbackData : nullptr;
-    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data, read, readBack);
-    if (!written) throw TSError("Error saving the modified image");
+    const imageio::PropertyDict* read = !render && asset.tags->fallbackData ? &*asset.tags->fallbackData : nullptr;
+    QString why;
+    auto written = recompressingAddData(asset.tags->destMutable.value_or(imageio::PropertyDict{}), data, read, readBack, &why);
+    if (!written) throw TSError(why.isEmpty() ? QStringLiteral("Error saving the modified image")
+                                              : QStringLiteral("Error saving the modified image (%1)").arg(why));
     return ModifyingPhotoAsset{asset.tsAsset, asset.tags, *written, 1};
 }
 

@@ -1,7 +1,7 @@
 #pragma once
-// Turns one photo and its final property dictionary into new bytes. Saved as a new item or to a
-// file, the coded image is copied and only the metadata change; edited in place, the pixels are
-// first drawn upright with the orientation wish applied, and HEIF becomes JPEG.
+// Turns one photo and its final property dictionary into new bytes. The coded image is copied and
+// only the metadata change, whatever the save; only when a rendering is asked for are the pixels
+// drawn anew, upright with the orientation wish applied, as JPEG.
 #include "TSAsset.h"
 #include "Rewritten.h"
 #include "TagsPhotoModifier.h"
@@ -24,14 +24,16 @@ struct ModifyingPhotoAsset {
 
 namespace ImageModifier {
 
-// Needs `tags.destMutable`; throws TSError on failure. The result's data source is the rewritten
-// file; `readBack`, when given, receives what it reads as.
-ModifyingPhotoAsset modifiedAsset(bool modify, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack = nullptr);
+// Needs `tags.destMutable`; throws TSError on failure, and for a format whose metadata can't be
+// written (a raw file) unless `render`. The result's data source is the rewritten file;
+// `readBack`, when given, receives what it reads as.
+ModifyingPhotoAsset modifiedAsset(bool render, const ModifyingPhotoAsset& asset, imageio::PropertyDict* readBack = nullptr);
 // The lossless metadata copy: the source's bytes with `dictionary` laid over its metadata.
 // `sourceProperties`, when given, is what the reader made of `source`, which then isn't read again.
+// Nothing on failure, with the writer's reason in `why` when given.
 std::optional<imageio::Rewritten> recompressingAddData(const imageio::PropertyDict& dictionary, const QByteArray& source,
                                                        const imageio::PropertyDict* sourceProperties = nullptr,
-                                                       imageio::PropertyDict* readBack = nullptr);
+                                                       imageio::PropertyDict* readBack = nullptr, QString* why = nullptr);
 // Pixels drawn upright from orientation `orientation` (2 to 8), as JPEG; other values give the
 // data back as they are; nothing when the image can't be decoded.
 std::optional<QByteArray> undoingOrientation(const QByteArray& data, int orientation, bool keepSize);

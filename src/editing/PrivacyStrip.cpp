@@ -79,7 +79,7 @@ std::optional<QByteArray> strippedCopy(const TSAsset& asset, Kind kind, QString*
     const std::shared_ptr<TSAsset> alias(std::shared_ptr<TSAsset>{}, const_cast<TSAsset*>(&asset));
     ExifModifier modifier({ModifyingPhotoAsset{alias, tags, data, 1}});
     try {
-        return std::get<imageio::Rewritten>(modifier.rewrite(SaveMode::files).value(0).dataSource).joined();
+        return std::get<imageio::Rewritten>(modifier.rewrite().value(0).dataSource).joined();
     } catch (const TSError& e) {
         if (error) *error = e.message();
         return std::nullopt;

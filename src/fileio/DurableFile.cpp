@@ -45,7 +45,9 @@ bool writeDurably(const QString& path, const QByteArray& data, QString* error) {
     QSaveFile file(path);
     // No direct write where the folder can't take a temporary file: the old file must stay whole.
     file.setDirectWriteFallback(false);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size()) {
+    // Unbuffered, so that a short write (a full disk, a size limit) fails here: a buffered one
+    // fails only in the flush that commit does, and commit goes on to rename all the same.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(data) != data.size()) {
         if (error) *error = QStringLiteral("%1 can't be written: %2").arg(path, file.errorString());
         file.cancelWriting();
         return false;

@@ -8,6 +8,7 @@
 #include "Exiv2Convert.h"
 #include "HeifContainer.h"
 #include "MetadataEdit.h"
+#include "PropertyKeys.h"
 
 #include <exiv2/exif.hpp>
 #include <exiv2/xmp_exiv2.hpp>
@@ -33,6 +34,119 @@ QByteArray infeBox(uint32_t id, const char* type, const QByteArray& contentType)
     body.append('\0');  // no name
     if (!contentType.isEmpty()) body.append(contentType).append('\0');
     return boxBytes("infe", body, wide ? 3 : 2);
+}
+
+// An Exif orientation as HEIF's transforms, applied in this order: a turn anticlockwise in
+// quarter turns ('irot'), then a mirror ('imir'). The mirror's bit is read as the amended format
+// and iPhones and libheif read it: 0 exchanges top and bottom, 1 left and right.
+struct Transforms {
+    int quarterTurns = 0;
+    int mirror = -1;  // none
+};
+Transforms transformsFor(int orientation) {
+    switch (orientation) {
+    case 2: return {0, 1};
+    case 3: return {2, -1};
+    case 4: return {0, 0};
+    case 5: return {3, 1};
+    case 6: return {3, -1};
+    case 7: return {1, 1};
+    case 8: return {1, -1};
+    default: return {};
+    }
+}
+
+std::optional<int> orientationIn(const PropertyDict& dict) {
+    QVariant v = dict.value(kCGImagePropertyOrientation);
+    if (!v.isValid()) v = dict.value(kCGImagePropertyTIFFDictionary).toMap().value(kCGImagePropertyTIFFOrientation);
+    bool ok = false;
+    const int o = v.toInt(&ok);
+    if (!ok || o < 1 || o > 8) return std::nullopt;
+    return o;
+}
+
+// One item's property associations as 'ipma' keeps them: essential flag and property number.
+struct Association {
+    bool essential = false;
+    uint32_t property = 0;
+};
+
+// The 'iprp' box with the primary image and its thumbnails turned to `orientation`: their old
+// 'irot' and 'imir' associations go, and new ones come last, after the descriptive properties
+// as the format asks. Identical transform boxes already in 'ipco' are reused.
+QByteArray orientedIprp(const Container& heif, const Box& iprp, int orientation) {
+    const QByteArray& b = heif.bytes;
+    std::vector<uint32_t> turned{heif.primary};
+    if (auto it = heif.references.find("thmb"); it != heif.references.end())
+        for (const auto& [from, to] : it->second)
+            if (std::find(to.begin(), to.end(), heif.primary) != to.end()) turned.push_back(from);
+
+    const Transforms t = transformsFor(orientation);
+    std::vector<QByteArray> added;  // boxes appended to 'ipco'
+    auto propertyFor = [&](const char* type, int value) -> uint32_t {
+        const QByteArray box = boxBytes(type, QByteArray(1, char(value)));
+        for (size_t i = 0; i < heif.properties.size(); ++i)
+            if (b.mid(heif.properties[i].offset, heif.properties[i].size) == box) return uint32_t(i + 1);
+        for (size_t i = 0; i < added.size(); ++i)
+            if (added[i] == box) return uint32_t(heif.properties.size() + i + 1);
+        added.push_back(box);
+        return uint32_t(heif.properties.size() + added.size());
+    };
+    std::vector<Association> transforms;
+    if (t.quarterTurns) transforms.push_back({true, propertyFor("irot", t.quarterTurns)});
+    if (t.mirror >= 0) transforms.push_back({true, propertyFor("imir", t.mirror)});
+    auto isTransform = [&](uint32_t property) {
+        if (property == 0 || property > heif.properties.size()) return false;
+        const QByteArray& type = heif.properties[property - 1].type;
+        return type == "irot" || type == "imir";
+    };
+
+    QByteArray inner;
+    bool sawPrimary = false;
+    for (const Box& box : boxes(b, iprp.body(), iprp.end())) {
+        if (box.type == "ipco") {
+            QByteArray body = b.mid(box.body(), box.end() - box.body());
+            for (const QByteArray& a : added) body += a;
+            inner += boxBytes("ipco", body);
+            continue;
+        }
+        if (box.type != "ipma") {
+            inner += b.mid(box.offset, box.size);
+            continue;
+        }
+        Cursor m{b, box.body(), box.end()};
+        const uint64_t versionAndFlags = m.read(4);
+        const int version = int(versionAndFlags >> 24);
+        uint32_t flags = uint32_t(versionAndFlags & 0xffffff);
+        const bool wideId = version >= 1;
+        std::vector<std::pair<uint32_t, std::vector<Association>>> entries;
+        for (uint64_t n = m.read(4); n > 0; --n) {
+            auto& [item, list] = entries.emplace_back(uint32_t(m.read(wideId ? 4 : 2)), std::vector<Association>{});
+            for (uint64_t k = m.read(1); k > 0; --k) {
+                const uint64_t v = m.read(flags & 1 ? 2 : 1);
+                const int bits = flags & 1 ? 15 : 7;
+                list.push_back({bool(v >> bits), uint32_t(v & ((1u << bits) - 1))});
+            }
+            if (std::find(turned.begin(), turned.end(), item) == turned.end()) continue;
+            sawPrimary = sawPrimary || item == heif.primary;
+            std::erase_if(list, [&](const Association& a) { return isTransform(a.property); });
+            list.insert(list.end(), transforms.begin(), transforms.end());
+            if (list.size() > 255) throw Broken("too many item properties");
+        }
+        if (heif.properties.size() + added.size() > 127) flags |= 1;
+        if (heif.properties.size() + added.size() > 0x7fff) throw Broken("too many item properties");
+        QByteArray body;
+        put(body, entries.size(), 4);
+        for (const auto& [item, list] : entries) {
+            put(body, item, wideId ? 4 : 2);
+            put(body, list.size(), 1);
+            for (const Association& a : list)
+                put(body, uint64_t(a.essential) << (flags & 1 ? 15 : 7) | a.property, flags & 1 ? 2 : 1);
+        }
+        inner += boxBytes("ipma", body, version, flags);
+    }
+    if (!sawPrimary) throw Broken("the primary image has no properties to turn");
+    return boxBytes("iprp", inner);
 }
 
 // The Exif item starts with the distance to the TIFF header after these four bytes.
@@ -76,6 +190,10 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
             if (Exiv2::XmpParser::decode(xmp, packet.toStdString()) != 0) throw Broken("the XMP packet can't be read");
         }
         applyChanges(before, changes, MetadataBlocks{exif, iptc, xmp});
+        // An orientation wish turns the picture by its transforms as well as by the Exif tag,
+        // the two kept alike, since HEIF readers heed only the transforms.
+        const auto wished = orientationIn(changes);
+        const bool turn = wished && wished != orientationIn(before);
         std::string packet;
         if (!xmp.empty() && Exiv2::XmpParser::encode(packet, xmp, Exiv2::XmpParser::useCompactFormat) != 0)
             throw Broken("the XMP packet can't be written");
@@ -152,11 +270,14 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
             }
             QByteArray body;
             put(body, 0, 4);  // version and flags of 'meta'
-            bool hasIref = false;
+            bool hasIref = false, turned = false;
             for (const Box& child : heif.metaChildren) {
                 const QByteArray raw = source.mid(child.offset, child.size);
                 if (child.type == "iloc") {
                     body += moved.serialize();
+                } else if (child.type == "iprp" && turn) {
+                    body += orientedIprp(heif, child, *wished);
+                    turned = true;
                 } else if (child.type == "iinf" && !added.empty()) {
                     Cursor c{source, child.body(), child.end()};
                     c.read(4);
@@ -183,6 +304,7 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
                     body += raw;
                 }
             }
+            if (turn && !turned) throw Broken("no item properties to turn the picture by");
             if (!added.empty() && !hasIref) {
                 QByteArray inner;
                 for (const auto& [id, infe] : added) {

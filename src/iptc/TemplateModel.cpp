@@ -1,5 +1,6 @@
 #include "TemplateModel.h"
 
+#include "DurableFile.h"
 #include "IptcKeys.h"
 #include "UserSettings.h"
 
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 TemplateModel::TemplateModel(int id) : id(id) { load(); }
@@ -32,10 +32,7 @@ void TemplateModel::load() {
 
 bool TemplateModel::save() const {
     QDir().mkpath(QFileInfo(filePath()).absolutePath());
-    QSaveFile file(filePath());
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(encode(iptcProperties));
-    return file.commit();
+    return fileio::writeDurably(filePath(), encode(iptcProperties));
 }
 
 std::optional<QString> TemplateModel::summary(const QList<TSKey>& keys) const {

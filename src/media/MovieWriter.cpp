@@ -1,5 +1,6 @@
 #include "MovieWriter.h"
 
+#include "DurableFile.h"
 #include "MetadataAtoms.h"
 
 #include <QDir>
@@ -452,8 +453,10 @@ bool writeMovie(const QString& source, const QString& destination, const Metadat
     }
     // A temporary file is private; the new movie gets the permissions of any new file.
     ::fchmod(fd, 0666 & ~currentUmask());
-    out.close();
-    if (!out.rename(destination)) return fail(QStringLiteral("can't write %1: %2").arg(destination, out.errorString()));
+    // On the disk before it takes the name, and the name on the disk after.
+    if (!fileio::syncFile(fd)) return fail(QStringLiteral("can't write %1: %2").arg(destination, QString::fromLocal8Bit(std::strerror(errno))));
+    QString why;
+    if (!fileio::renameDurably(out.fileName(), destination, &why)) return fail(why);
     out.setAutoRemove(false);
     return true;
 }

@@ -12,7 +12,6 @@
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QPainter>
-#include <QSaveFile>
 
 namespace sharing {
 
@@ -103,15 +102,6 @@ std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, Q
         return textItems(exportDictionary(album)->rawText(), base + QStringLiteral("-tags-raw.txt"));
     }
     return std::nullopt;
-}
-
-bool saveToFile(const QString& path, const QByteArray& bytes, QString* error) {
-    QSaveFile out(path);
-    out.setDirectWriteFallback(false);
-    if (out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size() && out.commit()) return true;
-    if (error) *error = QStringLiteral("%1: %2").arg(path, out.errorString());
-    out.cancelWriting();
-    return false;
 }
 
 }  // namespace sharing

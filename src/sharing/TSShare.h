@@ -38,8 +38,4 @@ std::optional<QByteArray> strippedJpeg(const QByteArray& imageData, int orientat
 // current item, no data, an empty text); nothing with `error` set when making it failed.
 std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, QString* error = nullptr);
 
-// Writes `bytes` to `path` through a temporary file in the same folder and a rename: a failed
-// write leaves whatever was at `path` and no stray file.
-bool saveToFile(const QString& path, const QByteArray& bytes, QString* error = nullptr);
-
 }  // namespace sharing

@@ -55,11 +55,11 @@ protected:
             const QStringList found = applyBatch(*p.tags, wishes);
             if (problems) *problems << found;
         };
-        modifier.modify(settings, false);
+        modifier.modify(settings);
         if (!modifier.anyChanged()) return {};
         try {
             QStringList urls;
-            if (auto f = modifier.dataToTempFile(modifier.rewrite(SaveMode::files), urls)) {
+            if (auto f = modifier.dataToTempFile(modifier.rewrite(), urls)) {
                 if (failure) *failure = *f;
                 return {};
             }
@@ -393,9 +393,9 @@ TEST_F(BatchEdit, ReadBackDifferenceLeavesOriginal) {
             (iptc ? p.tags->iptcData : p.tags->exifData).insert("NoSuchTag", "x");
             p.tags->changed = true;
         };
-        modifier.modify(settings, false);
+        modifier.modify(settings);
         try {
-            modifier.rewrite(SaveMode::files);
+            modifier.rewrite();
             ADD_FAILURE() << "the difference went unnoticed";
         } catch (const TSError& e) {
             EXPECT_TRUE(e.message().contains(iptc ? "{IPTC}.NoSuchTag" : "{Exif}.NoSuchTag")) << e.message().toStdString();

@@ -3,6 +3,7 @@
 #include "ExifModifier.h"
 #include "ImageDecoder.h"
 #include "PropertyKeys.h"
+#include "TSError.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -150,7 +151,7 @@ TEST_F(Editing, NoTagsDropsTheDateWishesAndClearsEveryTag) {
     s.setDate(QDateTime(QDate(2020, 1, 2), QTime(3, 4, 5)), TSKey::EXIF_DATE);
     s.switchers.set(Sections::noTags, true);
     ExifModifier modifier({photo(a)});
-    modifier.modify(s, false);
+    modifier.modify(s);
     EXPECT_TRUE(s.properties.properties.isEmpty());
     const auto& tags = modifier.modifing.first().tags;
     EXPECT_TRUE(tags->changed);
@@ -171,7 +172,7 @@ TEST_F(Editing, FilesRoadWritesTheWishAndKeepsTheImage) {
 
     ExifModifier good({photo(heic), photo(jpeg)});
     good.filesDirectory = out.path();
-    good.modify(s, false);
+    good.modify(s);
     QStringList written;
     good.save(SaveMode::files, [&](const QStringList& urls, const std::optional<QString>& message) {
         EXPECT_FALSE(message) << message->toStdString();
@@ -194,7 +195,7 @@ TEST_F(Editing, FilesRoadWritesTheWishAndKeepsTheImage) {
     broken.dataSource = imageio::Rewritten();
     ExifModifier bad({photo(heic), broken});
     bad.filesDirectory = empty.path();
-    bad.modify(s, false);
+    bad.modify(s);
     std::optional<QString> failure;
     bad.save(SaveMode::files, [&](const QStringList&, const std::optional<QString>& message) { failure = message; });
     EXPECT_EQ(failure, "Error managing image data");
@@ -214,7 +215,7 @@ TEST_F(Editing, AWriteFailingMidSaveLeavesTheFileItWouldReplace) {
     s.properties.set(QStringLiteral("Amesbury"), kCGImagePropertyIPTCCity);
     ExifModifier modifier({photo(small), photo(large)});
     modifier.filesDirectory = out.path();
-    modifier.modify(s, false);
+    modifier.modify(s);
 
     std::optional<QString> failure;
     QStringList urls;
@@ -255,10 +256,27 @@ TEST_F(Editing, RedrawsFollowTheOrientationTables) {
     EXPECT_EQ(ImageModifier::undoingOrientation(one, -1, false), one);
     EXPECT_EQ(ImageModifier::applyingOrientation(one, 1), one);
 
-    // In place, a HEIF photo comes out as JPEG.
+    // Rendered, a HEIF photo comes out as JPEG; otherwise it stays HEIF.
     auto heic = asset("heif/Stonehenge.heic");
     auto p = photo(heic);
     p.tags->destMutable = *heic->metaData().metaDataDic();
     const auto rendered = ImageModifier::modifiedAsset(true, p);
     EXPECT_EQ(imageio::detectFormat(std::get<imageio::Rewritten>(rendered.dataSource).head(64)), imageio::Format::Jpeg);
+    const auto copied = ImageModifier::modifiedAsset(false, p);
+    EXPECT_EQ(imageio::detectFormat(std::get<imageio::Rewritten>(copied.dataSource).head(64)), imageio::Format::Heif);
+}
+
+// A raw file whose own format can't take new metadata is refused in words, never converted.
+TEST_F(Editing, AnUnwritableRawIsRefusedNotConverted) {
+    auto jpeg = asset("jpeg/Canon_40D.jpg");
+    auto p = photo(jpeg);
+    p.tags->destMutable = *jpeg->metaData().metaDataDic();
+    // A Canon CR3 starts as an ISO media file of the brand "crx ".
+    p.dataSource = QByteArray("\0\0\0\x18" "ftypcrx \0\0\0\x01" "crx isom", 24);
+    try {
+        ImageModifier::modifiedAsset(false, p);
+        ADD_FAILURE() << "a CR3 was written";
+    } catch (const TSError& e) {
+        EXPECT_EQ(e.localizedDescription(), "Tessorin can't write metadata into CR3 files; nothing was saved");
+    }
 }

@@ -272,22 +272,3 @@ TEST(ShareItems, JsonExportIsAlwaysValid) {
     // The other exports still carry the comment.
     EXPECT_TRUE(shareItems(ShareAction::hrShare, *album)->text.contains("the \"best\" view"));
 }
-
-// Saving replaces the file whole or not at all, and leaves no temporary file behind.
-TEST(SaveToFile, ReplacesWholeAndLeavesNothingBehind) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("copy.jpg");
-    ASSERT_TRUE(saveToFile(path, "first"));
-    ASSERT_TRUE(saveToFile(path, "second, longer"));
-    EXPECT_EQ(readFile(path), "second, longer");
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"copy.jpg"});
-
-    QString error;
-    EXPECT_FALSE(saveToFile(dir.filePath("missing/copy.jpg"), "x", &error));
-    EXPECT_FALSE(error.isEmpty());
-    // A folder in the way is not replaced.
-    ASSERT_TRUE(QDir(dir.path()).mkdir("taken"));
-    EXPECT_FALSE(saveToFile(dir.filePath("taken"), "x", &error));
-    EXPECT_TRUE(QFileInfo(dir.filePath("taken")).isDir());
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"copy.jpg"});
-}
