@@ -66,6 +66,10 @@ void Statement::reset() {
 
 qint64 Statement::integer(int column) const { return sqlite3_column_int64(stmt_, column); }
 double Statement::real(int column) const { return sqlite3_column_double(stmt_, column); }
+QByteArrayView Statement::utf8(int column) const {
+    auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+    return p ? QByteArrayView(p, sqlite3_column_bytes(stmt_, column)) : QByteArrayView();
+}
 bool Statement::isNull(int column) const { return sqlite3_column_type(stmt_, column) == SQLITE_NULL; }
 QString Statement::text(int column) const {
     auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));

@@ -27,6 +27,7 @@ public:
     qint64 integer(int column) const;
     double real(int column) const;
     QString text(int column) const;
+    QByteArrayView utf8(int column) const;  // valid until the next step
     bool isNull(int column) const;
     bool ok() const { return stmt_ != nullptr && !failed_; }
 

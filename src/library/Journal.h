@@ -90,7 +90,8 @@ public:
     QSet<QString> rootsOfAsset(sqlite3* db, const QString& id) const;
 
 private:
-    QList<JournalItem> itemsOf(sqlite3* db, const QString& root) const;
+    // The lines of the items the index holds in `root`, their identifiers into `ids`.
+    QByteArray lines(sqlite3* db, const QString& root, QSet<QString>* ids) const;
     QStringList roots_;
     QSet<QString> checked_, stale_;
     QList<JournalItem> pending_;  // recovered, not in the index yet

@@ -274,3 +274,24 @@ TEST_F(Rebuild, GarbageJournalAndMovedFiles) {
     EXPECT_FALSE(assetOf(moved).favorite);
     EXPECT_EQ(journal::parse(root(), readAll(journal())).skipped, 0);
 }
+
+TEST_F(LibraryFixture, NamesThatJsonMustEscapeComeBack) {
+    const QStringList names{"quote \"1\".jpg", "back\\slash.jpg", "tab\there.jpg", "été 🌅.jpg", "Ordner/a\x01b.jpg"};
+    QStringList files;
+    for (const QString& n : names) files << add("jpeg/Canon_40D.jpg", n);
+    lib->scan();
+    QHash<QString, QString> ids;
+    for (const QString& f : files) {
+        ids.insert(f, assetOf(f).localIdentifier);
+        ASSERT_TRUE(lib->setFavorite(ids.value(f), true));
+    }
+    lib.reset();
+    EXPECT_EQ(journal::parse(root(), testsupport::readFile(journal::pathFor(root()))).items.size(), names.size());
+    QFile::remove(database());
+    reopen();
+    lib->scan();
+    for (const QString& f : files) {
+        EXPECT_EQ(assetOf(f).localIdentifier.toStdString(), ids.value(f).toStdString()) << f.toStdString();
+        EXPECT_TRUE(assetOf(f).favorite) << f.toStdString();
+    }
+}
