@@ -295,3 +295,33 @@ TEST_F(LibraryFixture, NamesThatJsonMustEscapeComeBack) {
         EXPECT_TRUE(assetOf(f).favorite) << f.toStdString();
     }
 }
+
+TEST_F(LibraryFixture, JournalAheadOfTheIndexIsWrittenAgainFromIt) {
+    // As a kill between the journal's write and the index's commit leaves them: the journal
+    // has the favourite and the edit, the index neither.
+    const QString file = add("jpeg/Canon_40D.jpg", "a.jpg");
+    lib->scan();
+    const QString id = assetOf(file).localIdentifier;
+    lib.reset();
+    ASSERT_TRUE(QFile::copy(database(), path("before.sqlite")));
+    reopen();
+    ASSERT_TRUE(lib->setFavorite(id, true));
+    ASSERT_TRUE(lib->editInPlace(id, testsupport::readFile(testsupport::corpusDir() + "/jpeg/Nikon_D70.jpg"), "jpg", "x"));
+    lib.reset();
+    const QByteArray ahead = testsupport::readFile(journal::pathFor(root()));
+    ASSERT_TRUE(ahead.contains("\"favorite\":true"));
+    ASSERT_TRUE(QFile::remove(database()));
+    ASSERT_TRUE(QFile::copy(path("before.sqlite"), database()));
+
+    reopen();
+    lib->scan();
+    const Asset a = assetOf(file);
+    EXPECT_EQ(a.localIdentifier, id);
+    EXPECT_FALSE(a.favorite);
+    EXPECT_FALSE(a.isEdited());
+    const journal::Reading now = journal::parse(root(), testsupport::readFile(journal::pathFor(root())));
+    ASSERT_EQ(now.items.size(), 1);
+    EXPECT_EQ(now.items[0].id, id);
+    EXPECT_FALSE(now.items[0].favorite);
+    EXPECT_TRUE(now.items[0].editOriginal.isEmpty());
+}
