@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <limits>
 #include <optional>
 #include <sqlite3.h>
 
@@ -150,9 +151,9 @@ int readRows(sqlite3* db, const char* table, const char* columns, const std::fun
     const QByteArray from = " FROM " + QByteArray(table);
     const std::optional<qint64> last = single("SELECT max(rowid)" + from);
     qint64 next = single("SELECT min(rowid)" + from).value_or(1);
-    // Without a last rowid, the search stops this far past the last row read.
+    // The search past unreadable rows gives up this far past the last row read.
     constexpr qint64 reach = 100000;
-    qint64 bound = last.value_or(next + reach);
+    const qint64 bound = last.value_or(std::numeric_limits<qint64>::max() - 1);
     const QByteArray sql = "SELECT rowid, " + QByteArray(columns) + from + " WHERE rowid >= ? ORDER BY rowid";
     sqlite3_stmt* s = nullptr;
     if (sqlite3_prepare_v2(db, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
@@ -160,17 +161,25 @@ int readRows(sqlite3* db, const char* table, const char* columns, const std::fun
         return 1;
     }
     int errors = 0;
-    while (next <= bound) {
+    qint64 failedInARow = 0;
+    while (next <= bound && failedInARow < reach) {
         sqlite3_reset(s);
         sqlite3_bind_int64(s, 1, next);
         int rc;
         while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
-            next = sqlite3_column_int64(s, 0) + 1;
-            if (!last) bound = next + reach;
+            // A damaged tree could lead back to rows already read: that ends the walk here.
+            const qint64 rowid = sqlite3_column_int64(s, 0);
+            if (rowid < next) {
+                rc = SQLITE_CORRUPT;
+                break;
+            }
+            next = rowid + 1;
+            failedInARow = 0;
             take(s);
         }
         if (rc == SQLITE_DONE) break;
         ++errors;
+        ++failedInARow;
         ++next;
     }
     sqlite3_finalize(s);
