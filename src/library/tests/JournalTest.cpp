@@ -5,6 +5,7 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTimeZone>
 #include <sqlite3.h>
 
@@ -324,4 +325,23 @@ TEST_F(LibraryFixture, JournalAheadOfTheIndexIsWrittenAgainFromIt) {
     EXPECT_EQ(now.items[0].id, id);
     EXPECT_FALSE(now.items[0].favorite);
     EXPECT_TRUE(now.items[0].editOriginal.isEmpty());
+}
+
+TEST_F(Rebuild, FoldersTakenToAnotherMachineKeepWhatTheUserSet) {
+    fill();
+    lib.reset();
+    // The same folders somewhere else, with an index of their own.
+    const QString elsewhere = path("elsewhere");
+    ASSERT_EQ(QProcess::execute("cp", {"-a", root(), elsewhere}), 0);
+    Library moved({elsewhere}, path("other/library.sqlite"));
+    ASSERT_TRUE(moved.isOpen());
+    moved.scan();
+    auto at = [&](const QString& file) { return moved.assetForPath(elsewhere + file.mid(root().size())).value_or(Asset{}); };
+    for (auto it = ids.cbegin(); it != ids.cend(); ++it) EXPECT_EQ(at(it.key()).localIdentifier, it.value()) << it.key().toStdString();
+    EXPECT_TRUE(at(favorite).favorite);
+    EXPECT_TRUE(at(hidden).hidden);
+    EXPECT_EQ(at(placed).creationDate, userDate);
+    ASSERT_TRUE(at(edited).isEdited());
+    ASSERT_TRUE(moved.revert(at(edited).localIdentifier));
+    EXPECT_EQ(testsupport::readFile(elsewhere + "/Trip/edited.jpg"), original);
 }
