@@ -260,6 +260,12 @@ void Journals::check(sqlite3* db) {
         const QByteArray data = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         const auto stored = storedDigest(db, root);
         if (stored && *stored == digestOf(data)) continue;
+        if (data.isEmpty() && !stored) {
+            // No journal yet: one is due only when the index holds something there.
+            Statement any(db, "SELECT 1 FROM files WHERE path > ? AND path < ? LIMIT 1");
+            any.bind({root + '/', root + '0'});
+            if (!any.step()) continue;
+        }
         // The index didn't write this journal last: it is new, rebuilt, or a write of the two
         // was cut short. What the index lacks is taken from the journal; then it is written anew.
         stale_.insert(root);
