@@ -1,7 +1,7 @@
 // The photo library over 10,000 files made from the sample media (hard links, so the disk holds
 // them once): the first scan beside exiftool -fast2 over the same folder, a rescan of the
 // unchanged library, a fetch of all photos by date, the time from a file written on disk to its
-// change details, and the peak memory of the process.
+// change details, a favourite set (its journal written anew), and the peak memory of the process.
 // usage: library_bench CORPUS_DIR [FILES] [--no-exiftool]
 // TESSORIN_WORKERS=N reads the files on N threads (default: one per core).
 #include "Library.h"
@@ -70,6 +70,11 @@ int main(int argc, char** argv) {
         fetchSeconds = std::min(fetchSeconds, t.nsecsElapsed() / 1e9);
     }
 
+    // One mark set: the index's update and the journal of the whole folder written again.
+    t.start();
+    lib.setFavorite(lib.fetchAssets().objectAt(0).localIdentifier, true);
+    const double favoriteSeconds = t.nsecsElapsed() / 1e9;
+
     const FetchResult before = lib.fetchAssets();
     lib.startWatching();
     QEventLoop loop;
@@ -91,6 +96,8 @@ int main(int argc, char** argv) {
     std::printf("rescan         %8.3f s  (%d unchanged, %d read)\n", rescanSeconds, again.filesUnchanged, again.filesRead);
     std::printf("fetch photos   %8.1f ms, by date (%.1f ms the first time after a change)\n", fetchSeconds * 1000,
                 firstFetchSeconds * 1000);
+    std::printf("favourite set  %8.1f ms  (journal of %.1f MB)\n", favoriteSeconds * 1000,
+                QFileInfo(root + "/.tessorin/journal.jsonl").size() / 1e6);
     std::printf("change noticed %8.3f s  (%lld inserted)\n", changeSeconds, static_cast<long long>(details.insertedIndexes.size()));
     std::printf("peak memory    %8.1f MB\n", usage.ru_maxrss / 1024.0);
     return 0;

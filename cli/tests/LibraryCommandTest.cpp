@@ -36,6 +36,13 @@ protected:
         return QJsonDocument::fromJson(r.out).array();
     }
     QJsonObject exif(const QString& file) { return exiftoolJson(file, {"-n", "-EXIF:all"}).toObject(); }
+    // The one item of the library's journal: its identifier, and whether it holds an edit.
+    QJsonObject journalItem() {
+        const QList<QByteArray> lines = readFile(lib() + "/.tessorin/journal.jsonl").trimmed().split('\n');
+        EXPECT_EQ(lines.size(), 2);  // the header and the item
+        const QJsonObject item = QJsonDocument::fromJson(lines.value(1)).object();
+        return {{"id", item["id"]}, {"edited", item.contains("editOriginal")}};
+    }
 
 };
 
@@ -136,10 +143,13 @@ TEST_F(LibraryCommand, KilledAtAnyPointOfAnEditTheOriginalStaysWhole) {
         const QJsonArray items = list();
         ASSERT_EQ(items.size(), 1);
         EXPECT_EQ(items[0]["localIdentifier"].toString(), id);
+        // The journal beside the photos says what the index says.
+        EXPECT_EQ(journalItem(), QJsonObject({{"id", id}, {"edited", items[0]["edited"].toBool()}}));
         if (items[0]["edited"].toBool()) {
             EXPECT_EQ(cli({"library", "revert", id}).exitCode, 0);
         }
         EXPECT_EQ(readFile(photo()), original);
+        EXPECT_EQ(journalItem(), QJsonObject({{"id", id}, {"edited", false}}));
     }
 }
 

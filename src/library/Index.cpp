@@ -6,6 +6,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
+#include <limits>
+#include <optional>
 #include <sqlite3.h>
 
 namespace library {
@@ -64,17 +67,23 @@ void Statement::reset() {
 
 qint64 Statement::integer(int column) const { return sqlite3_column_int64(stmt_, column); }
 double Statement::real(int column) const { return sqlite3_column_double(stmt_, column); }
+QByteArrayView Statement::utf8(int column) const {
+    auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+    return p ? QByteArrayView(p, sqlite3_column_bytes(stmt_, column)) : QByteArrayView();
+}
 bool Statement::isNull(int column) const { return sqlite3_column_type(stmt_, column) == SQLITE_NULL; }
 QString Statement::text(int column) const {
     auto* p = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
     return p ? QString::fromUtf8(p, sqlite3_column_bytes(stmt_, column)) : QString();
 }
 
-// Version 1. Times are milliseconds since the epoch in UTC; offsets are seconds east of UTC.
+// Times are milliseconds since the epoch in UTC; offsets are seconds east of UTC.
 // assets: one row per asset; what the user set (favourite, hidden, the date and place a save
 //   gave) and the edit, whose original and adjustment data sit in the library's hidden folder.
 // files: one row per file of the library folders, with what its reader found, so that an
 //   unchanged file (same path, size and modification time) is never read again.
+// journals (version 2): for each library folder, the SHA-1 of the journal last written there, so
+//   that a journal the index didn't write (new index, cut-short write) is known and read.
 static const char* const migrations[] = {
     R"(CREATE TABLE assets(
          id TEXT PRIMARY KEY, favorite INTEGER NOT NULL DEFAULT 0, hidden INTEGER NOT NULL DEFAULT 0,
@@ -89,6 +98,7 @@ static const char* const migrations[] = {
          selfie INTEGER NOT NULL DEFAULT 0, burst TEXT, content_id TEXT);
        CREATE INDEX files_asset ON files(asset);
        CREATE INDEX files_move ON files(size, mtime);)",
+    "CREATE TABLE journals(root TEXT PRIMARY KEY, digest TEXT NOT NULL);",
 };
 
 Index::Index(const QString& path) : path_(path) {
@@ -103,7 +113,9 @@ Index::Index(const QString& path) : path_(path) {
         Log::error(error_);
         return;
     }
-    // A damaged index is rebuilt from the folders; the old file is kept for a look.
+    // A damaged index is rebuilt from the folders and the journals, with what it still reads;
+    // the old file is kept for a look.
+    salvage();
     const QString aside = path + QStringLiteral(".corrupt-") + QDateTime::currentDateTimeUtc().toString("yyyyMMddHHmmss");
     QFile::remove(path + "-wal");
     QFile::remove(path + "-shm");
@@ -119,6 +131,122 @@ Index::Index(const QString& path) : path_(path) {
         error_ = QStringLiteral("The library's index can't be made: %1").arg(problem);
         Log::error(error_);
     }
+}
+
+namespace {
+
+// Every row of `table` that SQLite can still give: read in rowid order, and past a page it
+// can't read by trying the rowids after the last good one, one by one. Errors are counted,
+// not logged one by one.
+int readRows(sqlite3* db, const char* table, const char* columns, const std::function<void(sqlite3_stmt*)>& take) {
+    auto single = [&](const QByteArray& sql) -> std::optional<qint64> {
+        sqlite3_stmt* s = nullptr;
+        std::optional<qint64> v;
+        if (sqlite3_prepare_v2(db, sql.constData(), -1, &s, nullptr) == SQLITE_OK && sqlite3_step(s) == SQLITE_ROW &&
+            sqlite3_column_type(s, 0) != SQLITE_NULL)
+            v = sqlite3_column_int64(s, 0);
+        sqlite3_finalize(s);
+        return v;
+    };
+    const QByteArray from = " FROM " + QByteArray(table);
+    const std::optional<qint64> last = single("SELECT max(rowid)" + from);
+    qint64 next = single("SELECT min(rowid)" + from).value_or(1);
+    // The search past unreadable rows gives up this far past the last row read.
+    constexpr qint64 reach = 100000;
+    const qint64 bound = last.value_or(std::numeric_limits<qint64>::max() - 1);
+    const QByteArray sql = "SELECT rowid, " + QByteArray(columns) + from + " WHERE rowid >= ? ORDER BY rowid";
+    sqlite3_stmt* s = nullptr;
+    if (sqlite3_prepare_v2(db, sql.constData(), -1, &s, nullptr) != SQLITE_OK) {
+        sqlite3_finalize(s);
+        return 1;
+    }
+    int errors = 0;
+    qint64 failedInARow = 0;
+    while (next <= bound && failedInARow < reach) {
+        sqlite3_reset(s);
+        sqlite3_bind_int64(s, 1, next);
+        int rc;
+        while ((rc = sqlite3_step(s)) == SQLITE_ROW) {
+            // A damaged tree could lead back to rows already read: that ends the walk here.
+            const qint64 rowid = sqlite3_column_int64(s, 0);
+            if (rowid < next) {
+                rc = SQLITE_CORRUPT;
+                break;
+            }
+            next = rowid + 1;
+            failedInARow = 0;
+            take(s);
+        }
+        if (rc == SQLITE_DONE) break;
+        ++errors;
+        ++failedInARow;
+        ++next;
+    }
+    sqlite3_finalize(s);
+    return errors;
+}
+
+QString textAt(sqlite3_stmt* s, int column) {
+    if (sqlite3_column_type(s, column) != SQLITE_TEXT) return {};
+    return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, column)), sqlite3_column_bytes(s, column));
+}
+
+std::optional<qint64> integerAt(sqlite3_stmt* s, int column) {
+    if (sqlite3_column_type(s, column) != SQLITE_INTEGER) return std::nullopt;
+    return sqlite3_column_int64(s, column);
+}
+
+std::optional<double> realAt(sqlite3_stmt* s, int column) {
+    const int type = sqlite3_column_type(s, column);
+    if (type != SQLITE_FLOAT && type != SQLITE_INTEGER) return std::nullopt;
+    return sqlite3_column_double(s, column);
+}
+
+}  // namespace
+
+void Index::salvage() {
+    sqlite3* db = nullptr;
+    if (sqlite3_open_v2(path_.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK) {
+        sqlite3_close(db);
+        return;
+    }
+    QHash<QString, JournalItem> items;
+    int assetRows = 0, fileRows = 0;
+    const int assetErrors = readRows(db, "assets",
+        "id, added, favorite, hidden, user_date, user_offset, user_lat, user_lon, edit_original, edit_adjustment",
+        [&](sqlite3_stmt* s) {
+            const QString id = textAt(s, 1);
+            if (id.isEmpty()) return;
+            JournalItem& item = items[id];
+            item.id = id;
+            item.added = integerAt(s, 2).value_or(0);
+            item.favorite = integerAt(s, 3).value_or(0) != 0;
+            item.hidden = integerAt(s, 4).value_or(0) != 0;
+            item.userDate = integerAt(s, 5);
+            if (auto offset = integerAt(s, 6); offset && item.userDate) item.userOffset = int(qBound(qint64(-1000000), *offset, qint64(1000000)));
+            item.userLat = realAt(s, 7);
+            item.userLon = realAt(s, 8);
+            item.editOriginal = textAt(s, 9);
+            item.editAdjustment = textAt(s, 10);
+            ++assetRows;
+        });
+    const int fileErrors = readRows(db, "files", "path, asset, size, head", [&](sqlite3_stmt* s) {
+        const QString path = textAt(s, 1), id = textAt(s, 2);
+        const auto size = integerAt(s, 3);
+        if (path.isEmpty() || id.isEmpty() || !size) return;
+        JournalItem& item = items[id];
+        item.id = id;
+        item.files << JournalFile{path, *size, textAt(s, 4)};
+        ++fileRows;
+    });
+    sqlite3_close(db);
+    for (JournalItem& item : items)
+        if (!item.files.isEmpty()) salvaged_ << item;
+    Log::info(QStringLiteral("🗂 The damaged index still gave %1 items, %2 rows of items and %3 of files; %4 reads failed")
+                  .arg(salvaged_.size())
+                  .arg(assetRows)
+                  .arg(fileRows)
+                  .arg(assetErrors + fileErrors));
 }
 
 Index::~Index() {

@@ -1,6 +1,8 @@
 #pragma once
 // The library's SQLite database: a thin layer over SQLite's C API (statements, transactions,
 // opening with the schema brought up to date). The tables are described in Index.cpp.
+#include "Journal.h"
+
 #include <QString>
 #include <QVariant>
 #include <QVariantList>
@@ -25,6 +27,7 @@ public:
     qint64 integer(int column) const;
     double real(int column) const;
     QString text(int column) const;
+    QByteArrayView utf8(int column) const;  // valid until the next step
     bool isNull(int column) const;
     bool ok() const { return stmt_ != nullptr && !failed_; }
 
@@ -36,15 +39,18 @@ private:
 
 class Index {
 public:
-    static constexpr int schemaVersion = 1;
+    static constexpr int schemaVersion = 2;
 
-    // Opens or makes the database. A file that isn't a sound database is moved aside (named
-    // in the log) and a new one made; `error` says why nothing could be opened.
+    // Opens or makes the database. A file that isn't a sound database gives what rows it still
+    // reads (`salvaged`), is moved aside (named in the log) and a new one made; `error` says why
+    // nothing could be opened.
     explicit Index(const QString& path);
     ~Index();
     bool isOpen() const { return db_ != nullptr; }
     QString error() const { return error_; }
     sqlite3* db() const { return db_; }
+    // The items a damaged index still gave, paths as it held them.
+    const QList<JournalItem>& salvaged() const { return salvaged_; }
     QString path() const { return path_; }
 
     // Runs `body` in one write transaction; rolled back when it returns false.
@@ -55,10 +61,12 @@ public:
 private:
     bool openAndCheck(QString* problem, bool* corrupt);
     bool migrate(QString* problem);
+    void salvage();
     QString path_;
     QString error_;
     QString failure_;  // of the last failed transaction
     sqlite3* db_ = nullptr;
+    QList<JournalItem> salvaged_;
 };
 
 }  // namespace library

@@ -3,6 +3,7 @@
 #include "FileFacts.h"
 #include "FolderWatcher.h"
 #include "Index.h"
+#include "Journal.h"
 #include "Log.h"
 #include "Settings.h"
 
@@ -261,6 +262,8 @@ QString Library::applicationAlbumTitle() { return QStringLiteral(TESSORIN_APP_NA
 Library::Library(QStringList folders, QString databasePath, QObject* parent) : QObject(parent) {
     for (const QString& f : folders) folders_ << QDir::cleanPath(QFileInfo(f).absoluteFilePath());
     index_ = std::make_unique<Index>(databasePath);
+    journals_ = std::make_unique<Journals>(folders_);
+    journals_->addSalvaged(index_->salvaged());
     if (index_->isOpen()) toldVersion_ = dataVersion();
 }
 
@@ -284,6 +287,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         report.problems << index_->error();
         return lastScan_ = report;
     }
+    journals_->check(index_->db());
     // What is on disk now. Folders we can't read keep their files in the index: a missing
     // disk or a locked folder must not cost the user's marks.
     struct OnDisk { qint64 size, mtime; };
@@ -342,7 +346,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     QList<FileRow> gone;
     for (const FileRow& r : std::as_const(known))
         if (!disk.contains(r.path) && reachable(r.path)) gone << r;
-    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty()) {
+    if (fresh.isEmpty() && changed.isEmpty() && gone.isEmpty() && journals_->stale().isEmpty()) {
         // Another Library on this index (a save's worker has its own) may have brought it up to
         // date already: its writes are still news to this one's observers.
         const qint64 told = std::exchange(toldVersion_, dataVersion());
@@ -384,6 +388,10 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
             report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
 
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    QStringList paths = moved.keys();
+    for (const FileRow& g : std::as_const(gone)) paths << g.path;
+    for (const Read& r : std::as_const(reads)) paths << r.path;
+    const QSet<QString> touched = journals_->rootsOf(paths);
     bool ok = index_->transaction([&] {
         sqlite3* db = index_->db();
         Statement bump(db, "UPDATE assets SET version = version + 1 WHERE id = ?");
@@ -419,6 +427,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         for (const Read& r : reads) {
             const OnDisk od = disk.value(r.path);
             QString asset = known.contains(r.path) ? known.value(r.path).asset : QString();
+            if (asset.isEmpty()) asset = journals_->take(db, r.path, od.size, r.head, now).value_or(QString());
             if (asset.isEmpty()) {
                 auto fits = [&](const QString& candidate) {
                     return !candidate.isEmpty() && !kindsOf.value(candidate).contains(int(r.facts.kind));
@@ -439,8 +448,11 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
             kindsOf[asset].insert(int(r.facts.kind));
             ++report.filesRead;
         }
+        journals_->write(db, touched, reachable);
         return true;
     });
+    if (ok) journals_->committed(reachable);
+    else journals_->failed(touched);
     if (!ok) {
         report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
         report.problems << report.indexError;

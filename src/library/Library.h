@@ -159,6 +159,7 @@ struct ScanReport {
 };
 
 class Index;
+class Journals;
 class FolderWatcher;
 
 // One library over a list of folders. Every method runs on the calling thread; one object per
@@ -246,6 +247,7 @@ private:
     bool ensureOpen(QString* error) const;
     QStringList folders_;
     std::unique_ptr<Index> index_;
+    std::unique_ptr<Journals> journals_;  // what the user set, beside the photos
     std::unique_ptr<FolderWatcher> watcher_;
     ScanReport lastScan_;
     // Every asset as last loaded, with its creation date in milliseconds for sorting.

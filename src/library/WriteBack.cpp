@@ -1,8 +1,10 @@
 // The library's changes: marks, deletion into the trash, edits in place and their revert, new
 // items. Every file is written to a temporary file beside its target, flushed, and renamed over
-// it, so a failure, a kill or a power cut at any point leaves the original whole.
+// it, so a failure, a kill or a power cut at any point leaves the original whole. What the user
+// set goes to the journals of the item's library folders before the index commits it.
 #include "DurableFile.h"
 #include "Index.h"
+#include "Journal.h"
 #include "Library.h"
 #include "Log.h"
 
@@ -38,13 +40,32 @@ QString rootOf(const QStringList& roots, const QString& path) {
     return {};
 }
 
+// One change of the index, the journals of `roots` written before it commits.
+bool journaled(Index& index, Journals& journals, const QSet<QString>& roots, const std::function<bool()>& body) {
+    const bool ok = index.transaction([&] {
+        if (!body()) return false;
+        journals.write(index.db(), roots);
+        return true;
+    });
+    if (ok) journals.committed();
+    else journals.failed(roots);
+    return ok;
+}
+
 }  // namespace
 
 bool Library::setFavorite(const QString& localIdentifier, bool favorite, QString* error) {
     if (!ensureOpen(error)) return false;
-    Statement s(index_->db(), "UPDATE assets SET favorite = ?, version = version + 1 WHERE id = ?");
-    if (!s.exec({int(favorite), localIdentifier}) || sqlite3_changes(index_->db()) == 0) {
-        if (error) *error = QStringLiteral("No item %1 in the library").arg(localIdentifier);
+    bool found = false;
+    const bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
+        Statement s(index_->db(), "UPDATE assets SET favorite = ?, version = version + 1 WHERE id = ?");
+        found = s.exec({int(favorite), localIdentifier}) && sqlite3_changes(index_->db()) > 0;
+        return found;
+    });
+    if (!ok) {
+        if (error)
+            *error = found ? QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError())
+                           : QStringLiteral("No item %1 in the library").arg(localIdentifier);
         return false;
     }
     emit libraryDidChange();
@@ -53,9 +74,16 @@ bool Library::setFavorite(const QString& localIdentifier, bool favorite, QString
 
 bool Library::setHidden(const QString& localIdentifier, bool hidden, QString* error) {
     if (!ensureOpen(error)) return false;
-    Statement s(index_->db(), "UPDATE assets SET hidden = ?, version = version + 1 WHERE id = ?");
-    if (!s.exec({int(hidden), localIdentifier}) || sqlite3_changes(index_->db()) == 0) {
-        if (error) *error = QStringLiteral("No item %1 in the library").arg(localIdentifier);
+    bool found = false;
+    const bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
+        Statement s(index_->db(), "UPDATE assets SET hidden = ?, version = version + 1 WHERE id = ?");
+        found = s.exec({int(hidden), localIdentifier}) && sqlite3_changes(index_->db()) > 0;
+        return found;
+    });
+    if (!ok) {
+        if (error)
+            *error = found ? QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError())
+                           : QStringLiteral("No item %1 in the library").arg(localIdentifier);
         return false;
     }
     emit libraryDidChange();
@@ -119,9 +147,10 @@ bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data
                            {"formatVersion", adjustmentFormatVersion()},
                            {"data", QString::fromLatin1(adjustmentData.toBase64())}};
     if (!fileio::writeDurably(adjustment, QJsonDocument(json).toJson(), error)) return false;
-    // The index learns of the edit before the file changes: a kill before the rename leaves the
-    // original where it was, and the next scan finds it there again by its size and first bytes.
-    bool ok = index_->transaction([&] {
+    // The journal and the index learn of the edit before the file changes: a kill before the
+    // rename leaves the original where it was, and the next scan finds it there again by its size
+    // and first bytes; a kill between the two leaves a journal the next scan writes again.
+    bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
         Statement edit(index_->db(), "UPDATE assets SET edit_original = ?, edit_adjustment = ?, version = version + 1 WHERE id = ?");
         Statement move(index_->db(), "UPDATE files SET path = ? WHERE path = ?");
         return edit.exec({original, adjustment, localIdentifier}) && (target == current || move.exec({target, current}));
@@ -154,7 +183,7 @@ bool Library::revert(const QString& localIdentifier, QString* error) {
         return false;
     }
     if (!copyAtomically(original, target, error)) return false;
-    bool ok = index_->transaction([&] {
+    bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
         Statement edit(index_->db(), "UPDATE assets SET edit_original = NULL, edit_adjustment = NULL, version = version + 1 WHERE id = ?");
         Statement move(index_->db(), "UPDATE files SET path = ? WHERE path = ?");
         return edit.exec({localIdentifier}) && (target == rendered || move.exec({target, rendered}));
@@ -191,12 +220,15 @@ std::optional<QString> Library::createAsset(const QByteArray& data, const QStrin
         return std::nullopt;
     }
     if (creationDate || location) {
-        Statement s(index_->db(), "UPDATE assets SET user_date = ?, user_offset = ?, user_lat = ?, user_lon = ?, "
-                                  "version = version + 1 WHERE id = ?");
-        s.exec({creationDate ? QVariant(creationDate->toMSecsSinceEpoch()) : QVariant(),
-                creationDate ? QVariant(creationDate->offsetFromUtc()) : QVariant(),
-                location ? QVariant(location->latitude) : QVariant(), location ? QVariant(location->longitude) : QVariant(),
-                created->localIdentifier});
+        const bool ok = journaled(*index_, *journals_, journals_->rootsOf({path}), [&] {
+            Statement s(index_->db(), "UPDATE assets SET user_date = ?, user_offset = ?, user_lat = ?, user_lon = ?, "
+                                      "version = version + 1 WHERE id = ?");
+            return s.exec({creationDate ? QVariant(creationDate->toMSecsSinceEpoch()) : QVariant(),
+                           creationDate ? QVariant(creationDate->offsetFromUtc()) : QVariant(),
+                           location ? QVariant(location->latitude) : QVariant(),
+                           location ? QVariant(location->longitude) : QVariant(), created->localIdentifier});
+        });
+        if (!ok) Log::error(QStringLiteral("🗂 The date and place of %1 can't be kept: %2").arg(path, index_->lastError()));
         emit libraryDidChange();
     }
     return created->localIdentifier;

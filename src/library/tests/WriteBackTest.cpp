@@ -34,6 +34,8 @@ QStringList filesUnder(const QString& dir) {
     QStringList out;
     QDirIterator it(dir, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     while (it.hasNext()) out << QDir(dir).relativeFilePath(it.next());
+    // The journal of what the user set stays beside the photos.
+    out.removeAll(".tessorin/journal.jsonl");
     out.sort();
     return out;
 }

@@ -1,0 +1,104 @@
+#pragma once
+// What the user set, kept beside the photos as well as in the index: one journal per library
+// folder, `.tessorin/journal.jsonl`, written whole and durably before every index transaction
+// that changes it commits. A lost or damaged index takes the identifiers, marks, dates, places
+// and edits back from it, and from what the damaged index still reads.
+//
+// The file is JSON Lines, so that a cut or damaged one is read as far as it goes: a header
+// {"journal":"Tessorin library","version":1}, then one item a line,
+// {"id", "added", "favorite", "hidden", "userDate", "userOffset", "userLatitude",
+//  "userLongitude", "editOriginal", "editAdjustment", "files":[{"path","size","head"}]},
+// paths relative to the library folder, absent fields meaning none.
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <optional>
+
+struct sqlite3;
+
+namespace library {
+
+struct JournalFile {
+    QString path;  // absolute in memory
+    qint64 size = 0;
+    QString head;  // headHash of the file
+};
+
+struct JournalItem {
+    QString id;
+    qint64 added = 0;
+    bool favorite = false, hidden = false;
+    std::optional<qint64> userDate;
+    std::optional<int> userOffset;
+    std::optional<double> userLat, userLon;
+    QString editOriginal, editAdjustment;  // absolute, both or neither
+    QList<JournalFile> files;
+};
+
+// Whether every field holds what the library itself would write.
+// `roots` are the library folders the paths must lie in.
+bool isSound(const JournalItem& item, const QStringList& roots);
+
+namespace journal {
+inline constexpr int version = 1;
+QString pathFor(const QString& root);
+QByteArray serialize(const QString& root, const QList<JournalItem>& items);
+struct Reading {
+    QList<JournalItem> items;  // sound ones only
+    int skipped = 0;           // lines that weren't a sound item
+    int version = 0;           // of the header, 0 when it couldn't be read
+};
+Reading parse(const QString& root, const QByteArray& data);
+}  // namespace journal
+
+// The journals of one library's folders, and the items taken back from them or from a damaged
+// index that the index doesn't hold yet. Runs on the library's thread.
+class Journals {
+public:
+    explicit Journals(QStringList roots);
+
+    // Items that a damaged index still gave.
+    void addSalvaged(const QList<JournalItem>& items);
+    // Once per folder: a journal that isn't the one the index last wrote (a new or rebuilt
+    // index, a kill between the two writes) is read, and written again at the next transaction.
+    void check(sqlite3* db);
+    // Folders whose journal waits to be written.
+    QStringList stale() const;
+    // Inside a write transaction, for a file read anew: the identifier it had, when a
+    // recovered item holds it (same path, size and first bytes, or same size and first bytes
+    // elsewhere) and the index doesn't use it for another item. The item's marks, dates, place
+    // and edit come back with it.
+    std::optional<QString> take(sqlite3* db, const QString& path, qint64 size, const QString& head, qint64 now);
+    // Inside a write transaction: writes the journal of each folder in `roots` (and the stale
+    // ones) from the index, with the recovered items not taken yet, less those `settled`
+    // tells are gone, and records what was written. A folder that can't take it is logged and
+    // tried again later; the index still changes.
+    void write(sqlite3* db, const QSet<QString>& roots, const std::function<bool(const QString& path)>& settled = {});
+    // After the transaction committed: forgets the recovered items `settled` tells are gone,
+    // and says in the log what the index took back.
+    void committed(const std::function<bool(const QString& path)>& settled = {});
+    // After it failed: the journals may be ahead of the index, so they are written again.
+    void failed(const QSet<QString>& roots);
+
+    QString rootOf(const QString& path) const;
+    QSet<QString> rootsOf(const QStringList& paths) const;
+    // The folders that hold the files of an item.
+    QSet<QString> rootsOfAsset(sqlite3* db, const QString& id) const;
+
+private:
+    // The lines of the items the index holds in `root`, their identifiers into `ids`.
+    QByteArray lines(sqlite3* db, const QString& root, QSet<QString>* ids) const;
+    QStringList roots_;
+    QSet<QString> checked_, stale_;
+    QList<JournalItem> pending_;  // recovered, not in the index yet
+    QHash<QString, QList<qsizetype>> byPath_;  // into pending_
+    QHash<QString, QList<qsizetype>> byContent_;  // "size:head"
+    QSet<QString> takenNow_;  // identifiers given back in the open transaction
+    void reindex();
+};
+
+}  // namespace library
