@@ -16,6 +16,9 @@ namespace library::thumbnails {
 
 namespace {
 
+// The cache's sizes of thumbnail.
+constexpr int normalSide = 128, largeSide = 256;
+
 QString fileUri(const QString& path) { return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded); }
 
 }  // namespace
@@ -23,22 +26,31 @@ QString fileUri(const QString& path) { return QUrl::fromLocalFile(QFileInfo(path
 QString cachePath(const QString& path, int maxSide) {
     const QString md5 = QString::fromLatin1(QCryptographicHash::hash(fileUri(path).toUtf8(), QCryptographicHash::Md5).toHex());
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/thumbnails/" +
-           (maxSide <= 128 ? "normal/" : "large/") + md5 + ".png";
+           (maxSide <= normalSide ? "normal/" : "large/") + md5 + ".png";
+}
+
+QImage picture(const QString& path, int maxSide) {
+    imageio::FileBytes file;
+    if (maxSide < 1 || !file.open(path)) return {};
+    const imageio::Format format = imageio::detectFormat(file.bytes());
+    QImage image = format == imageio::Format::Movie ? QImage() : imageio::thumbnail(file.bytes(), maxSide);
+    // Movies, and the containers only FFmpeg knows (AVI, Matroska, MPEG-TS).
+    if (image.isNull() && (format == imageio::Format::Movie || format == imageio::Format::Unknown))
+        image = imageio::scaledToFit(media::firstFrame(file.bytes()), maxSide);
+    return image;
 }
 
 QImage forFile(const QString& path, int maxSide) {
+    if (maxSide > largeSide) return picture(path, maxSide);
     const QFileInfo info(path);
     const QString mtime = QString::number(info.lastModified().toSecsSinceEpoch());
     const QString cached = cachePath(path, maxSide);
-    const int side = maxSide <= 128 ? 128 : 256;
+    const int side = maxSide <= normalSide ? normalSide : largeSide;
     QImage image(cached);
     if (!image.isNull() && image.text("Thumb::MTime") == mtime && image.text("Thumb::URI") == fileUri(path))
         return imageio::scaledToFit(image, maxSide);
 
-    imageio::FileBytes file;
-    if (!file.open(path)) return {};
-    image = imageio::detectFormat(file.bytes()) == imageio::Format::Movie ? imageio::scaledToFit(media::firstFrame(file.bytes()), side)
-                                                                          : imageio::thumbnail(file.bytes(), side);
+    image = picture(path, side);
     if (image.isNull()) return {};
     image.setText("Thumb::URI", fileUri(path));
     image.setText("Thumb::MTime", mtime);

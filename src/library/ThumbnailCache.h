@@ -7,8 +7,14 @@
 
 namespace library::thumbnails {
 
-// The cached thumbnail for a file, made and stored when missing or stale: "normal" (128) for
-// sizes up to 128 pixels, "large" (256) above. A null image when the file can't be decoded.
+// An upright picture of a photo or a movie whose larger side is at most maxSide, made afresh: a
+// photo's thumbnail turned by its orientation or HEIF transforms, a movie's first frame turned as
+// its track is. Every list, grid, strip, picker and the full-screen view draw what this makes.
+// A null image when the file can't be decoded.
+QImage picture(const QString& path, int maxSide);
+// The same through the cache, made and stored when missing or stale: "normal" (128) for sizes up
+// to 128 pixels, "large" (256) up to 256. Larger ones (the strip, the full-screen view) are made
+// afresh, since the cache has no size for them.
 QImage forFile(const QString& path, int maxSide);
 // Where the cache keeps a file's thumbnail of that size class.
 QString cachePath(const QString& path, int maxSide);
