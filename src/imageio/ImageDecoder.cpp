@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QImageReader>
+#include <QtEndian>
 #include <exiv2/exiv2.hpp>
 #include <libheif/heif.h>
 #include <cmath>
@@ -133,6 +134,15 @@ QImage scaledDecode(const QByteArray& bytes, int maxSide) {
     return reader.read();
 }
 
+// A Fujifilm raw file carries a full-size JPEG of the picture where its header says.
+QByteArray rafJpeg(const QByteArray& bytes) {
+    if (bytes.size() < 92) return {};
+    const quint32 at = qFromBigEndian<quint32>(bytes.constData() + 84);
+    const quint32 length = qFromBigEndian<quint32>(bytes.constData() + 88);
+    if (at > quint64(bytes.size()) || length > quint64(bytes.size()) - at) return {};
+    return QByteArray::fromRawData(bytes.constData() + at, qsizetype(length));
+}
+
 int exifOrientation(const Exiv2::ExifData& exif) {
     auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
     if (it == exif.end() || it->count() < 1) return 1;
@@ -191,7 +201,7 @@ QImage thumbnail(const QByteArray& bytes, int maxSide) {
             // Broken metadata: the pixels may still decode, upright as stored.
         }
     }
-    if (image.isNull()) image = scaledDecode(bytes, maxSide);
+    if (image.isNull()) image = scaledDecode(format == Format::Raf ? rafJpeg(bytes) : bytes, maxSide);
     if (image.isNull()) return {};
     return applyOrientation(scaledToFit(image, maxSide), orientation);
 }

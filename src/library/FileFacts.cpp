@@ -37,14 +37,15 @@ FileKind kindByName(const QString& path) {
     return rawExtensions.contains(ext) ? FileKind::raw : movieExtensions.contains(ext) ? FileKind::video : FileKind::image;
 }
 
-// What a file is, by its first bytes. The TIFF family holds both: its raw files that say so in
-// their header (Canon CR2, Olympus ORF, Panasonic RW2) and DNG, NEF, ARW and the like with a
-// plain TIFF header, which only a plain TIFF name tells from a picture.
+// What a file is, by its first bytes. Canon CR3 and Fujifilm RAF have containers of their own;
+// the TIFF family holds raw files that say so in their header (Canon CR2, Olympus ORF, Panasonic
+// RW2) and DNG, NEF, ARW and the like with a plain TIFF header, which only a plain TIFF name
+// tells from a picture.
 std::optional<FileKind> kindByBytes(const QByteArray& head, const QString& path) {
     switch (imageio::detectFormat(head)) {
     case imageio::Format::Unknown: return std::nullopt;
     case imageio::Format::Movie: return FileKind::video;
-    case imageio::Format::Cr3: return FileKind::raw;
+    case imageio::Format::Cr3: case imageio::Format::Raf: return FileKind::raw;
     case imageio::Format::Tiff: {
         const bool plainHeader = head.startsWith("II*") || head.startsWith(QByteArray("MM\0*", 4));
         const bool rawHeader = !plainHeader || head.mid(8, 2) == "CR";

@@ -16,17 +16,26 @@ namespace library::thumbnails {
 
 namespace {
 
-// The cache's sizes of thumbnail.
-constexpr int normalSide = 128, largeSide = 256;
+// The cache's sizes of thumbnail, each in a folder of its name.
+struct SizeClass { int side; const char* folder; };
+constexpr SizeClass sizeClasses[] = {{128, "normal/"}, {256, "large/"}, {512, "x-large/"}, {1024, "xx-large/"}};
+
+// The smallest class that holds a picture of this size; nothing above the largest.
+const SizeClass* sizeClassFor(int maxSide) {
+    for (const SizeClass& c : sizeClasses)
+        if (maxSide <= c.side) return &c;
+    return nullptr;
+}
 
 QString fileUri(const QString& path) { return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded); }
 
 }  // namespace
 
 QString cachePath(const QString& path, int maxSide) {
+    const SizeClass* size = sizeClassFor(maxSide);
+    if (!size) return {};
     const QString md5 = QString::fromLatin1(QCryptographicHash::hash(fileUri(path).toUtf8(), QCryptographicHash::Md5).toHex());
-    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/thumbnails/" +
-           (maxSide <= normalSide ? "normal/" : "large/") + md5 + ".png";
+    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/thumbnails/" + size->folder + md5 + ".png";
 }
 
 QImage picture(const QString& path, int maxSide) {
@@ -41,16 +50,16 @@ QImage picture(const QString& path, int maxSide) {
 }
 
 QImage forFile(const QString& path, int maxSide) {
-    if (maxSide > largeSide) return picture(path, maxSide);
+    const SizeClass* size = sizeClassFor(maxSide);
+    if (!size) return picture(path, maxSide);
     const QFileInfo info(path);
     const QString mtime = QString::number(info.lastModified().toSecsSinceEpoch());
     const QString cached = cachePath(path, maxSide);
-    const int side = maxSide <= normalSide ? normalSide : largeSide;
     QImage image(cached);
     if (!image.isNull() && image.text("Thumb::MTime") == mtime && image.text("Thumb::URI") == fileUri(path))
         return imageio::scaledToFit(image, maxSide);
 
-    image = picture(path, side);
+    image = picture(path, size->side);
     if (image.isNull()) return {};
     image.setText("Thumb::URI", fileUri(path));
     image.setText("Thumb::MTime", mtime);

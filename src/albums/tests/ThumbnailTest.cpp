@@ -81,6 +81,17 @@ TEST(Thumbnail, TurnedCameraFilesAreUprightFromEmbeddedAndDecodedPictures) {
             EXPECT_LT(image.width(), image.height());
             EXPECT_EQ(largerSide(image), side);
         }
+    // A Fujifilm raw file: its Exif thumbnail for small asks, its full-size JPEG for large ones.
+    QTemporaryDir dir;
+    const QString raf = dir.filePath("DSCF0001.RAF");
+    QFile out(raf);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write(testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg")));
+    out.close();
+    for (int side : {100, 400}) {
+        const QImage image = library::thumbnails::picture(raf, side);
+        EXPECT_EQ(image.size(), QSize(side * 3 / 4, side)) << side;
+    }
     // A movie's first frame follows its track's turn.
     const QImage turned = library::thumbnails::picture(testsupport::video("apple_meta_rot90.mov"), 160);
     const QImage straight = library::thumbnails::picture(testsupport::video("apple_meta.mov"), 160);

@@ -5,7 +5,6 @@
 #include "ThumbnailCache.h"
 
 #include <QSignalSpy>
-#include <QtEndian>
 #include <QTimeZone>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -123,19 +122,6 @@ TEST_F(LibraryFixture, GroupsLivePhotosRawWithJpegAndKeepsOthersApart) {
     EXPECT_EQ(lib->fetchAssets(QStringLiteral("smart:217")).objectAt(0).localIdentifier, raw.localIdentifier);
 }
 
-// A Canon CR3 as far as the readers look: an ISO-BMFF file of brand "crx " whose Canon box in
-// 'moov' holds the camera's TIFF directory (here a DNG's) as CMT1.
-QByteArray cr3(const QByteArray& tiff) {
-    auto box = [](const QByteArray& type, const QByteArray& body) {
-        QByteArray out(4, '\0');
-        qToBigEndian(quint32(8 + body.size()), out.data());
-        return out + type + body;
-    };
-    const QByteArray canonUuid = QByteArray::fromHex("85c0b687820f11e08111f4ce462b6a48");
-    return box("ftyp", QByteArray("crx ") + QByteArray::fromHex("00000001") + "crx isom") +
-           box("moov", box("uuid", canonUuid + box("CMT1", tiff)));
-}
-
 TEST_F(LibraryFixture, CameraFilesOfEveryNameAndCaseAreTakenByTheirBytes) {
     const QString corpus = testsupport::corpusDir();
     auto write = [&](const QString& name, const QByteArray& bytes) {
@@ -158,7 +144,10 @@ TEST_F(LibraryFixture, CameraFilesOfEveryNameAndCaseAreTakenByTheirBytes) {
     for (const QString& name : {"tif", "TIF"}) cases << Case{"scan." + name, tiff, 'p', 174};
     for (const QString& name : {"dng", "DNG", "cr2", "CR2", "nef", "NEF", "arw", "ARW", "orf", "ORF", "rw2", "RW2"})
         cases << Case{"raw." + name, dng, 'r', 3024};
-    for (const QString& name : {"cr3", "CR3"}) cases << Case{"canon." + name, cr3(dng), 'r', 0};
+    for (const QString& name : {"cr3", "CR3"}) cases << Case{"canon." + name, testsupport::canonCr3(dng), 'r', 0};
+    // 2048 x 1536 turned a quarter, as exiftool reads it.
+    const QByteArray raf = testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg"));
+    for (const QString& name : {"raf", "RAF"}) cases << Case{"fuji." + name, raf, 'r', 1536};
     for (const QString& name : {"mov", "MOV"}) cases << Case{"clip." + name, mov, 'v', 0};
     for (const QString& name : {"mp4", "MP4", "m4v", "M4V", "3gp", "3GP"}) cases << Case{"clip." + name, mp4, 'v', 0};
     // The bytes, not the name, say what a file is: a HEIC named as a JPEG is read as one.
@@ -203,9 +192,9 @@ TEST_F(LibraryFixture, ARawAndItsPictureOfOneNameInAnyCaseAreOneAsset) {
     add("jpeg/Canon_40D.jpg", "IMG_0001.JPG");
     write("dsc_0002.nef", dng);
     add("jpeg/Nikon_D70.jpg", "DSC_0002.jpg");
-    write("IMG_0003.CR3", cr3(dng));
+    write("IMG_0003.CR3", testsupport::canonCr3(dng));
     add("heif/Stonehenge.heic", "IMG_0003.HIF");
-    write("P0004.RAF", dng);
+    write("P0004.RAF", testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg")));
     add("jpeg/jolla.jpg", "p0004.JPEG");
     lib->scan();
     ASSERT_EQ(lib->fetchAssets().count(), 4);
@@ -230,7 +219,7 @@ TEST_F(LibraryFixture, ThumbnailsOfTurnedPhotosAreUprightAtEverySizeAndInTheCach
     for (int o = 1; o <= 8; ++o) landscape << add(QStringLiteral("jpeg/orientation/landscape_%1.jpg").arg(o), QStringLiteral("l%1.jpg").arg(o));
     const QString heic = add("heif/iphone_13_pro_max.HEIC", "IMG_0001.HEIC");
     // The group list's and grid's 60 and 256, the strip's and the full-screen view's larger ones.
-    for (int side : {60, 128, 256, 600}) {
+    for (int side : {60, 128, 256, 600, 2048}) {
         SCOPED_TRACE(side);
         for (const QString& file : landscape) {
             const QImage image = thumbnails::forFile(file, side);
