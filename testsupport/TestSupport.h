@@ -47,11 +47,4 @@ QJsonObject ffprobe(const QString& path);
 // FFmpeg's hash of each stream's packets, copied, not decoded: equal when the media are.
 QByteArray streamHashes(const QString& path);
 
-// Camera raw files in containers of their own, made from corpus bytes as far as readers look
-// into them. A Canon CR3: an ISO-BMFF file of brand "crx " whose Canon box holds `tiff` (a
-// TIFF directory, such as a DNG's) as its CMT1. A Fujifilm RAF: its header, then `jpeg` (which
-// must begin with its Exif segment, as a camera's does) and an empty TIFF of raw data.
-QByteArray canonCr3(const QByteArray& tiff);
-QByteArray fujifilmRaf(const QByteArray& jpeg);
-
 }  // namespace testsupport

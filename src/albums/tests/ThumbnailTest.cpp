@@ -1,5 +1,6 @@
 #include "ImageDecoder.h"
 #include "ThumbnailCache.h"
+#include "CameraFiles.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>

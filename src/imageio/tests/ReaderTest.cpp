@@ -1,5 +1,6 @@
 #include "ImageProperties.h"
 #include "PropertyKeys.h"
+#include "CameraFiles.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
