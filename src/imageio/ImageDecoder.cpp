@@ -100,7 +100,7 @@ QImage heifThumbnail(const QByteArray& bytes, int maxSide) {
         ids.clear();  // boxes libheif took and we don't: no thumbnail we can trust
     }
     const int width = heif_image_handle_get_width(primary.get()), height = heif_image_handle_get_height(primary.get());
-    const QList<int> primaryTurns = container ? turnsOf(*container, heif_image_handle_get_item_id(primary.get())) : QList<int>();
+    const QList<int> primaryTurns = container ? turnsOf(*container, container->primary) : QList<int>();
     HeifHandle best(nullptr, heif_image_handle_release);
     int bestSide = 0;
     for (heif_item_id id : ids) {

@@ -145,7 +145,7 @@ TEST_F(LibraryFixture, CameraFilesOfEveryNameAndCaseAreTakenByTheirBytes) {
     for (const QString& name : {"tif", "TIF"}) cases << Case{"scan." + name, tiff, 'p', 174};
     for (const QString& name : {"dng", "DNG", "cr2", "CR2", "nef", "NEF", "arw", "ARW", "orf", "ORF", "rw2", "RW2"})
         cases << Case{"raw." + name, dng, 'r', 3024};
-    for (const QString& name : {"cr3", "CR3"}) cases << Case{"canon." + name, testsupport::canonCr3(dng), 'r', 3024};
+    for (const QString& name : {"cr3", "CR3"}) cases << Case{"eos." + name, testsupport::canonCr3(dng), 'r', 3024};
     // 2048 x 1536 turned a quarter, as exiftool reads it.
     const QByteArray raf = testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg"));
     for (const QString& name : {"raf", "RAF"}) cases << Case{"fuji." + name, raf, 'r', 1536};
