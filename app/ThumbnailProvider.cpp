@@ -1,7 +1,6 @@
 #include "ThumbnailProvider.h"
 
 #include "ThumbnailCache.h"
-#include "TSFilesAlbum.h"
 
 #include <QRunnable>
 #include <QThreadPool>
@@ -17,7 +16,7 @@ public:
     }
 
     void run() override {
-        image_ = library_ ? library::thumbnails::forFile(path_, side_) : TSFilesAlbum::thumbnail(path_, side_);
+        image_ = library_ ? library::thumbnails::forFile(path_, side_) : library::thumbnails::picture(path_, side_);
         emit finished();
     }
     QQuickTextureFactory* textureFactory() const override {

@@ -4,6 +4,7 @@
 // usage: albums_bench CORPUS_DIR [ROUNDS]
 #include "DetailTableModel.h"
 #include "TSFilesAlbum.h"
+#include "ThumbnailCache.h"
 #include "TSMetaDataObservable.h"
 
 #include <QGuiApplication>
@@ -121,7 +122,7 @@ int main(int argc, char** argv) {
         const double cpuStart = cpuMs();
         for (const QString& file : grid) {
             const double start = cpuMs();
-            TSFilesAlbum::thumbnail(file, cell);
+            library::thumbnails::picture(file, cell);
             each.push_back(cpuMs() - start);
             if (qEnvironmentVariableIsSet("BENCH_VERBOSE")) std::printf("  %7.2f ms CPU %s\n", each.back(), qPrintable(file));
         }
@@ -148,7 +149,7 @@ int main(int argc, char** argv) {
         std::vector<double> t;
         for (int round = 0; round < 5; ++round) {
             const double start = cpuMs();
-            TSFilesAlbum::thumbnail(file, side);
+            library::thumbnails::picture(file, side);
             t.push_back(cpuMs() - start);
         }
         std::printf("thumbnail of a 12 MP %s: %6.2f ms CPU median\n", file == heic ? "HEIC" : "JPEG", median(t));

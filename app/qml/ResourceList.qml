@@ -169,7 +169,8 @@ Popup {
                     height: flick.height
                     transformOrigin: Item.TopLeft
                     fillMode: Image.PreserveAspectFit
-                    source: Resources.mediaKind === "image" ? Resources.mediaUrl : ""
+                    source: Resources.mediaImage
+                    sourceSize: Qt.size(2048, 2048)
                     asynchronous: true
                     scale: 1
                 }

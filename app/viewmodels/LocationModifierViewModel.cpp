@@ -8,9 +8,9 @@
 #include "TSFilesAlbum.h"
 #include "TSGeocoder.h"
 #include "TSPhotoAlbum.h"
+#include "ThumbnailCache.h"
 
 #include <QFileInfo>
-#include <QImageReader>
 #include <QPointer>
 
 LocationModifierViewModel::LocationModifierViewModel(TSLocationManager::SourceFactory positionSource, QObject* parent)
@@ -123,11 +123,7 @@ void LocationModifierViewModel::choosePhoto(const QString& path) {
     }
     hr.title = QFileInfo(file).fileName();
     hr.subtitle = hr.location ? hrl::coordinatesText(*hr.location, true) : QStringLiteral("No location data in image");
-    QImageReader reader(file);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid()) reader.setScaledSize(size.scaled(88, 88, Qt::KeepAspectRatio));
-    hr.thumbnail = reader.read();
+    hr.thumbnail = library::thumbnails::picture(file, 88);
     imgHRLocation_ = hr;
     setChecked(hr.location ? IndexPath{fromPhoto, 1} : defaultIndexPath);
 }

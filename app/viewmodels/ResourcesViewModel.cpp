@@ -2,6 +2,8 @@
 
 #include "DurableFile.h"
 #include "FileTypes.h"
+#include "GroupViewModel.h"
+#include "ImageProperties.h"
 #include "ResourceActor.h"
 #include "TSAlbum.h"
 #include "TSResourceAuxiliary.h"
@@ -110,6 +112,9 @@ QString ResourcesViewModel::mediaKind() const {
     const QString path = mediaUrl_.toLocalFile();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return QStringLiteral("text");
+    const imageio::Format format = imageio::detectFormat(file.read(4096));
+    if (format != imageio::Format::Unknown && format != imageio::Format::Movie) return QStringLiteral("image");
+    file.seek(0);
     const QImage probe = QImage::fromData(file.read(64 << 20));
     if (!probe.isNull()) return QStringLiteral("image");
     if (filetypes::isVideo(filetypes::mimeType(path))) return QStringLiteral("video");
@@ -118,6 +123,10 @@ QString ResourcesViewModel::mediaKind() const {
 
 QString ResourcesViewModel::mediaText() const {
     return mediaUrl_.isEmpty() ? QString() : QFileInfo(mediaUrl_.toLocalFile()).fileName() + " can't be shown here.";
+}
+
+QString ResourcesViewModel::mediaImage() const {
+    return mediaKind() == QLatin1String("image") ? GroupViewModel::thumbnailSource(mediaUrl_.toLocalFile()) : QString();
 }
 
 QString ResourcesViewModel::suggestedName() const { return QFileInfo(mediaUrl_.toLocalFile()).fileName(); }

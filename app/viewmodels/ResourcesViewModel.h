@@ -27,6 +27,8 @@ class ResourcesViewModel : public QObject, public TSMetaDataObserver {
     // The file shown full screen, and how: "image", "video" or "text", with the text's line.
     Q_PROPERTY(QUrl mediaUrl READ mediaUrl NOTIFY mediaChanged)
     Q_PROPERTY(QString mediaKind READ mediaKind NOTIFY mediaChanged)
+    // The image on view as the thumbnail provider draws it: upright, and HEIF too.
+    Q_PROPERTY(QString mediaImage READ mediaImage NOTIFY mediaChanged)
     Q_PROPERTY(QString mediaText READ mediaText NOTIFY mediaChanged)
     Q_PROPERTY(QString shareSymbol READ shareSymbol CONSTANT)
 
@@ -45,6 +47,7 @@ public:
     QVariantList sections() const;
     QUrl mediaUrl() const { return mediaUrl_; }
     QString mediaKind() const;
+    QString mediaImage() const;
     QString mediaText() const;
     QString shareSymbol() const { return QStringLiteral("square.and.arrow.up"); }
     ResourcesModel* model() const { return model_; }

@@ -1,11 +1,9 @@
 #include "TSFilesAlbum.h"
 
-#include "FileBytes.h"
 #include "FileTypes.h"
-#include "ImageDecoder.h"
-#include "ImageProperties.h"
 #include "Log.h"
 #include "TSMetaDataObservable.h"
+#include "ThumbnailCache.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -82,7 +80,7 @@ qint32 TSFilesAlbum::requestImage(int index, QSize targetSize, ImageClosure clos
     QPointer<QCoreApplication> app = QCoreApplication::instance();
     // Decoding takes milliseconds to seconds: never on the GUI thread.
     QThreadPool::globalInstance()->start([url, maxSide, index, app, closure = std::move(closure)] {
-        QImage image = url ? thumbnail(*url, maxSide) : QImage();
+        QImage image = url ? library::thumbnails::picture(*url, maxSide) : QImage();
         if (image.isNull()) Log::warning(QStringLiteral("%1. document loading error").arg(index));
         if (!app || !closure) return;
         QMetaObject::invokeMethod(
@@ -107,11 +105,3 @@ std::optional<QDateTime> TSFilesAlbum::date(int index) const {
     return info.lastModified();
 }
 
-QImage TSFilesAlbum::thumbnail(const QString& path, int maxSide) {
-    if (maxSide < 1) return {};
-    imageio::FileBytes file;
-    if (!file.open(path)) return {};
-    if (filetypes::isVideo(filetypes::mimeType(path)) || imageio::detectFormat(file.bytes()) == imageio::Format::Movie)
-        return imageio::scaledToFit(TSAsset::firstFrame(path), maxSide);
-    return imageio::thumbnail(file.bytes(), maxSide);
-}

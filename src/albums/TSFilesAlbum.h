@@ -30,10 +30,6 @@ public:
     bool needDownload() const override { return false; }
     std::optional<QDateTime> date(int index) const override;
 
-    // A thumbnail of a file, upright, its larger side at most maxSide: a movie's first frame, an
-    // image's embedded thumbnail when big enough, otherwise a scaled decode. Safe on any thread.
-    static QImage thumbnail(const QString& path, int maxSide);
-
 private:
     // This album as its notifications carry it.
     std::shared_ptr<TSAlbum> self();

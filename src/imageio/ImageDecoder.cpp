@@ -1,14 +1,17 @@
 #include "ImageDecoder.h"
 
 #include "Exiv2Convert.h"
+#include "HeifContainer.h"
 #include "ImageProperties.h"
 
 #include <QBuffer>
 #include <QImageReader>
+#include <QtEndian>
 #include <exiv2/exiv2.hpp>
 #include <libheif/heif.h>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <vector>
 
 // exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
@@ -58,7 +61,31 @@ QImage decodeHeif(const QByteArray& bytes) {
     return handle ? decodeHeifHandle(handle.get()) : QImage();
 }
 
-// The smallest stored thumbnail that is still big enough, or the primary image.
+// Whether a smaller picture has the image's shape, within what rounding its sides allows: a
+// letterboxed camera thumbnail would show black bars in the grid, a turned one lie sideways.
+bool sameShape(qint64 w, qint64 h, qint64 imageWidth, qint64 imageHeight) {
+    if (w <= 0 || h <= 0 || imageWidth <= 0 || imageHeight <= 0) return imageWidth <= 0 || imageHeight <= 0;
+    const double aspect = double(imageWidth) / double(imageHeight);
+    return std::abs(double(w) / double(h) - aspect) <= 0.03 * aspect;
+}
+
+// How an item is turned and mirrored when shown: its 'irot' and 'imir' values, in their order.
+QList<int> turnsOf(const heif::Container& c, uint32_t item) {
+    QList<int> out;
+    const auto a = c.associations.find(item);
+    if (a == c.associations.end()) return out;
+    for (uint32_t n : a->second) {
+        if (n < 1 || n > c.properties.size()) continue;
+        const heif::Box& p = c.properties[n - 1];
+        if ((p.type == "irot" || p.type == "imir") && p.size > p.header)
+            out << (p.type == "irot" ? 4 : 8) + (uint8_t(c.bytes[p.body()]) & (p.type == "irot" ? 3 : 1));
+    }
+    return out;
+}
+
+// The smallest stored thumbnail that is still big enough, or the primary image. A thumbnail
+// serves only when it is turned as the primary image is and has its shape: a writer that turned
+// the photo and not its thumbnail would otherwise show it sideways.
 QImage heifThumbnail(const QByteArray& bytes, int maxSide) {
     HeifContext ctx = readHeif(bytes);
     HeifHandle primary = primaryHandle(ctx.get());
@@ -66,13 +93,23 @@ QImage heifThumbnail(const QByteArray& bytes, int maxSide) {
     const int count = heif_image_handle_get_number_of_thumbnails(primary.get());
     std::vector<heif_item_id> ids(size_t(qMax(count, 0)));
     if (count > 0) heif_image_handle_get_list_of_thumbnail_IDs(primary.get(), ids.data(), count);
+    std::optional<heif::Container> container;
+    try {
+        if (!ids.empty()) container.emplace(bytes);
+    } catch (const std::exception&) {
+        ids.clear();  // boxes libheif took and we don't: no thumbnail we can trust
+    }
+    const int width = heif_image_handle_get_width(primary.get()), height = heif_image_handle_get_height(primary.get());
+    const QList<int> primaryTurns = container ? turnsOf(*container, container->primary) : QList<int>();
     HeifHandle best(nullptr, heif_image_handle_release);
     int bestSide = 0;
     for (heif_item_id id : ids) {
         heif_image_handle* raw = nullptr;
         if (heif_image_handle_get_thumbnail(primary.get(), id, &raw).code != heif_error_Ok || !raw) continue;
         HeifHandle thumb(raw, heif_image_handle_release);
-        const int side = qMax(heif_image_handle_get_width(raw), heif_image_handle_get_height(raw));
+        const int w = heif_image_handle_get_width(raw), h = heif_image_handle_get_height(raw);
+        if (turnsOf(*container, id) != primaryTurns || !sameShape(w, h, width, height)) continue;
+        const int side = qMax(w, h);
         if (side >= maxSide && (!best || side < bestSide)) {
             best = std::move(thumb);
             bestSide = side;
@@ -97,6 +134,15 @@ QImage scaledDecode(const QByteArray& bytes, int maxSide) {
     return reader.read();
 }
 
+// A Fujifilm raw file carries a full-size JPEG of the picture where its header says.
+QByteArray rafJpeg(const QByteArray& bytes) {
+    if (bytes.size() < 92) return {};
+    const quint32 at = qFromBigEndian<quint32>(bytes.constData() + 84);
+    const quint32 length = qFromBigEndian<quint32>(bytes.constData() + 88);
+    if (at > quint64(bytes.size()) || length > quint64(bytes.size()) - at) return {};
+    return QByteArray::fromRawData(bytes.constData() + at, qsizetype(length));
+}
+
 int exifOrientation(const Exiv2::ExifData& exif) {
     auto it = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
     if (it == exif.end() || it->count() < 1) return 1;
@@ -104,15 +150,13 @@ int exifOrientation(const Exiv2::ExifData& exif) {
 }
 
 // An embedded preview (EXIF thumbnail, a raw file's JPEG previews) that is big enough and has
-// the image's shape: a letterboxed camera thumbnail would show black bars in the grid.
+// the stored image's shape; like the stored pixels, it is still to be turned by the orientation.
 QImage embeddedPreview(Exiv2::Image& image, int maxSide) {
     Exiv2::PreviewManager previews(image);
-    const double imageAspect =
-        image.pixelWidth() > 0 && image.pixelHeight() > 0 ? double(image.pixelWidth()) / image.pixelHeight() : 0.0;
     // Listed from the smallest up.
     for (const Exiv2::PreviewProperties& p : previews.getPreviewProperties()) {
         if (int(qMax(p.width_, p.height_)) < maxSide || p.width_ == 0 || p.height_ == 0) continue;
-        if (imageAspect > 0 && std::abs(double(p.width_) / p.height_ - imageAspect) > 0.03 * imageAspect) continue;
+        if (!sameShape(p.width_, p.height_, image.pixelWidth(), image.pixelHeight())) continue;
         const Exiv2::PreviewImage preview = previews.getPreviewImage(p);
         // A raw file's preview may be full-sized: it too is decoded at the reduced size.
         QImage decoded = scaledDecode(
@@ -157,7 +201,7 @@ QImage thumbnail(const QByteArray& bytes, int maxSide) {
             // Broken metadata: the pixels may still decode, upright as stored.
         }
     }
-    if (image.isNull()) image = scaledDecode(bytes, maxSide);
+    if (image.isNull()) image = scaledDecode(format == Format::Raf ? rafJpeg(bytes) : bytes, maxSide);
     if (image.isNull()) return {};
     return applyOrientation(scaledToFit(image, maxSide), orientation);
 }

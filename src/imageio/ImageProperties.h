@@ -12,7 +12,7 @@ namespace imageio {
 using PropertyDict = QVariantMap;
 
 // The container that a file's bytes show, whatever its name says.
-enum class Format { Unknown, Jpeg, Tiff, Png, WebP, Heif, Avif, Cr3, Movie };
+enum class Format { Unknown, Jpeg, Tiff, Png, WebP, Heif, Avif, Cr3, Raf, Movie };
 
 Format detectFormat(const QByteArray& bytes);
 QString formatName(Format format);

@@ -171,6 +171,7 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
     case Format::Png: image = Exiv2::newPngInstance(io, false); facts = probePng(bytes); break;
     case Format::WebP: image = Exiv2::newWebPInstance(io, false); facts = probeWebP(bytes); break;
     case Format::Cr3: image = Exiv2::newBmffInstance(io, false); break;
+    case Format::Raf: image = Exiv2::newRafInstance(io, false); break;
     case Format::Tiff:
         switch (tiffKind(bytes)) {
         case TiffKind::Cr2: image = Exiv2::newCr2Instance(io, false); break;
@@ -202,6 +203,11 @@ std::optional<PropertyDict> readWithExiv2(const QByteArray& whole, Format format
     PropertyDict top;
     try {
         if (format == Format::Tiff || format == Format::Cr3) addTiffFacts(image->exifData(), facts);
+        // A Fujifilm raw file's size is in its own header, which exiv2 reads.
+        if (format == Format::Raf && image->pixelWidth() > 0 && image->pixelHeight() > 0) {
+            facts.width = int(image->pixelWidth());
+            facts.height = int(image->pixelHeight());
+        }
         setFacts(facts, top);
         addExif(image->exifData(), top);
         addIptc(image->iptcData(), top);
@@ -446,6 +452,7 @@ Format detectFormat(const QByteArray& b) {
         startsWith(b, 0, "IIRS", 4) || startsWith(b, 0, "MMOR", 4) || startsWith(b, 0, "IIU\0", 4))
         return Format::Tiff;
     if (startsWith(b, 0, "\x89PNG\r\n\x1a\n", 8)) return Format::Png;
+    if (startsWith(b, 0, "FUJIFILMCCD-RAW ", 16)) return Format::Raf;
     if (startsWith(b, 0, "RIFF", 4) && startsWith(b, 8, "WEBP", 4)) return Format::WebP;
     if (startsWith(b, 4, "ftyp", 4)) {
         const QList<QByteArray> all = brands(b);
@@ -470,6 +477,7 @@ QString formatName(Format format) {
     case Format::Heif: return QStringLiteral("HEIF");
     case Format::Avif: return QStringLiteral("AVIF");
     case Format::Cr3: return QStringLiteral("CR3");
+    case Format::Raf: return QStringLiteral("RAF");
     case Format::Movie: return QStringLiteral("movie");
     case Format::Unknown: break;
     }

@@ -24,9 +24,37 @@ constexpr char appleContentIdentifier[] = "17";
 constexpr int renderedHDR = 3, renderedHDRNoOriginal = 2, renderedPanorama = 6, renderedPortraitHDR = 7,
               renderedPortrait = 8;
 
-const QStringList rawExtensions{"dng", "cr2", "cr3", "nef", "arw", "orf", "rw2", "raf", "pef", "srw"};
-const QStringList imageExtensions{"jpg", "jpeg", "heic", "heif", "avif", "png", "tif", "tiff", "webp"};
-const QStringList movieExtensions{"mov", "mp4", "m4v"};
+// The names of photos and movies. Other files are left alone even when they hold a picture: a
+// camera's .THM beside its movie, an editor's "jpg_original" backup, a GoPro's .LRV proxy.
+const QStringList rawExtensions{"dng", "cr2", "cr3", "crw", "nef", "nrw", "arw", "srf", "sr2", "orf",
+                                "rw2", "rwl", "raf", "pef", "srw", "3fr", "iiq", "erf", "kdc", "mos"};
+const QStringList imageExtensions{"jpg", "jpeg", "jpe", "heic", "heif", "hif", "avif", "png", "tif", "tiff", "webp"};
+const QStringList movieExtensions{"mov", "qt", "mp4", "m4v", "3gp", "3g2"};
+
+// What a file is, by its name, for a file whose bytes don't say.
+FileKind kindByName(const QString& path) {
+    const QString ext = QFileInfo(path).suffix().toLower();
+    return rawExtensions.contains(ext) ? FileKind::raw : movieExtensions.contains(ext) ? FileKind::video : FileKind::image;
+}
+
+// What a file is, by its first bytes. Canon CR3 and Fujifilm RAF have containers of their own;
+// the TIFF family holds raw files that say so in their header (Canon CR2, Olympus ORF, Panasonic
+// RW2) and DNG, NEF, ARW and the like with a plain TIFF header, which only a plain TIFF name
+// tells from a picture.
+std::optional<FileKind> kindByBytes(const QByteArray& head, const QString& path) {
+    switch (imageio::detectFormat(head)) {
+    case imageio::Format::Unknown: return std::nullopt;
+    case imageio::Format::Movie: return FileKind::video;
+    case imageio::Format::Cr3: case imageio::Format::Raf: return FileKind::raw;
+    case imageio::Format::Tiff: {
+        const bool plainHeader = head.startsWith("II*") || head.startsWith(QByteArray("MM\0*", 4));
+        const bool rawHeader = !plainHeader || head.mid(8, 2) == "CR";
+        const QString ext = QFileInfo(path).suffix().toLower();
+        return rawHeader || (ext != QLatin1String("tif") && ext != QLatin1String("tiff")) ? FileKind::raw : FileKind::image;
+    }
+    default: return FileKind::image;
+    }
+}
 
 // "yyyy:MM:dd HH:mm:ss" with an optional "+hh:mm" offset; without one it is local time.
 void setDate(FileFacts& facts, const QString& text, const QString& offsetText) {
@@ -131,20 +159,21 @@ void readMovie(const media::MovieInfo& movie, FileFacts& facts) {
 
 }  // namespace
 
-std::optional<FileKind> kindForPath(const QString& path) {
+bool hasMediaName(const QString& path) {
     const QString ext = QFileInfo(path).suffix().toLower();
-    if (rawExtensions.contains(ext)) return FileKind::raw;
-    if (imageExtensions.contains(ext)) return FileKind::image;
-    if (movieExtensions.contains(ext)) return FileKind::video;
-    return std::nullopt;
+    return imageExtensions.contains(ext) || rawExtensions.contains(ext) || movieExtensions.contains(ext);
 }
 
-FileFacts readFileFacts(const QString& path, FileKind kind) {
+FileFacts readFileFacts(const QString& path) {
     FileFacts facts;
-    facts.kind = kind;
+    facts.kind = kindByName(path);
     imageio::FilePieces head;
     if (!head.open(path)) return facts;
-    if (imageio::detectFormat(head.head(4096)) == imageio::Format::Movie || kind == FileKind::video) {
+    // The box of brands that tells a HEIF from a movie ends well within these bytes.
+    if (const std::optional<FileKind> kind = kindByBytes(head.head(4096), path)) facts.kind = *kind;
+    // The image reader knows no more formats than the probe; the movie reader may.
+    else if (facts.kind != FileKind::video) return facts;
+    if (facts.kind == FileKind::video) {
         imageio::FileBytes file;
         if (!file.open(path)) return facts;
         if (auto movie = media::readMovie(file.bytes())) {

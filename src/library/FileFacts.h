@@ -22,10 +22,13 @@ struct FileFacts {
     QString contentIdentifier;  // ties a live photo's picture to its movie
 };
 
-// The kind by the file's extension; nothing for a file the library doesn't hold.
-std::optional<FileKind> kindForPath(const QString& path);
-// Reads the file; an unreadable one gives `readable` false with its kind.
-FileFacts readFileFacts(const QString& path, FileKind kind);
+// Whether the library holds a file of this name: one of the names cameras, phones and other
+// programs give photos and movies, in any case (".HIF", ".cr3", ".3GP"). Only the name is looked
+// at, so that a scan reads no file it won't keep; what the file is comes from its bytes.
+bool hasMediaName(const QString& path);
+// Reads the file; its first bytes say whether it is a picture, a raw file or a movie. One they
+// don't tell (damaged, or a format the reader lacks) gives `readable` false and a kind by its name.
+FileFacts readFileFacts(const QString& path);
 // A hash of the file's first bytes, to know a moved file again.
 QString headHash(const QString& path);
 

@@ -138,6 +138,7 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
     Asset asset;
     asset.localIdentifier = id;
     asset.mediaType = main.kind == FileKind::video ? MediaType::video : MediaType::image;
+    asset.holdsRaw = std::any_of(files.begin(), files.end(), [](const FileRow* f) { return f->kind == FileKind::raw; });
     asset.mediaSubtypes = main.subtypes;
     asset.folder = folderOf(main.path);
     asset.modificationDate = QDateTime::fromMSecsSinceEpoch(main.mtime, Qt::UTC);
@@ -307,7 +308,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         const auto filter = (into ? QDir::Dirs : QDir::Filter(0)) | QDir::Files | QDir::NoDotAndDotDot;
         for (const QFileInfo& e : d.entryInfoList(filter, QDir::Name)) {
             if (e.isDir()) walk(e.absoluteFilePath(), true);
-            else if (kindForPath(e.fileName())) disk.insert(e.absoluteFilePath(), {e.size(), e.lastModified().toMSecsSinceEpoch()});
+            else if (hasMediaName(e.fileName())) disk.insert(e.absoluteFilePath(), {e.size(), e.lastModified().toMSecsSinceEpoch()});
         }
     };
     auto inLibrary = [&](const QString& path) {
@@ -381,7 +382,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     for (const QString& path : changed) reads << Read{path, {}, {}};
     QtConcurrent::blockingMap(reads, [](Read& r) {
         if (r.head.isNull()) r.head = headHash(r.path);
-        r.facts = readFileFacts(r.path, *kindForPath(r.path));
+        r.facts = readFileFacts(r.path);
     });
     for (qsizetype i = 0; i < freshReads; ++i)
         if (!reads[i].facts.readable)
@@ -533,11 +534,6 @@ QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& date
     return assets;
 }
 
-bool isRawAsset(const Asset& a) {
-    return std::any_of(a.resources.begin(), a.resources.end(),
-                       [](const Resource& r) { return kindForPath(r.path) == FileKind::raw; });
-}
-
 // Which assets a smart album holds.
 bool inSmartAlbum(int subtype, const Asset& a, qint64 recentSince) {
     switch (subtype) {
@@ -554,7 +550,7 @@ bool inSmartAlbum(int subtype, const Asset& a, qint64 recentSince) {
     case SmartAlbum::screenshots: return a.mediaSubtypes & Subtype::photoScreenshot;
     case SmartAlbum::depthEffect: return a.mediaSubtypes & Subtype::photoDepthEffect;
     case SmartAlbum::livePhotos: return a.mediaSubtypes & Subtype::photoLive;
-    case SmartAlbum::raw: return isRawAsset(a);
+    case SmartAlbum::raw: return a.holdsRaw;
     default: return false;
     }
 }

@@ -67,6 +67,7 @@ struct Asset {
     QDateTime addedDate;
     QString folder;  // absolute path of the folder that holds the main file
     QList<Resource> resources;  // the main resource first
+    bool holdsRaw = false;  // one of its files is a camera raw file
     // Grows with every change of the asset, so change details can tell a changed one.
     qint64 version = 0;
 

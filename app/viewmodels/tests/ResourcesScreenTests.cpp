@@ -110,4 +110,10 @@ TEST_F(ResourcesScreenTest, PlainPhotoIsNotOfferedButItsListStillFills) {
     EXPECT_EQ(vm.mediaText(), "notes.txt can't be shown here.");
     vm.showMedia(QUrl::fromLocalFile(corpusDir() + "/video/small_video.mp4"));
     EXPECT_EQ(vm.mediaKind(), "video");
+    EXPECT_EQ(vm.mediaImage(), "");
+    // A HEIC, which Qt can't decode, opens as an image drawn upright by the thumbnail provider.
+    const QString heic = corpusDir() + "/heif/iphone_13_pro_max.HEIC";
+    vm.showMedia(QUrl::fromLocalFile(heic));
+    EXPECT_EQ(vm.mediaKind(), "image");
+    EXPECT_EQ(QUrl::fromPercentEncoding(vm.mediaImage().toUtf8()), "image://thumb/" + heic);
 }

@@ -1,9 +1,14 @@
 #include "ImageProperties.h"
+#include "PropertyKeys.h"
+#include "CameraFiles.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
+#include <QJsonObject>
+#include <QTemporaryDir>
 #include <QtEndian>
 
 #include <vector>
@@ -83,6 +88,27 @@ TEST(Reader, DetectsTheFormatFromTheBytes) {
                                                                      : Format::Tiff;
         EXPECT_EQ(f, expected) << file.toStdString() << " read as " << formatName(f).toStdString();
     }
+}
+
+TEST(Reader, ReadsAFujifilmRawFileAsExiftoolDoes) {
+    const QByteArray raf = fujifilmRaf(readFile(corpusDir() + "/jpeg/canon_hdr_YES.jpg"));
+    ASSERT_EQ(detectFormat(raf), Format::Raf);
+    QTemporaryDir dir;
+    const QString path = dir.filePath("DSCF0001.RAF");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(raf);
+    file.close();
+    const QJsonObject oracle = exiftoolJson(path).toObject();
+    ASSERT_EQ(oracle.value("FileType").toString(), "RAF");
+    QString error;
+    const auto props = readFileProperties(path, &error);
+    ASSERT_TRUE(props) << error.toStdString();
+    EXPECT_EQ(props->value(kCGImagePropertyPixelWidth).toInt(), oracle.value("ImageWidth").toInt());
+    EXPECT_EQ(props->value(kCGImagePropertyPixelHeight).toInt(), oracle.value("ImageHeight").toInt());
+    EXPECT_EQ(props->value(kCGImagePropertyOrientation).toInt(), oracle.value("Orientation").toInt());
+    EXPECT_EQ(props->value(kCGImagePropertyExifDictionary).toMap().value(kCGImagePropertyExifDateTimeOriginal).toString(),
+              oracle.value("DateTimeOriginal").toString());
 }
 
 TEST(Reader, RefusesMoviesAndEmptyBytesWithAReason) {

@@ -1,7 +1,9 @@
 // The index over real files: what a scan finds, grouping, identifiers that last, fetches,
 // collections, change details and the faults a library folder meets.
 #include "FileFacts.h"
+#include "CameraFiles.h"
 #include "LibraryFixture.h"
+#include "ThumbnailCache.h"
 
 #include <QSignalSpy>
 #include <QTimeZone>
@@ -31,7 +33,7 @@ TEST_F(LibraryFixture, ScanOfTheCorpusReadsEveryFileOnceAndSurvivesBrokenOnes) {
     QStringList files = testsupport::corpusFiles() + testsupport::malformedFiles();
     int held = 0;
     for (const QString& f : files) {
-        if (!kindForPath(f)) continue;
+        if (!hasMediaName(f)) continue;
         add(QDir(corpus).relativeFilePath(f), QDir(corpus).relativeFilePath(f));
         ++held;
     }
@@ -119,6 +121,122 @@ TEST_F(LibraryFixture, GroupsLivePhotosRawWithJpegAndKeepsOthersApart) {
     EXPECT_FALSE(smart.contains("Favorites"));
     EXPECT_EQ(lib->fetchAssets(QStringLiteral("smart:213")).count(), 1);
     EXPECT_EQ(lib->fetchAssets(QStringLiteral("smart:217")).objectAt(0).localIdentifier, raw.localIdentifier);
+}
+
+TEST_F(LibraryFixture, CameraFilesOfEveryNameAndCaseAreTakenByTheirBytes) {
+    const QString corpus = testsupport::corpusDir();
+    auto write = [&](const QString& name, const QByteArray& bytes) {
+        QFile f(root() + '/' + name);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    };
+    const QByteArray heic = testsupport::readFile(corpus + "/heif/Stonehenge.heic");  // 300 x 200
+    const QByteArray jpeg = testsupport::readFile(corpus + "/jpeg/Canon_40D.jpg");    // 100 x 68
+    const QByteArray tiff = testsupport::readFile(corpus + "/tiff/Arbitro.tiff");     // 174 x 38
+    const QByteArray dng = testsupport::readFile(corpus + "/tiff/IMG_1361.dng");      // 4032 x 3024, turned
+    const QByteArray mov = testsupport::readFile(corpus + "/video/apple_meta.mov");
+    const QByteArray mp4 = testsupport::readFile(corpus + "/video/small_video.mp4");
+    // Name, bytes, and what the library must make of them: 'p' photo, 'r' raw photo, 'v' movie.
+    struct Case { QString name; QByteArray bytes; char kind; int width; };
+    QList<Case> cases;
+    for (const QString& name : {"hif", "heic"}) cases << Case{"canon." + name, heic, 'p', 300};
+    cases << Case{"sony.HIF", heic, 'p', 300} << Case{"phone.HEIC", heic, 'p', 300};
+    for (const QString& name : {"jpg", "JPG", "jpeg", "JPEG"}) cases << Case{"shot." + name, jpeg, 'p', 100};
+    for (const QString& name : {"tif", "TIF"}) cases << Case{"scan." + name, tiff, 'p', 174};
+    for (const QString& name : {"dng", "DNG", "cr2", "CR2", "nef", "NEF", "arw", "ARW", "orf", "ORF", "rw2", "RW2"})
+        cases << Case{"raw." + name, dng, 'r', 3024};
+    for (const QString& name : {"cr3", "CR3"}) cases << Case{"eos." + name, testsupport::canonCr3(dng), 'r', 3024};
+    // 2048 x 1536 turned a quarter, as exiftool reads it.
+    const QByteArray raf = testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg"));
+    for (const QString& name : {"raf", "RAF"}) cases << Case{"fuji." + name, raf, 'r', 1536};
+    for (const QString& name : {"mov", "MOV"}) cases << Case{"clip." + name, mov, 'v', 0};
+    for (const QString& name : {"mp4", "MP4", "m4v", "M4V", "3gp", "3GP"}) cases << Case{"clip." + name, mp4, 'v', 0};
+    // The bytes, not the name, say what a file is: a HEIC named as a JPEG is read as one.
+    cases << Case{"export.JPG", heic, 'p', 300};
+    for (const Case& c : cases) write(c.name, c.bytes);
+    // Files that hold a picture or a movie under a name that is not one: a camera's picture of its
+    // movie, an editor's backup, a sidecar.
+    write("clip.THM", jpeg);
+    write("shot.jpg_original", jpeg);
+    write("raw.xmp", "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>");
+
+    const ScanReport report = lib->scan();
+    EXPECT_EQ(report.filesRead, cases.size());
+    // Every file is its own asset here: none shares a base name with a file of another kind.
+    ASSERT_EQ(lib->fetchAssets().count(), cases.size());
+    const FetchResult raws = lib->fetchAssets(QStringLiteral("smart:217"));
+    const FetchResult videos = lib->fetchAssets(QStringLiteral("smart:202"));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name.toStdString());
+        const Asset a = assetOf(root() + '/' + c.name);
+        EXPECT_EQ(a.mediaType, c.kind == 'v' ? MediaType::video : MediaType::image);
+        EXPECT_EQ(raws.contains(a.localIdentifier), c.kind == 'r');
+        EXPECT_EQ(videos.contains(a.localIdentifier), c.kind == 'v');
+        if (c.width) EXPECT_EQ(a.pixelWidth, c.width);
+    }
+    EXPECT_TRUE(report.problems.isEmpty()) << report.problems.join('\n').toStdString();
+    EXPECT_EQ(assetOf(root() + "/clip.3GP").duration, assetOf(root() + "/clip.mp4").duration);
+    EXPECT_GT(assetOf(root() + "/clip.3GP").duration, 0);
+    EXPECT_FALSE(lib->assetForPath(root() + "/clip.THM").has_value());
+    EXPECT_FALSE(lib->assetForPath(root() + "/shot.jpg_original").has_value());
+}
+
+TEST_F(LibraryFixture, ARawAndItsPictureOfOneNameInAnyCaseAreOneAsset) {
+    const QString corpus = testsupport::corpusDir();
+    const QByteArray dng = testsupport::readFile(corpus + "/tiff/IMG_1361.dng");
+    auto write = [&](const QString& name, const QByteArray& bytes) {
+        QFile f(root() + '/' + name);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    };
+    write("IMG_0001.CR2", dng);
+    add("jpeg/Canon_40D.jpg", "IMG_0001.JPG");
+    write("dsc_0002.nef", dng);
+    add("jpeg/Nikon_D70.jpg", "DSC_0002.jpg");
+    write("IMG_0003.CR3", testsupport::canonCr3(dng));
+    add("heif/Stonehenge.heic", "IMG_0003.HIF");
+    write("P0004.RAF", testsupport::fujifilmRaf(testsupport::readFile(corpus + "/jpeg/canon_hdr_YES.jpg")));
+    add("jpeg/jolla.jpg", "p0004.JPEG");
+    lib->scan();
+    ASSERT_EQ(lib->fetchAssets().count(), 4);
+    const QList<std::pair<QString, QString>> pairs{{"IMG_0001.CR2", "IMG_0001.JPG"}, {"dsc_0002.nef", "DSC_0002.jpg"},
+                                                   {"IMG_0003.CR3", "IMG_0003.HIF"}, {"P0004.RAF", "p0004.JPEG"}};
+    for (const auto& [raw, picture] : pairs) {
+        SCOPED_TRACE(raw.toStdString());
+        const Asset a = assetOf(root() + '/' + raw);
+        EXPECT_EQ(a.localIdentifier, assetOf(root() + '/' + picture).localIdentifier);
+        // The picture shows the asset; the raw file is its alternate.
+        EXPECT_EQ(typesOf(a), (QStringList{"Original Photo", "Alternate Photo"}));
+        EXPECT_EQ(a.resources.value(0).originalFilename, picture);
+        EXPECT_EQ(a.resources.value(1).originalFilename, raw);
+    }
+    EXPECT_EQ(lib->fetchAssets(QStringLiteral("smart:217")).count(), 4);
+}
+
+TEST_F(LibraryFixture, ThumbnailsOfTurnedPhotosAreUprightAtEverySizeAndInTheCache) {
+    // Shown landscape whatever their orientation (stored turned where the tag turns them), and an
+    // iPhone HEIC stored landscape that 'irot' and its orientation turn to portrait.
+    QStringList landscape;
+    for (int o = 1; o <= 8; ++o) landscape << add(QStringLiteral("jpeg/orientation/landscape_%1.jpg").arg(o), QStringLiteral("l%1.jpg").arg(o));
+    const QString heic = add("heif/iphone_13_pro_max.HEIC", "IMG_0001.HEIC");
+    // The group list's and grid's 60 and 256, the strip's and the full-screen view's larger ones.
+    for (int side : {60, 128, 256, 600, 2048}) {
+        SCOPED_TRACE(side);
+        for (const QString& file : landscape) {
+            const QImage image = thumbnails::forFile(file, side);
+            EXPECT_GT(image.width(), image.height()) << file.toStdString();
+            EXPECT_LE(image.width(), side);
+        }
+        const QImage portrait = thumbnails::forFile(heic, side);
+        EXPECT_LT(portrait.width(), portrait.height());
+        EXPECT_EQ(portrait.height(), side);
+    }
+    // What file managers read from the shared cache is upright too.
+    for (int side : {128, 256}) {
+        EXPECT_GT(QImage(thumbnails::cachePath(landscape[5], side)).width(), QImage(thumbnails::cachePath(landscape[5], side)).height());
+        const QImage cached(thumbnails::cachePath(heic, side));
+        EXPECT_EQ(cached.size(), QSize(side * 3 / 4, side));
+    }
 }
 
 TEST_F(LibraryFixture, IdentifiersAndMarksLastThroughRenameMoveAndRescan) {
