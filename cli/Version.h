@@ -5,5 +5,7 @@ namespace cli {
 
 // The tool's version, then those of the libraries that read and write the files, as loaded.
 QString versionText();
+// The licence, every library with its version and licence, and the data with its attribution.
+QString creditsText();
 
 }  // namespace cli

@@ -39,6 +39,10 @@ int main(int argc, char** argv) {
         printOut(cli::versionText());
         return 0;
     }
+    if (args.first() == "--credits") {
+        printOut(cli::creditsText());
+        return 0;
+    }
     static const std::map<QString, std::function<int(const QStringList&)>> commands{
         {"props", propsCommand}, {"info", infoCommand},         {"summary", summaryCommand},
         {"tags", tagsCommand},   {"location", locationCommand}, {"place", placeCommand},

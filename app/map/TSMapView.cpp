@@ -105,7 +105,7 @@ QString TSMapView::tileTemplate() const {
     case MapStyle::satellite: return templateFor(satelliteTilesKey, {});
     case MapStyle::standard: break;
     }
-    return templateFor(standardTilesKey, TileSource::openStreetMapTemplate);
+    return TileSource::standardTemplate();
 }
 
 TileSource* TSMapView::tiles() {

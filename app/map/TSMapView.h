@@ -33,7 +33,7 @@ public:
     Q_ENUM(CameraType)
 
     // Where the tile servers' URL templates are kept; "none" turns a server off.
-    static constexpr char standardTilesKey[] = "mapTileURL";
+    static constexpr auto& standardTilesKey = TileSource::standardTilesKey;
     static constexpr char hybridTilesKey[] = "mapHybridTileURL";
     static constexpr char satelliteTilesKey[] = "mapSatelliteTileURL";
 

@@ -29,7 +29,7 @@ _tessorin_cli() {
     COMPREPLY=()
     if [[ -z $cmd ]]; then
         if [[ $cur == -* ]]; then
-            COMPREPLY=($(compgen -W "--no-human -h --help --version" -- "$cur"))
+            COMPREPLY=($(compgen -W "--no-human -h --help --version --credits" -- "$cur"))
         else
             COMPREPLY=($(compgen -W "props info summary tags location place edit resources" -- "$cur"))
         fi

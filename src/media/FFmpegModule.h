@@ -9,6 +9,7 @@ struct FFmpegModule {
     std::optional<MovieInfo> (*readMovie)(const QByteArray& bytes, QString* error);
     QImage (*firstFrame)(const QByteArray& bytes, QString* error);
     QString (*versions)();
+    QString (*licence)();
 };
 
 }  // namespace media

@@ -349,11 +349,15 @@ QString versions() {
         .arg(AV_VERSION_MICRO(avformat_version()));
 }
 
+// As FFmpeg was configured: Debian's build is under the GPL.
+QString licence() { return QString::fromLatin1(avformat_license()); }
+
 }  // namespace
 
 }  // namespace media
 
 extern "C" Q_DECL_EXPORT const media::FFmpegModule* tessorin_ffmpeg_module() {
-    static const media::FFmpegModule module{media::readMovieWithFFmpeg, media::firstFrameWithFFmpeg, media::versions};
+    static const media::FFmpegModule module{media::readMovieWithFFmpeg, media::firstFrameWithFFmpeg, media::versions,
+                                            media::licence};
     return &module;
 }

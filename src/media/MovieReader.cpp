@@ -61,4 +61,10 @@ QString ffmpegVersions() {
     return module ? module->versions() : error;
 }
 
+QString ffmpegLicence() {
+    QString error;
+    const FFmpegModule* module = ffmpeg(&error);
+    return module ? module->licence() : error;
+}
+
 }  // namespace media

@@ -57,5 +57,7 @@ QImage firstFrame(const QByteArray& bytes, QString* error = nullptr);
 
 // "FFmpeg VERSION (libavformat X.Y.Z)", or why FFmpeg can't be loaded.
 QString ffmpegVersions();
+// FFmpeg's licence as it was configured ("GPL version 2 or later"), or why it can't be loaded.
+QString ffmpegLicence();
 
 }  // namespace media
