@@ -43,6 +43,8 @@ packages=(
   desktop-file-utils appstream
   # heif-convert, to check the auxiliary images we take out of HEIF files
   libheif-examples
+  # the Debian package: the icon's PNG sizes drawn from its SVG, dpkg-shlibdeps, and lintian's check
+  librsvg2-bin dpkg-dev lintian
 )
 
 missing=()

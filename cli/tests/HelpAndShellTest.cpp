@@ -140,7 +140,7 @@ TEST(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
     EXPECT_EQ(r.out, "_tessorin-cli\nloaded\n");
 }
 
-// FFmpeg loads with the first movie, from lib/tessorin beside the tool's folder: photos never
+// FFmpeg loads with the first movie, from lib/tessorin/modules beside the tool's folder: photos never
 // load it, and a tool whose module is missing still reads photos and says why movies fail.
 TEST(MovieModule, LoadsWithTheFirstMovieOnly) {
     const ProcessResult needed = run("ldd", {QStringLiteral(TESSORIN_CLI)});
