@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Every source file names its licence in an SPDX line at its top, so that a file taken out of
 # the tree still says under which terms it may be used. Prints the files without one and fails
 # when there is any. New files count too, before they are committed.
@@ -16,7 +17,7 @@ while IFS= read -r f; do
     *) continue ;;
   esac
   [ -f "$f" ] || continue
-  if ! head -n 3 "$f" | grep -q 'SPDX-License-Identifier: [A-Za-z0-9]'; then
+  if ! awk 'NR <= 3 && /SPDX-License-Identifier: [A-Za-z0-9]/ { found = 1 } NR == 3 { exit } END { exit !found }' "$f"; then
     echo "$f: no SPDX-License-Identifier line in its first three lines"
     missing=1
   fi
