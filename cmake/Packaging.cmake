@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The Debian package, tessorin_VERSION_ARCH.deb: `make package` runs CPack's DEB generator over
 # the install rules, with /usr as the prefix. The install rules here, which `make install` follows
 # too, add the manual pages, the icon in the hicolor sizes, the copyright file and the changelog. Debian's triggers update

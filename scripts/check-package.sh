@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian package as a user would, with apt-get (which brings its dependencies), runs
 # what it put in /usr/bin, validates its launcher entry and metainfo, removes it and checks that
 # nothing of it is left. Needs root; CI runs it after `make package`.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs every Debian package that the build, the tests, the benchmarks and the app need.
 # Packages already present are skipped, so a second run costs a dpkg query and nothing more.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The app's name, version and licence, and the credits: the libraries it is built on and the
 // data it ships.
 import QtQuick

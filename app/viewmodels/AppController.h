@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The app's navigation: which screens are stacked in the browsing column (album list, group,
 // detail on a phone; settings and about over the list), whether the window is tablet-sized,

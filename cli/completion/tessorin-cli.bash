@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # bash completion for tessorin-cli: commands, their options, and folders and files of the types
 # the tool reads.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Help, version, the manual page and the shell completions, as a user and the shells meet them.
 #include "Isolation.h"
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the program is made of besides its own code: the libraries, with the versions loaded
 // and their licences, and the data it ships, with the attribution their licences ask for. The

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns one photo and its final property dictionary into new bytes. Saved as a new item or to a
 // file, the coded image is copied and only the metadata change; edited in place, the pixels are

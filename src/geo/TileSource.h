@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Raster map tiles from a tile server whose URL is a template with {z}, {x} and {y}. Tiles are
 // kept on disk in the user's cache folder for as long as the server says they stay fresh, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Movies through FFmpeg, built as a module of its own that the program loads on the first movie
 // (see MovieReader.cpp): FFmpeg brings a hundred libraries that every start would load.
 #include "FFmpegModule.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The movie reader, in place of the platform's timed-media framework: a movie's duration, its
 // tracks with their sizes, matrices, frame rates and format descriptions, and its metadata items.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The software centre's view of the app: the metainfo against the launcher entry, the committed
 // screenshots and the version the build carries.
 #include "TestSupport.h"

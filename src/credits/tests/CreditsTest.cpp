@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The credits against what the system reports: pkg-config for the versions the build links,
 // ffmpeg's own licence notice, and the map's settings for OpenStreetMap's terms.
 #include "Credits.h"
