@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The two set-up commands: `make run` and `make test`. Both install what is missing first.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
@@ -15,7 +16,7 @@ export CCACHE_MAXSIZE ?= 20G
 LAUNCHER = $(if $(shell command -v ccache),-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 PREFIX     ?= /usr/local
 
-.PHONY: deps build build-asan test test-tsan test-fast run fuzz bench clean screenshots install
+.PHONY: deps build build-asan test test-tsan test-fast run fuzz bench clean screenshots install package
 
 deps:
 	@bash scripts/install-deps.sh
@@ -68,6 +69,14 @@ screenshots: build
 # The app, its launcher entry, icon and place data under PREFIX.
 install: build
 	cmake --install $(BUILD) --prefix $(PREFIX)
+
+# The Debian package tessorin_VERSION_ARCH.deb, here, made by CPack from the build and checked by
+# lintian: it fails on any error or warning.
+package: build
+	rm -f $(BUILD)/tessorin_*.deb tessorin_*.deb
+	cd $(BUILD) && cpack -G DEB
+	cp $(BUILD)/tessorin_*.deb .
+	lintian --fail-on error,warning tessorin_*.deb
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)

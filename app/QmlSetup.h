@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What every QML engine of the app needs before it loads a screen: the Material style in the
 // app's light theme and tint, and the thumbnail image provider. The app, the screenshot driver

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Draws every screen over a set of files and writes a PNG of each, at a phone's size and at a
 // tablet's. It moves between screens only as a user would, through the view models.

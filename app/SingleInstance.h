@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One app per user: a second start hands its arguments (files, links, --last-photo) to the
 // running one over a local socket named from the application id, and ends.

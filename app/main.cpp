@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // tessorin [FILE... | tessorin://ALBUM]: the app. Files open as a files album; a link opens the
 // album it names. `tessorin --screenshots DIR [FILE...]` draws every screen over the demo album
 // (or the files given) offscreen and writes PNG pictures into DIR.

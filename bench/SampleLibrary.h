@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A library folder of many files made from the sample media, for the library benches.
 #include <QString>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The files album against its goals: a photo's rows ready within 100 ms of choosing it (a
 # 12-megapixel HEIC and JPEG), a grid thumbnail within 10 ms (the first 100 of the samples).
 # usage: bench/albums.sh BUILD_DIR

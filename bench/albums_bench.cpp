@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How long the files album keeps the user waiting: from choosing an item until the detail
 // table, told by the processed notification, has given every cell of its rows, for a
 // 12-megapixel HEIC and JPEG; and the first 100 grid thumbnails of the sample media.

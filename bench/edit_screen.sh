@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The edit screen's save of 24 photos in each mode: wall time (goal for "New Picture": under 2 s)
 # and the longest stall of the GUI thread while it runs (goal: under 50 ms).
 # usage: bench/edit_screen.sh BUILD_DIR

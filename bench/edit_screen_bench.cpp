@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Saving 24 photos (the cap of selected items) from the edit screen in each mode, as a user
 // would: a new date and place on all of them, then "New Picture", "Modify" or "Save to Files".
 // Beside the wall time it reports the longest stall of the GUI thread's event loop while the

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The offline geocoder against its goals: loading the place data under 300 ms, a reverse
 # look-up under 50 µs, under 60 MB for the loaded data.
 # usage: bench/geo.sh BUILD_DIR

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The offline geocoder: loading the place data, a reverse look-up, a search by name, and the
 // memory the loaded data holds. bench/geo.sh runs it and sets the figures beside the goals.
 #include "PlaceIndex.h"

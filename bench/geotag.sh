@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Geotagging speed of `tessorin-cli edit --geotag` beside `exiftool -geotag`: 500 photos taken one
 # a minute (copies of a camera JPEG with their own capture times) placed on a 10,000-point GPX
 # track, one point a second, each tool in one process. Also checks that both placed every photo.

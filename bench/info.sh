@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Speed of `tessorin-cli info` (every row of the details, words and all) beside exiftool's
 # default human-readable output, each in one process over the same files.
 # usage: bench/info.sh BUILD_DIR [MIN_FILES]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The photo library over 10,000 files from the sample media, beside exiftool -fast2 -j -r.
 # usage: bench/library.sh BUILD_DIR [FILES]
 set -euo pipefail

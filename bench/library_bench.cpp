@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The photo library over 10,000 files made from the sample media (hard links, so the disk holds
 // them once): the first scan beside exiftool -fast2 over the same folder, a rescan of the
 // unchanged library, a fetch of all photos by date, the time from a file written on disk to its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opening an album of 10,000 library items as the group screen does: the fetch under the user's
 // options, the album and its grid, and the thumbnails of the first screen (seven rows of four)
 // from the desktop's thumbnail cache, first cold (an empty cache) and then warm.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # The map against its goal of one frame (16 ms) on a phone-sized view: the offline world map at
 # world, country and city zoom, and a photo's map row with its tiles cached.
 # usage: bench/map.sh BUILD_DIR

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The map: drawing the offline world map of a phone-sized view at world, country and city zoom,
 // and a photo's map row (offline map, cached tiles, pin, arrow and scale). bench/map.sh runs it
 // and sets the figures beside the goal of one frame, 16 ms.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Shared by the bench scripts: timing a command and printing rows and ratios.
 
 # "WALL CPU" seconds of a command, CPU being user plus system time: on a shared machine the

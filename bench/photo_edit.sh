@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Writing speed of `tessorin-cli edit -o` beside `exiftool -o`: the same date and place set on
 # the same photos (JPEG and HEIC samples copied to distinct names), each tool in one process.
 # usage: bench/photo_edit.sh BUILD_DIR [FILES]

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Reading speed of `tessorin-cli props` beside exiftool and exiv2, each in one process over the
 # same list of files (the sample images, repeated): ours with one worker thread and with one per
 # core. Then writing, movies, details and the library scan. Prints files per second and ratios.

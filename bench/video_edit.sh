@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Changing the date of a movie of about 100 MB: `tessorin-cli edit -o` beside `exiftool -o` and
 # `ffmpeg -c copy` with the new date, each writing a new file next to the movie. The movie is
 # made here with FFmpeg (1080p H.264 and AAC, QuickTime tags like a phone's), once, in the build

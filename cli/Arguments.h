@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One parser for every command's arguments, so that `--`, -h/--help, the file-list options and
 // --json mean the same everywhere.

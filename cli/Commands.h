@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The commands of tessorin-cli. Each takes its own arguments (without the command name),
 // prints to standard output, and returns the exit status: 0 success, 1 some file failed,

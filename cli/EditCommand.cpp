@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
 #include "Arguments.h"
 #include "Commands.h"

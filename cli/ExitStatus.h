@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The outcome of a command over its files: 0 when all were done, 1 when some failed (the others
 // are still done). Bad usage, 2, is reported by usageError before any file is touched.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The files a command works on, from its operands and the file-list options (see fileOptions).
 #include "Arguments.h"

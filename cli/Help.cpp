@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Help.h"
 
 #include <QList>
@@ -108,7 +109,7 @@ const QList<std::pair<QString, QString>>& texts() {
 QString toolHelp() {
     QString out = QStringLiteral(
         "usage: tessorin-cli [--no-human] COMMAND [OPTIONS] [ARGS...]\n"
-        "       tessorin-cli (-h | --help | --version)\n\n"
+        "       tessorin-cli (-h | --help | --version | --credits)\n\n"
         "Sees and fixes the metadata of photos and movies.\n\n"
         "commands:\n");
     for (const auto& [name, text] : texts())
@@ -118,7 +119,9 @@ QString toolHelp() {
         "\n"
         "  --no-human          raw values instead of words\n"
         "  -h, --help          this help; COMMAND --help for a command's own\n"
-        "  --version           the version, and those of exiv2, libheif and FFmpeg\n\n"
+        "  --version           the version, and those of exiv2, libheif and FFmpeg\n"
+        "  --credits           the licence, the libraries with their versions and licences, and\n"
+        "                      the data with its attribution\n\n"
         "Exit status: 0 all done, 1 some file failed (the others are still done), 2 bad usage.\n");
     return out;
 }

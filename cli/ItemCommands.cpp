@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Commands that show an item as the app does: its details, its sentence, all its tags.
 #include "Commands.h"
 #include "ExitStatus.h"

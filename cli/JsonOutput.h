@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a command prints for machines: one JSON array for the whole run, each entry written as
 // soon as it is known (compact), so a long run streams and stays valid when some files fail.

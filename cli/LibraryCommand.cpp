@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // tessorin-cli library: the photo library from the command line, for scripts and checks.
 #include "Commands.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What `edit` asks of the movies among its files, read from its own options: the movie editor
 // takes it as it is, with nothing to parse again.

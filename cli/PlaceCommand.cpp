@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Places by position and by name, from the offline place data (and the online service when the
 // settings name one).
 #include "Arguments.h"

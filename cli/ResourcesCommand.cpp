@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `resources FILE... [--extract DIR]`: each file's resource and the auxiliary images inside it,
 // one line each (label, file name, size, pixel size); --extract writes the auxiliary images
 // into DIR under the names the resource list gives them.

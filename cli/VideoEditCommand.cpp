@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // tessorin-cli edit, for movies: `edit` hands every movie file to this editor with its wishes.
 // A movie is written anew into the output folder, as "video_yyMMdd_HHmmss.mp4".
 #include "Commands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Many files over a pool of worker threads, one per core: the work on each file runs on a
 // worker, the results come back on the calling thread in the files' order, each as soon as it

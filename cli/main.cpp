@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Arguments.h"
 #include "Commands.h"
 #include "Help.h"
@@ -37,6 +38,10 @@ int main(int argc, char** argv) {
     }
     if (args.first() == "--version") {
         printOut(cli::versionText());
+        return 0;
+    }
+    if (args.first() == "--credits") {
+        printOut(cli::creditsText());
         return 0;
     }
     static const std::map<QString, std::function<int(const QStringList&)>> commands{

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary bytes to the auxiliary image finder (MPF index, XMP roles, libheif's auxiliary
 // items) and both routes that turn a found image into BMP or grey JPEG: an image or none, never
 // a crash, hang or read out of bounds.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary text to the three coordinate parsers: each must answer or refuse, never
 // crash or spin.
 #include "HRLocation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary bytes to the movie reader (FFmpeg's demuxer and our own atom walker): it must
 // answer or refuse, never crash, hang or touch memory it does not own.
 #include "MovieReader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Drives the movie writer with arbitrary movies and wishes. Input: one byte of switches, one
 // byte for the size of a long item, then the movie. The writer must answer or refuse, never
 // crash; and whenever it answers, the new movie's atoms fill it exactly and its items read back

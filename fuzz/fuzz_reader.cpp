@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary bytes to the image metadata reader: it must answer or refuse, never crash,
 // hang or touch memory it does not own.
 #include "ImageProperties.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary bytes to the thumbnail maker (embedded previews, scaled decoding through Qt's
 // plugins and libheif, orientation): it must give a picture or none, never crash or hang.
 #include "ImageDecoder.h"

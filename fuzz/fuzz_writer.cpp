@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Feeds arbitrary source bytes and random wishes to the image metadata writer: it must answer or
 // refuse, never crash, hang or touch memory it does not own; and whatever bytes it hands out
 // must read back.

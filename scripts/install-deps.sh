@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs every Debian package that the build, the tests, the benchmarks and the app need.
 # Packages already present are skipped, so a second run costs a dpkg query and nothing more.
 set -euo pipefail
@@ -43,6 +44,8 @@ packages=(
   desktop-file-utils appstream
   # heif-convert, to check the auxiliary images we take out of HEIF files
   libheif-examples
+  # the Debian package: the icon's PNG sizes drawn from its SVG, dpkg-shlibdeps, and lintian's check
+  librsvg2-bin dpkg-dev lintian
 )
 
 missing=()

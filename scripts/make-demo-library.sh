@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Makes the demo library in BUILD/demo-library from the demo album: a live photo (a photo and a
 # movie of one name), a favourite, an edited item whose original is kept, and an album folder
 # inside a folder. Its index and trash live in BUILD/demo-data, so the user's own library index

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Shows the demo library: the app where there is a display, otherwise the details of each file.
 set -euo pipefail
 build=${1:-build}

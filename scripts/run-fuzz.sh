@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs one libFuzzer target for a given time on a work corpus seeded with the sample images.
 # usage: run-fuzz.sh BUILD_DIR TARGET SECONDS
 # The work corpus and every crash, hang or out-of-memory input stay in BUILD_DIR/fuzz-TARGET/.

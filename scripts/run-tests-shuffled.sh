@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Runs every test binary of a build twice more, each as one process: once with its tests in a
 # random order, once under a German locale. A test that leans on what an earlier one left behind,
 # or on the locale it happens to run under, fails here although it passes alone under ctest.

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Non-blank lines of test code (every tests/ folder and testsupport) against the rest of the code.
 cd "$(dirname "$0")/.." || exit 1
 count() { xargs -r cat | grep -cv '^[[:space:]]*$'; }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A one-answer HTTP server on the loopback address, standing in for an online service: every
 // request gets the same status and JSON body. The requests it got are kept for the test to read.

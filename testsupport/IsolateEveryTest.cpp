@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Linked into every test binary: each test runs in an Isolation made before its fixture and
 // ended after it, so nothing a test does to the environment reaches the next one, and the run
 // as a whole (suite set-up included) never sees the user's own.

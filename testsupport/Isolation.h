@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps a test away from the user's settings, folders, locale, time zone and the network.
 // While an Isolation lives, HOME, the XDG folders, QSettings' paths and the library folder point

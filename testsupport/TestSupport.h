@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Helpers shared by the test executables: where the sample media are, and running the
 // independent command-line readers that check our output.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Makes the country table of the IPTC pick lists, as C++ initialisers, from three sources:
 //   - our list (src/iptc/data/countries.txt): the rows, their names and order, the dialling codes,
 //     and whole rows whose old or special values are kept as they stand;

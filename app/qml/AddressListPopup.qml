@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What is known of the current item's place, in sections; the first row opens the desktop's map.
 import QtQuick
 import QtQuick.Controls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "All albums": the entry that opens files, the files album, and the library's collapsible
 // sections when there are any.
 import QtQuick

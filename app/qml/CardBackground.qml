@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The background of the menus and popovers: a white card with a soft shadow, drawn plainly
 // because the style's elevated background needs effects the software renderer lacks.
 import QtQuick

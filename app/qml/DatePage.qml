@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The date screen: the own date with its picker, a date from a photo, the current item's date
 // and the recent dates. Leaving it hands the checked row's date over.
 import QtQuick

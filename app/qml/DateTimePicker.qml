@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A date and time picker of wheels: flick or drag them, turn them with the mouse wheel, or focus
 // one with Tab and move it with the arrow keys. `withTime` hides the time wheels.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The item screen: the strip of images at the top, resized by dragging, then the detail or the
 // tag table, and the toolbar (at the bottom on a phone, in the top bar on a tablet).
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The summary of the current item: date and location (with a mark when their sources
 // disagree), badges, the exposure stack, camera, file, user fields and the place. Pulling the
 // list past its top grows the strip; a press and hold copies the details.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The detail screen's tools as ToolBar says: share opens the share menu, tags switches between
 // the detail and the tag table, more holds the setting toggles; a stack opens the resource list.
 import QtQuick

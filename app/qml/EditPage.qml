@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The edit screen's table: the selected items, the switches, the date, place and orientation
 // rows, the line editors and the IPTC row, as Edit lays them out.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The edit screen over the whole window, with its own stack for the date, orientation, place and
 // IPTC screens. Every rule is the view model's (Edit); this shows it and hands the user's
 // answers back.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every tag of the current item in collapsible sections. A header's tap opens or closes its
 // section (for every item after this one too); the list button jumps to a section; a press
 // and hold copies a value.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One item over the whole window: a photo to pinch, drag and double-tap between fitting and
 // its zoom limit; a video plays.
 import QtQuick

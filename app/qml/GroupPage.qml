@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The items of the current album: a list of cells with thumbnail, name, date and time, or a
 // grid of four thumbnails a row with 2 pixels between them.
 import QtQuick

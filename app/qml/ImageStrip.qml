@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The album's items side by side, the current one centred. Flicking settles on an item, which
 // then becomes the album's current item; an upward drag shrinks the strip.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The IPTC screen of an edit: fields in five sections, the creator contact form, the template
 // form and the two pick lists. Every rule is the view model's (`editor`).
 import QtQuick

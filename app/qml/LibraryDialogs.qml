@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The library tools' questions and failures, made once for the window: the toolbar they come
 // from stands twice in the detail page (top bar on a tablet, bottom bar on a phone).
 import QtQuick

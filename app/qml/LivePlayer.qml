@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A live photo's movie, played once and silent over its still, as a preview of the moment; the
 // end (or a tap) hands back to the still.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The location screen: search results, the present position, a place from a photo or from the
 // map, the photo's own place and the recent places; the checked row's place is delivered on
 // leaving.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window. A phone-sized one stacks album list, group and detail; a wider one keeps the
 // browsing column on the left and the detail beside it. The stack follows App's signals.
 import QtQuick

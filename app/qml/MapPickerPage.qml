@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The map picker: a long press or a right click puts the pin, the bar searches, "Done" hands the
 // place back.
 import QtQuick

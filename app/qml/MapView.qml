@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The map of a place and its tools: the style control, re-centre once the map was moved, the
 // address list; a tap on the pin shows its callout. Drag, wheel and pinch move and zoom.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bar at the top of a browsing screen: a back button when the screen can go back, the
 // title in the middle, and the screen's own buttons at either side.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The resource list: a sheet over the detail with a section per resource (its file first, then
 // each auxiliary image found in it), the progress bar while loading, and the full-screen view of
 // one file with a share button that saves a copy. Everything it shows comes from Resources.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The orientation screen: the eight orientations with their pictures; leaving hands the checked
 // one over.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings: one table of titled sections, a switch per setting, and the about page.
 import QtQuick
 import QtQuick.Controls

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The share menu: the rows of the Share view model (titles, buttons, separators), opened from the
 // toolbar's share button; then the save dialog for what an action gave, and the error alert.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "Shift by...": one offset for every date of every selected photo, each moved from its own
 // value, with the first photo's dates before and after.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a date or a location came from: one block per source, its name over its value. Also
 // shows the two focal lengths.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One item's picture, cut to a square, with a film mark on videos, the live mark on live photos,
 // a heart on favourites and a frame when selected.
 import QtQuick

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // "From a track log...": a GPX, KML or NMEA log places each photo at its capture instant; the
 // list says which photo got which place, or why it got none.
 import QtQuick

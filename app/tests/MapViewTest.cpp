@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The map item drawn offscreen: the heading arrow's turn, the camera and style rules, moving
 // away and back, and tiles from a server on the loopback address over the offline map.
 #include "Isolation.h"

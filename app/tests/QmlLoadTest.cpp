@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every QML file of the app loads, and the screens run through their states, without a single
 // warning: a binding to a missing property, a type error or a failed import is only ever a
 // warning at run time, so here any warning fails.

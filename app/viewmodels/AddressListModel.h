@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What is known of a photo's place, in up to six sections, each shown when it has a value:
 // a link to the desktop's map, the address, the coordinates, the camera's direction, the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The root list "All albums": sections of entries, flattened for a ListView into header rows
 // and entry rows. Section 0 has no header (so it can't collapse) and holds the library's

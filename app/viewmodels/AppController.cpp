@@ -1,5 +1,7 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppController.h"
 
+#include "Credits.h"
 #include "Log.h"
 #include "TSAlbum.h"
 
@@ -13,6 +15,20 @@ bool AppController::pad() const { return TSEnvironment::isPad(); }
 QString AppController::appName() { return QStringLiteral(TESSORIN_APP_NAME); }
 
 QString AppController::version() { return QStringLiteral(TESSORIN_VERSION); }
+
+QString AppController::licence() { return QString::fromLatin1(credits::programLicence); }
+
+QStringList AppController::libraryCredits() const {
+    QStringList out;
+    for (const credits::Credit& c : credits::libraries()) out << credits::libraryLine(c);
+    return out;
+}
+
+QStringList AppController::dataCredits() const {
+    QStringList out;
+    for (const credits::Credit& c : credits::data()) out << credits::dataLine(c);
+    return out;
+}
 
 void AppController::setWindowWidth(int width) {
     const bool wide = width >= padWidth;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The app's navigation: which screens are stacked in the browsing column (album list, group,
 // detail on a phone; settings and about over the list), whether the window is tablet-sized,
@@ -15,6 +16,7 @@ class AppController : public QObject {
     Q_PROPERTY(bool pad READ pad NOTIFY padChanged)
     Q_PROPERTY(QString appName READ appName CONSTANT)
     Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QString licence READ licence CONSTANT)
 public:
     // A window at least this wide shows the split view.
     static constexpr int padWidth = 700;
@@ -25,6 +27,11 @@ public:
     bool pad() const;
     static QString appName();
     static QString version();
+    static QString licence();
+    // The About screen's credits, one line each: the libraries with the versions in use and their
+    // licences; the data with its attribution, OpenStreetMap's terms while its tiles are shown.
+    Q_INVOKABLE QStringList libraryCredits() const;
+    Q_INVOKABLE QStringList dataCredits() const;
 
     // Follows the window: sets the tablet flag of the environment. A phone-sized window that
     // becomes a split hands its stacked detail over to the right-hand side.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Every screen's view model, made once for the process and handed to QML as singletons of the
 // module "Tessorin" (AlbumList, Group, Detail, ...). The app and the QML load test share it.

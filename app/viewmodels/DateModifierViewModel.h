@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The date screen of an edit: the user's own date from the picker, a date taken from another
 // photo, the current item's date, or a recent date. The chosen row's date is handed over when the

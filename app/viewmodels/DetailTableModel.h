@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The rows of the detail table for the current item of the current album: date, location,
 // badges, the exposure stack, camera, file, user fields and the place. All text comes from the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The detail screen as a whole: the strip of images above the tables, its height as the user
 // drags it, the switch between the detail and the tag table, the bars' state while an item

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The edit screen: what the user wants changed in one or many photos, or one video, and the save.
 // It holds the sections and rows the table shows, the switches, the selected items (loaded one at

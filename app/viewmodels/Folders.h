@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Where the file dialogs start: the first of the user's usual folders that exists, else home.
 #include <QDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The group screen: the current album's items as a list, or as a grid of four a row when
 // "gridView" is on. One model row is one list cell or one grid row; its `items` carry each

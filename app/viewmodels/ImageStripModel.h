@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The detail's strip of images: one row per item of the current album, with its picture and
 // marks. A list model rather than a bare count, so that a change of the album's order (an edit

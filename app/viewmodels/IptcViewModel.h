@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The IPTC screen of an edit: five sections of IPTC fields over the edit's wishes, the creator
 // contact form, the template form and the pick lists. The rules live in IptcEditorModel; this

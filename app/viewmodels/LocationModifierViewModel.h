@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The location screen: where the user picks a new place for the photos, in six sections: search
 // results, the present position, a place from another photo, a place from the map, the photo's

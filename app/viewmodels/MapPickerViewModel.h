@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The map picker: a long press (or a right click) or a search puts the pin, "Done" names the
 // pin's place and hands it back to the location screen.

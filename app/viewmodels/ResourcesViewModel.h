@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The resource list of the detail screen: whether the current item offers it (the detail check
 // for auxiliary images, run off the GUI thread), the sheet's sections and rows over a

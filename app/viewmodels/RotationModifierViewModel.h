@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The orientation screen of an edit: the eight orientations, each with its meaning and a small
 // picture, one checked. Leaving hands the checked one over unless it is the photo's own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The settings screen: one table of sections of one row each, a disclosure to the about page
 // and a switch per setting. A switch is named by its tag, section + row × 100.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The share menu of the detail screen: its rows, whether it is open, and its seven actions on the
 // current item of the current album. Texts go to the clipboard; everything can then be saved

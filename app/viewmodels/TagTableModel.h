@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // All tags of the current item as one flat list: a header per section that has rows, then the
 // section's rows while it is open. Which sections are closed is kept for the whole process, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Which tools the detail toolbar has for the current item and album, in their fixed order, and
 // the more menu's setting toggles. The decision is a plain function of the state, so a library

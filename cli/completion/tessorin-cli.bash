@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # bash completion for tessorin-cli: commands, their options, and folders and files of the types
 # the tool reads.
 
@@ -29,7 +30,7 @@ _tessorin_cli() {
     COMPREPLY=()
     if [[ -z $cmd ]]; then
         if [[ $cur == -* ]]; then
-            COMPREPLY=($(compgen -W "--no-human -h --help --version" -- "$cur"))
+            COMPREPLY=($(compgen -W "--no-human -h --help --version --credits" -- "$cur"))
         else
             COMPREPLY=($(compgen -W "props info summary tags location place edit resources" -- "$cur"))
         fi

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `edit` with the per-photo options: what they parse, what they report, and that the written
 // files read back through exiftool as wished.
 #include "Isolation.h"

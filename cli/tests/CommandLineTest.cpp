@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How every command takes its files and reports back, run against the built tool: folders with
 // and without -r, lists from -@, --ext, `--`, exit codes, error lines and the JSON array.
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `edit` over every writable sample: exiftool and exiv2, run live, must read exactly what was
 // wished; every other tag exiftool read before must read the same; the image data must not move.
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Help, version, the manual page and the shell completions, as a user and the shells meet them.
 #include "Isolation.h"
 #include "TestSupport.h"
@@ -53,6 +54,25 @@ TEST(Help, VersionNamesTheLibrariesInUse) {
     EXPECT_EQ(lines[2], "libheif " + pkgVersion("libheif"));
     EXPECT_TRUE(lines[3].startsWith("FFmpeg ")) << lines[3].toStdString();
     EXPECT_TRUE(lines[3].contains("libavformat " + pkgVersion("libavformat"))) << lines[3].toStdString();
+}
+
+TEST(Help, CreditsNameTheLicenceTheLibrariesAndTheData) {
+    const ProcessResult r = cli({"--credits"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.err, "");
+    const QString text = QString::fromUtf8(r.out);
+    EXPECT_TRUE(text.startsWith("tessorin-cli " TESSORIN_VERSION ", GPL-3.0-or-later\n")) << text.toStdString();
+    // The package's version up to its Debian revision: 2.0.9+ds-2 is mimalloc 2.0.9.
+    const QString mimalloc = QString::fromUtf8(run("dpkg-query", {"-W", "-f=${Version}", "libmimalloc2.0"}).out).section('+', 0, 0);
+    // Fresh settings: the standard map's tiles come from OpenStreetMap.
+    for (const QString& line : {"  exiv2 " + pkgVersion("exiv2") + ", GPL-2.0-or-later",
+                                "  libheif " + pkgVersion("libheif") + ", LGPL-3.0-or-later",
+                                "  mimalloc " + mimalloc + ", MIT",
+                                QString("  Place names: GeoNames (geonames.org), CC BY 4.0"),
+                                QString("  World map: Natural Earth (naturalearthdata.com), public domain"),
+                                QString("  Digital source types: IPTC NewsCodes (iptc.org), IPTC, CC BY 4.0"),
+                                QString("  Map tiles: © OpenStreetMap contributors")})
+        EXPECT_TRUE(text.contains("\n" + line)) << line.toStdString() << "\n" << text.toStdString();
 }
 
 TEST(Manual, RendersWithoutWarningsAndCoversEveryCommand) {
@@ -121,7 +141,7 @@ TEST(Completion, ZshLoadsTheCompletionAndBindsItToTheTool) {
     EXPECT_EQ(r.out, "_tessorin-cli\nloaded\n");
 }
 
-// FFmpeg loads with the first movie, from lib/tessorin beside the tool's folder: photos never
+// FFmpeg loads with the first movie, from lib/tessorin/modules beside the tool's folder: photos never
 // load it, and a tool whose module is missing still reads photos and says why movies fail.
 TEST(MovieModule, LoadsWithTheFirstMovieOnly) {
     const ProcessResult needed = run("ldd", {QStringLiteral(TESSORIN_CLI)});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `info`, `tags` and `location` over the sample media, with exiftool, run live, as the oracle for
 // what the details must show.
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `library` and `edit --library` run as a script would, in a library of the test's own, with
 // exiftool, run live, reading back what the saves wrote.
 #include "Isolation.h"

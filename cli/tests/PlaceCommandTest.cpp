@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `place` by position and by name, and the place names that `info` and `summary` show for the
 // sample photos with GPS positions, checked against exiftool's reading of those positions.
 #include "GeoLocation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `tessorin-cli props` against exiftool, run live on the sample media: every field that both
 // read from the same EXIF, TIFF, GPS or IPTC source must agree, converted to our conventions.
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // `resources` over the sample media: what it lists and what --extract writes, against
 // exiftool's and libheif's own extraction of the same images.
 #include "Isolation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The commands over movies, with exiftool and ffprobe, run live, as the oracles: what `info`
 // shows, what `props` and `tags` give, and what `edit` writes.
 #include "Isolation.h"

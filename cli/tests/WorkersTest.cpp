@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files read on many worker threads print what one thread prints, in the order they were named.
 #include "TestSupport.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A save of a new picture waits until the library has told of the change, then knows where the
 // new item landed: in the album on view, or else in all photos and the application's album,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the album list shows of the photo library: the all-photos fetch, the user albums, the
 // smart albums and the album kinds this library never makes (events, synced, faces, imported,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Gets the whole file of a library item: the chosen resource's bytes from the disk first, then
 // the image manager, then (for an item kept off the device) the current version and finally the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What every browsing screen knows of an album: an ordered list of items with one current
 // position. Moving the position builds the current TSAsset and starts its loading; observers

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The album over files the user picked. It keeps the picked paths (there are no bookmarks on
 // this platform: a path is what lasts beyond the file dialog) and loads one at a time.

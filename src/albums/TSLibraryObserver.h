@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps the current album in step with the photo library: after every change of the library it
 // compares the album's fetch with the same fetch made again. The group screen on view, as the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one hub between the loading side (album, asset, store) and the screens. Observers are
 // held weakly: a screen that goes away is dropped at the next delivery. A notification sent

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The album over a fetch of the photo library. Moving the position builds the item's TSAsset
 // from the asset's file on disk (the edit when there is one); the library's dates and places

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TSSemaphore.h"
 
 #include "Log.h"

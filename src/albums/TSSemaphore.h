@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A counting semaphore for coroutines: a waiter suspends, no thread blocks. Used on the GUI
 // thread only, so its operations run one at a time; waiters resume in the order they came.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one-step changes the detail toolbar makes to a library item: its favourite mark and its
 // deletion (into the desktop's trash; the caller asks the user first).

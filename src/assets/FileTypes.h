@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a file is, by its name: the type identifier and MIME type that the platform's type
 // look-up gives for an extension, and the size text of a file.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one item on view: a photo library item or a picked file, with its bytes, its metadata
 // record and its rows.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The rows of a video item: sizes, duration, frame rate, codec names, audio format and the
 // common metadata items, from what the movie reader gives. Nothing here fails: a property that

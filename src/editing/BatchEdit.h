@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The wishes that act on each photo from its own values rather than setting one value on all:
 // a date shift, a time zone, a place from a track log, a privacy strip. Applied after the edit

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Moves every date of a photo by one offset, each from its own value: a camera whose clock ran
 // late is fixed by shifting, never by setting one date on all photos.

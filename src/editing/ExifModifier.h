@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Runs a save of photos: turns the wishes into per-photo changes, rewrites each photo's bytes and
 // hands them on by the chosen mode. Here the road that ends in files; the road into the photo

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Places photos on a track log: each photo at the log's position at its capture instant.
 #include "TrackLog.h"

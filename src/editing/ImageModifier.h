@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns one photo and its final property dictionary into new bytes. The coded image is copied and
 // only the metadata change, whatever the save; only when a rendering is asked for are the pixels

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Takes private data out of a photo for sharing without touching how it looks: the colour
 // profile, the orientation, the pixel sizes and the coded image stay, only tags go.

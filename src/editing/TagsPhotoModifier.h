@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Applies wishes to working copies of one photo's property dictionaries and ends with the one
 // merged dictionary that the writer lays over the file. A tag is removed by a null value, never

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Sets the zone of a photo's dates (OffsetTime, OffsetTimeOriginal, OffsetTimeDigitized), either
 // keeping the local times (the camera showed the right clock, the zone was missing or wrong) or

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TrackLog.h"
 // QXmlStreamReader does the XML; the few elements of the three formats are picked out here by
 // hand, as no packaged library reads GPX, KML and NMEA files alike (gpsd reads NMEA from live

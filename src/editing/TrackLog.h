@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The positions a GPS logger or a phone recorded over a day, read from GPX 1.0 and 1.1 (tracks,
 // segments, waypoints), KML (placemarks with a time stamp, gx:Track) and NMEA sentences (RMC,

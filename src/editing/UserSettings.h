@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user wants changed, held apart from any picture: one UserSettings lives for one visit
 // to the edit screen, collects the wishes of every row, sub-screen and switch, and is read once

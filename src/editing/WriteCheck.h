@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Reads a written photo back with our own reader and compares it with what was wished, before
 // the photo replaces anything: a writer that dropped or changed a value must not pass silently.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Writes that outlive a power cut: the data is flushed before the rename that makes it the file,
 // and the folder is flushed after it, so a crash leaves either the old file or the new one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A position on the earth and a named place: the values that the positioning and geocoding
 // services deal in.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The geocoding service of the program: the offline place data, and the online service when
 // the user has given one. Requests run on GeocoderActor; answers come back to the thread that

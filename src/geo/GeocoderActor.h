@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The geocoder's one worker thread. Jobs run one at a time, in the order queued, inside the
 // thread's event loop, so that a job may start network requests whose answers arrive later

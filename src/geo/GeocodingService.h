@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What a geocoding service offers: the placemarks of a position, whether a request is running,
 // and cancelling it. One request at a time.

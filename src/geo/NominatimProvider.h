@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The optional online geocoder: a Nominatim-compatible HTTP service, for street addresses that
 // the offline data doesn't have. Used only when the user has given its address.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The map that needs no network: land, coastlines and country borders from world.bin, and the
 // towns of the place data as labelled dots, more of them the closer the view. The map view

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The offline geocoder: the place data of places.bin, looked up by position (the nearest
 // populated place) and by name. Read-only once loaded, so one index serves every thread.

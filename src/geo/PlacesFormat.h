@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The layout of places.bin, the place data that ships with the program. The build writes it
 // (tools/make_places) from GeoNames cities and ISO 3166 names; PlaceIndex reads it. All numbers

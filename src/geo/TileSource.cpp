@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TileSource.h"
 
 #include "Log.h"
+#include "Settings.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -30,6 +32,11 @@ TileSource::~TileSource() = default;
 
 QString TileSource::defaultCacheDir() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + "/tessorin/tiles";
+}
+
+QString TileSource::standardTemplate() {
+    const QVariant v = Settings::value(QLatin1String(standardTilesKey));
+    return v.isValid() ? v.toString() : QString::fromLatin1(openStreetMapTemplate);
 }
 
 QString TileSource::attribution(const QString& urlTemplate) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Raster map tiles from a tile server whose URL is a template with {z}, {x} and {y}. Tiles are
 // kept on disk in the user's cache folder for as long as the server says they stay fresh, and
@@ -22,6 +23,8 @@ class TileSource : public QObject {
 public:
     static constexpr char openStreetMapTemplate[] = "https://tile.openstreetmap.org/{z}/{x}/{y}.png";
     static constexpr int maxRequests = 2;
+    // Where the standard map's template is kept; "none" turns the server off.
+    static constexpr char standardTilesKey[] = "mapTileURL";
 
     // An empty template, or "none", is no server at all.
     explicit TileSource(const QString& urlTemplate, const QString& cacheDir = defaultCacheDir(),
@@ -33,6 +36,8 @@ public:
 
     bool isEnabled() const { return !urlTemplate_.isEmpty(); }
     QString urlTemplate() const { return urlTemplate_; }
+    // The standard map's template: the setting, else OpenStreetMap's standard tiles.
+    static QString standardTemplate();
     // What the map must show beside the tiles of a template: OpenStreetMap's notice for its servers.
     static QString attribution(const QString& urlTemplate);
     QUrl url(const mercator::TileId& tile) const;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The map's projection: spherical Web Mercator in "world pixels", where the whole world at zoom z
 // is a square of 256·2^z pixels with (0, 0) at its north-west corner, latitude ±85.0511 at its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The layout of world.bin, the offline world map that ships with the program: land rings to fill
 // and country borders to stroke, as longitude/latitude pairs. The build writes it

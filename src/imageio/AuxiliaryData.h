@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The images a photo carries beside the main one (depth and disparity maps, gain maps, mattes),
 // found and decoded to their samples. HEIF and AVIF keep them as auxiliary items (libheif);

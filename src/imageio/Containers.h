@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the container itself says about the primary image: size, depth, colour model, alpha,
 // resolution, and the JFIF and PNG groups. These are read from headers and chunk lists only:

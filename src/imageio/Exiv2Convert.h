@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns what exiv2 decoded into property dictionaries with the platform's key names and value
 // conventions: rationals as doubles, GPS degrees unsigned beside their references, version tags

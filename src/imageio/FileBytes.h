@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A file's content for the readers: whole and mapped (FileBytes), or piece by piece at chosen
 // offsets (FilePieces), for a reader that needs only the parts holding metadata.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Written by hand: libheif interprets every item of a file when it opens it (each tile of a
 // grid, each thumbnail and auxiliary image), about 2.5 million instructions for an iPhone photo,
 // where metadata needs a few boxes of 'meta'. The rewriter needs the same boxes, which libheif

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The boxes of a HEIF or AVIF file that say where its items are and what they are: the item
 // list, their locations, references and properties inside 'meta'. Shared by the metadata

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Written by hand: libheif 1.15 can add metadata only while encoding an image anew, and exiv2
 // 0.27 reads HEIF but does not write it. This rewriter touches the container alone (see
 // HeifContainer): the item list, the item locations and references inside 'meta', and a new

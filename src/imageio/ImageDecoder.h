@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Pixels of the primary image, for the roads that redraw a photo. HEIF and AVIF decode through
 // libheif (Qt has no plugin for them here), everything else through Qt's image plugins.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The image metadata reader: bytes in, property dictionary out, without decoding pixels.
 #include <QByteArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The image metadata writer: the source's bytes and a property dictionary in, new bytes in the
 // source's own format out, with the coded image copied as it is and only the metadata replaced.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Applies a property dictionary to exiv2's three metadata blocks: the reverse of Exiv2Convert.
 // Shared by the exiv2 road and the HEIF rewriter, which differ only in how the blocks reach the

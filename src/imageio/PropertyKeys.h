@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The property key texts of the image metadata dictionaries, one table for the whole system.
 // The names and texts are the ones the platform's image framework publishes, so that code

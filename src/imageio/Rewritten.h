@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A rewritten file: new bytes, and ranges of its source kept as they are. Most of a photo (a
 // JPEG's scan, a HEIF's coded images) is such a range. Saved to a file, the kept ranges go from

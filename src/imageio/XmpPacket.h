@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The properties of an XMP packet under exiv2's keys ("Xmp.dc.title"; a structure's field as
 // "Xmp.iptc.CreatorContactInfo/Iptc4xmpCore:CiAdrCity", an array item's as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The model behind the long pick list: entries, the one chosen, a search over the labels.
 #include "IsoCountries.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The logic of the IPTC screen of an edit: five sections of fields over the edit's wishes, for
 // one photo or many. It writes nothing to photos; every change lands in the UserSettings that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Names of the IPTC editor's sections and of the creator contact fields.
 #include "TSKey.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Closed IPTC vocabularies and how each editable key is edited: picked from a list of options,
 // opened as a group of fields, or typed as a comma-separated list.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The table of countries behind the "Country Code" pick list, and the entries of the long
 // pick lists.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One stored set of IPTC values that the user fills in once and applies to any photo: the file
 // template_<id>.json in the documents folder.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Change details between two fetch results of the same query.
 #include "Library.h"
 

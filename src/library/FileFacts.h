@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the library keeps of one file: read once by our own image and movie readers.
 #include <QDateTime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Notices files changing in the library's folders through inotify. Watching the folders (not
 // each file) with IN_CLOSE_WRITE also catches a file rewritten in place, which a watch of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The library's SQLite database: a thin layer over SQLite's C API (statements, transactions,
 // opening with the schema brought up to date). The tables are described in Index.cpp.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The photo library, in place of the platform's one: folders of photos and movies indexed in one
 // SQLite database. Files are grouped into assets the way the platform groups them (a photo with

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Reading an asset's bytes, as the platform's resource and image managers do. A file on a
 // network or FUSE mount stands for one kept off the device: a request that may not use the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Thumbnails of library items in the freedesktop thumbnail cache (~/.cache/thumbnails), shared
 // with file managers: a PNG named by the MD5 of the file's URI, valid while its Thumb::MTime

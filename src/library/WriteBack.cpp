@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The library's changes: marks, deletion into the trash, edits in place and their revert, new
 // items. Every file is written to a temporary file beside its target, flushed, and renamed over
 // it, so a failure, a kill or a power cut at any point leaves the original whole. What the user

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The value in which a place travels through the system, its JSON form, the text forms of a
 // coordinate and of a placemark, and the parsers that read a coordinate from text.

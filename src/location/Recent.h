@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A small bounded list, newest first, and the two process-wide lists of recent dates and
 // places that the edit screens offer. Both live in the settings.

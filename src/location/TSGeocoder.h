@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Coordinates to place names while the user pages through photos. The geocoding service takes
 // one request at a time and is not to be flooded, so a small cache and a one-request rule

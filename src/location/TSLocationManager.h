@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The device's present position for the location screen: asks the position source for updates,
 // turns each fix into an HRLocation (its coordinate first, then the place's name once the

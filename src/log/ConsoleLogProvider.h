@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The provider that start-up installs: the systemd journal when standard error goes there,
 // standard error otherwise.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one way the system writes diagnostics. A call never blocks and never fails: the message
 // becomes text on the caller's thread, everything else happens later on LogActor.

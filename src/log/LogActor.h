@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The log's one worker thread. Jobs run one at a time in the order they were queued; the list
 // of providers and the level threshold belong to it and are touched only by its jobs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Severity of a log line; the raw value orders the levels against the threshold of Log.
 #include <QString>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A destination of log lines. Providers are called only on the log's worker thread, one call
 // at a time, so they need no locking of their own for that.

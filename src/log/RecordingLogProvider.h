@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Keeps every line it is given, for tests that check what was logged. Call Log::flush() before
 // reading so that the worker has delivered everything logged so far.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A log message already turned into text, so that it captures the caller's state at the moment
 // of the call and can cross to the log's worker thread. Copies share the text.

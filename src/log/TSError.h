@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The system's one error: a failure that needs words for the user.
 #include <QByteArray>

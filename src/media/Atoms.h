@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A bounds-checked walk over the atoms (boxes) of a QuickTime or ISO base media file. FFmpeg
 // reads tracks but flattens metadata into one dictionary and can't write atoms back, so the

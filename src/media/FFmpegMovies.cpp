@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Movies through FFmpeg, built as a module of its own that the program loads on the first movie
 // (see MovieReader.cpp): FFmpeg brings a hundred libraries that every start would load.
 #include "FFmpegModule.h"
@@ -349,11 +350,15 @@ QString versions() {
         .arg(AV_VERSION_MICRO(avformat_version()));
 }
 
+// As FFmpeg was configured: Debian's build is under the GPL.
+QString licence() { return QString::fromLatin1(avformat_license()); }
+
 }  // namespace
 
 }  // namespace media
 
 extern "C" Q_DECL_EXPORT const media::FFmpegModule* tessorin_ffmpeg_module() {
-    static const media::FFmpegModule module{media::readMovieWithFFmpeg, media::firstFrameWithFFmpeg, media::versions};
+    static const media::FFmpegModule module{media::readMovieWithFFmpeg, media::firstFrameWithFFmpeg, media::versions,
+                                            media::licence};
     return &module;
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How items go back into atoms. Each item carries its stored bytes, data type and locale, so an
 // item that was read and not changed is written back as it was.
 #include "MetadataAtoms.h"

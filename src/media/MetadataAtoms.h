@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Inside the media module: which atoms hold metadata items and how items go back into atoms.
 // The reader and the writer use the same decisions, so an atom that the reader can't turn into

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A movie's metadata items, as the platform's timed-media framework presents them: each with
 // its key space, key, common key, identifier and value; and how each is stored, so that the

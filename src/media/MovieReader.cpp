@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "MovieReader.h"
 
 #include "FFmpegModule.h"
@@ -12,13 +13,13 @@ namespace media {
 namespace {
 
 // FFmpeg, and the hundred libraries it brings, load on the first movie and not at every start:
-// they were two thirds of the command-line tool's start-up. The module lies in lib/tessorin
+// they were two thirds of the command-line tool's start-up. The module lies in lib/tessorin/modules
 // beside the program's bin folder, as built and as installed.
 const FFmpegModule* ffmpeg(QString* error) {
     static QString failure;
     static const FFmpegModule* module = [] () -> const FFmpegModule* {
         const QFileInfo program(QStringLiteral("/proc/self/exe"));
-        QLibrary library(QFileInfo(program.canonicalFilePath()).dir().filePath(QStringLiteral("../lib/tessorin/tessorin_ffmpeg")));
+        QLibrary library(QFileInfo(program.canonicalFilePath()).dir().filePath(QStringLiteral("../lib/tessorin/modules/tessorin_ffmpeg")));
         // Its symbols stay its own, and it stays loaded for the life of the process.
         library.setLoadHints(QLibrary::ResolveAllSymbolsHint);
         auto entry = reinterpret_cast<decltype(&tessorin_ffmpeg_module)>(library.resolve("tessorin_ffmpeg_module"));
@@ -59,6 +60,12 @@ QString ffmpegVersions() {
     QString error;
     const FFmpegModule* module = ffmpeg(&error);
     return module ? module->versions() : error;
+}
+
+QString ffmpegLicence() {
+    QString error;
+    const FFmpegModule* module = ffmpeg(&error);
+    return module ? module->licence() : error;
 }
 
 }  // namespace media

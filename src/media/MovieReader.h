@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The movie reader, in place of the platform's timed-media framework: a movie's duration, its
 // tracks with their sizes, matrices, frame rates and format descriptions, and its metadata items.
@@ -57,5 +58,7 @@ QImage firstFrame(const QByteArray& bytes, QString* error = nullptr);
 
 // "FFmpeg VERSION (libavformat X.Y.Z)", or why FFmpeg can't be loaded.
 QString ffmpegVersions();
+// FFmpeg's licence as it was configured ("GPL version 2 or later"), or why it can't be loaded.
+QString ffmpegLicence();
 
 }  // namespace media

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The movie writer, in place of the platform's export session: a lossless rewrite of a
 // QuickTime or MP4 file's movie-level metadata. Every track (chapter and timed-metadata tracks

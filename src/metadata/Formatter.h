@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The shared date formats: the user's locale for display, and EXIF's fixed text for tags.
 #include <QDateTime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The place look-up of an item on view: its position to a place name through TSGeocoder, the
 // answer written into its store's location row. Runs on the GUI thread's event loop and never

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // One item's display rows as ready text, with its best date and location and where each came
 // from. Loading fills it; the detail table reads it through value(for:) and never touches a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The closed vocabulary of every metadata item the system names. A case's raw value is both
 // its identity and its row label, so changing a label changes the identity.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns one raw tag value into text: the value text renders any value by its type (a human and
 // a raw style); the meaning lookup knows individual tags (flash bits, EXIF enumerations, units,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The immutable record of one image's property dictionaries, split into the groups the rest of
 // the system reads by name. Safe to read from any thread; share it as

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the map and the address list need of a record, in words: which way the camera faced and
 // any GPS tag's text, so that map code needs no dictionary keys.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Every tag of an item as sections of rows, for the tag table and the exports. The misspelt
 // name is the system's own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A video's tags: its metadata items by key space, each with its value as raw and as readable
 // text, and their presentation as sections of rows for the tag table and the exports.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The plain rendering of a property value, as text: numbers in their shortest decimal form
 // (a double 300.0 reads "300", as the platform prints a number from a dictionary); arrays and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The kinds of image a photo may carry beside its main one, in the order they are looked for
 // and listed.

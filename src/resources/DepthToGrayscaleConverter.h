@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Turns a one-channel map of depth or disparity samples (16- or 32-bit floats) into a grey
 // BGRA picture: each sample becomes (sample - lowest) / (highest - lowest). Shaped like a frame

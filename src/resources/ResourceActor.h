@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The one worker thread on which every resource loads: jobs run one at a time, in the order
 // queued, so resources load strictly one after the other and never on the GUI thread.

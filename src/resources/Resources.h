@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // An item's stored resources as the resource list shows them: what is known before loading
 // (RawResource), one loader per kind of resource, and the finished record of a row.

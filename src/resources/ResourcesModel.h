@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The model behind the resource list: loads an item's resources one after the other on
 // ResourceActor, looks in each for every kind of auxiliary image, and counts ten steps per

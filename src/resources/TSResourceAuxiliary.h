@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The auxiliary images of one file's bytes, each turned into plain image bytes that any viewer
 // decodes: disparity maps take the depth route (scaled to their own range, then grey levels,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // The user's settings, kept in QSettings under "Tessorin"/"Tessorin". Every read goes to the
 // store, so a change made anywhere is seen at the next use; nothing is cached here, except the

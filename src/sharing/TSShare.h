@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What each action of the share menu hands on for the current item of an album: the file as it
 // is with its summary sentence, a copy without metadata, the details text, and the three exports

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The isolation every test relies on: what it points where, that it puts everything back, and
 // that a request for the network fails the test that made it.
 #include "Isolation.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The detail screen's rules, driven through its view models over real files in a files album:
 // the detail table's rows and badges, the tag table's sections and their collapse state, the
 // toolbar's tools and toggles, the strip's heights, paging and zoom limits.

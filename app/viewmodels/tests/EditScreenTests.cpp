@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The edit screen driven like a user over a real library in the test's folder: its sections and
 // switches, the selected items, the date and orientation screens, the save question, and saves
 // in every mode read back by exiftool, exiv2 and ffprobe.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The IPTC screen's view model as the page drives it: rows for many photos, the pick lists, and
 // the template form's Cancel and Done followed by Apply.
 #include "IptcViewModel.h"

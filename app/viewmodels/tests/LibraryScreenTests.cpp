@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The screens over a real photo library in the test's folder: the album list's sections, the
 // group following changes of the library, the toolbar's library tools, the dialog after an add,
 // and the launcher entry and metainfo as the desktop's own validators see them.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The place-picking screens through their view models: the location screen's search flow,
 // checks and hand-back, the map picker, and the address list of a photo's place.
 #include "AddressListModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The resource list driven through its view model over files of a files album: when the
 // toolbar offers it, its sections and rows as loading goes on, the full-screen view and its
 // saved copy.

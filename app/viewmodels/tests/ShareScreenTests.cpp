@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The share menu's view model over real files: what reaches the clipboard, what a save writes,
 // and the alert when a copy can't be made.
 #include "ShareViewModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The browsing screens' rules, driven through their view models over real files: the album
 // list's entries and collapsed sections, tessorin:// links, the group's rows and grid places,
 // the settings switches, and the navigation that ties them together.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The view-model tests run inside a GUI application: images, the clipboard and the event loop
 // need one, offscreen also when the test runner lists the tests without the tests' environment.
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Waiting for a new picture to land, and finding where it did, over a real library.
 #include "AddingPicture.h"
 #include "AlbumTestSupport.h"

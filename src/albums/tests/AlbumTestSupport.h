@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // An observer that records what it hears, and a way to let the event loop run.
 #include "TSAlbum.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The request cascade over real files: a library item on the disk, and one that stands for an
 // item kept off the device, read from a named pipe that a thread of the test feeds slowly.
 #include "AlbumTestSupport.h"

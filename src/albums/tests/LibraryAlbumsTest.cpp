@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The library as the album list and the open album see it: collections under the user's
 // options, the memory cap, the observer that keeps the current album in step, and the item built
 // from a library asset. Over a real library in the test's own folder.

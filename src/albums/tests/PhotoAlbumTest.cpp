@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The album over a fetch of a real library in a temporary folder.
 #include "AlbumTestSupport.h"
 #include "Library.h"

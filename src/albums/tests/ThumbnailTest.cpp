@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ImageDecoder.h"
 #include "ThumbnailCache.h"
 #include "CameraFiles.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The album tests run inside an application object: notifications and thumbnails come back
 // through the event loop.
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "FileTypes.h"
 #include "TSAsset.h"
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rows of video items: the texts of durations and codecs, the rows of the sample movies,
 // and what cut, audio-only and misnamed movies show.
 #include "TSAsset.h"

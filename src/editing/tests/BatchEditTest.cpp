@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Per-photo wishes on real files: date shifts, time zones, places from track logs written here,
 // the lossless privacy strip and the read-back check, with exiftool as the independent reader.
 #include "BatchEdit.h"

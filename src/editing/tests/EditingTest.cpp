@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rules of the edit model, the tag modifier and the save pipeline that carry risk, on real
 // sample files and on property dictionaries made here.
 #include "ExifModifier.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Changing a video's tags. A video can only be changed by writing a new file: TagsVideoModifier
 // edits the list of the movie's metadata items, ExifVideoModifier applies the wishes and writes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The geo tests run inside an application object, as the geocoder's answers come through the
 // event loop (a GUI one: the offline map draws text); names are checked in English.
 #include "Isolation.h"

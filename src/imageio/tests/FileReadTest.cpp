@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading a file by its metadata parts only, and reading and writing from many threads at once.
 #include "ImageProperties.h"
 #include "ImageWriter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The reader takes a HEIF's facts and metadata from the container's boxes itself; libheif, which
 // reads back every write, is the oracle: both must give the same dictionary.
 #include "ImageProperties.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A rewritten file made of new bytes and kept ranges of its source: read back, joined and saved
 // (through the kernel from the source file, or from memory) it is the same file.
 #include "Rewritten.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The XMP packet reader against exiv2's own decoding: every property of the schemas the reader
 // uses reads the same, in the packets of the sample media and in packets written each way RDF
 // allows.

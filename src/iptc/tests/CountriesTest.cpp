@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The country table and the long pick list.
 #include "Choosers.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The IPTC screen's rules for one photo and for many, over a photo written with known values.
 #include "IptcEditorModel.h"
 #include "ImageWriter.h"

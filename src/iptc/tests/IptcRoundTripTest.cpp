@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Every field of the IPTC editor and the creator contact group, set on three photos at once by
 // `tessorin-cli edit`: exiftool and exiv2, run live, must read each value back in IIM and XMP
 // (XMP alone for HEIC), non-ASCII text intact, and every other tag as it was.

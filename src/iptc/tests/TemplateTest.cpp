@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The template file and applying it to an edit.
 #include "TemplateModel.h"
 #include "PropertyKeys.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The shipped digital source type vocabulary, the NewsCodes decoder and how keys are edited.
 #include "IptcVocabulary.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The index under another program's lock, and live photos paired by the identifier the camera
 // writes into both files rather than by name.
 #include "LibraryFixture.h"

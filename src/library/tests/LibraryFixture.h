@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // A library in a temporary folder, with the settings, data folder (and so the trash) of the
 // test's own.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The index over real files: what a scan finds, grouping, identifiers that last, fetches,
 // collections, change details and the faults a library folder meets.
 #include "FileFacts.h"

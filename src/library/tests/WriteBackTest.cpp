@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes made through the library, read back by exiftool and from the disk.
 #include "FileBytes.h"
 #include "ImageWriter.h"

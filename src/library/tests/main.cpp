@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The library tests run inside an application object: file-system notices come through the
 // event loop.
 #include <QCoreApplication>

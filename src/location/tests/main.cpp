@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The location tests run inside an application object, as the geocoder's answers come through
 // the event loop; names are checked in English.
 #include "Isolation.h"

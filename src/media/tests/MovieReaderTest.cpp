@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The movie reader over the sample movies, with ffprobe and exiftool, run live, as the oracles;
 // and over cut and damaged movies, which must give what they can and never crash.
 #include "MovieReader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The movie writer: every packet of every stream stays the same (FFmpeg's stream hashes, run
 // live), the items read back as written, offsets follow a header that grows or shrinks before
 // the media, and a failed write leaves nothing behind.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "PropertyKeys.h"
 #include "Settings.h"
 #include "TSDataStore.h"

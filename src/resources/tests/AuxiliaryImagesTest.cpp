@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Auxiliary images of real files, checked against what exiftool and libheif's own tool take
 // out of the same files, and hostile variants of those files.
 #include "AuxiliaryData.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The grey levels of the converter and the scaling of maps, against levels worked out here:
 // level = round(255 * (sample - lowest) / (highest - lowest)).
 #include "DepthToGrayscaleConverter.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The resource model over real files: order, progress, thumbnails and temporary files.
 #include "ResourcesModel.h"
 #include "Isolation.h"

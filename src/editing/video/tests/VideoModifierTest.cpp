@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The video modifier's rules, and its saves checked by exiftool and ffprobe, run live: the wished
 // date and place read back exactly, every stream's packets are unchanged, the rotation stays.
 #include "HRLocation.h"
