@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // Camera raw files in containers of their own, made for tests from corpus bytes, as far as
 // readers look into them.

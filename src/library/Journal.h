@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user set, kept beside the photos as well as in the index: one journal per library
 // folder, `.tessorin/journal.jsonl`, written whole and durably before every index transaction

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A durable write replaces a file whole or not at all, keeps a replaced file's mode, and leaves no
 // temporary file behind, whatever fails.
 #include "DurableFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the user set outlives the index: the journal beside the photos and what a damaged index
 // still reads bring back identifiers, marks, dates, places and edits.
 #include "Journal.h"
