@@ -1,6 +1,7 @@
 #include "QmlSetup.h"
 
 #include "TSMapView.h"
+#include "IconProvider.h"
 #include "ThumbnailProvider.h"
 
 #include <QQmlEngine>
@@ -15,6 +16,7 @@ void setStyle() {
 
 void setUpEngine(QQmlEngine& engine) {
     engine.addImageProvider(QStringLiteral("thumb"), new ThumbnailProvider);
+    engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
     qmlRegisterType<TSMapView>("Tessorin", 1, 0, "TSMapView");
 }
 

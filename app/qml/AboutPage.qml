@@ -6,7 +6,7 @@ import Tessorin
 
 Page {
     header: NavigationBar {
-        title: "About"
+        title: qsTr("About")
         showBack: true
     }
 
@@ -30,14 +30,14 @@ Page {
         }
         Label {
             Layout.alignment: Qt.AlignHCenter
-            text: "Version " + App.version
+            text: qsTr("Version %1").arg(App.version)
             font.pixelSize: 15
-            color: "#8E8E93"
+            color: Theme.secondaryText
         }
         Label {
             Layout.fillWidth: true
             Layout.topMargin: 16
-            text: "See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag."
+            text: qsTr("See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag.")
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
             font.pixelSize: 15
@@ -45,19 +45,19 @@ Page {
         Label {
             Layout.fillWidth: true
             Layout.topMargin: 16
-            text: "Place names: GeoNames (geonames.org), licensed under CC BY 4.0."
+            text: qsTr("Place names: GeoNames (geonames.org), licensed under CC BY 4.0.")
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
             font.pixelSize: 13
-            color: "#6D6D72"
+            color: Theme.secondaryText
         }
         Label {
             Layout.fillWidth: true
-            text: "Digital source types: IPTC NewsCodes (iptc.org), IPTC, licensed under CC BY 4.0."
+            text: qsTr("Digital source types: IPTC NewsCodes (iptc.org), IPTC, licensed under CC BY 4.0.")
             wrapMode: Text.WordWrap
             horizontalAlignment: Text.AlignHCenter
             font.pixelSize: 13
-            color: "#6D6D72"
+            color: Theme.secondaryText
         }
     }
 }

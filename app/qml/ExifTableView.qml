@@ -18,6 +18,17 @@ Item {
         ScrollIndicator.vertical: ScrollIndicator {}
         onContentYChanged: if (dragging) Detail.offsetChanged(contentY - originY)
         onDragEnded: Detail.dragEnded()
+        // From the keyboard: Tab reaches the list, the arrows move from row to row, Enter opens or
+        // closes a section, Ctrl+C copies the row's value.
+        activeFocusOnTab: true
+        keyNavigationEnabled: true
+        Keys.onReturnPressed: if (currentItem && currentItem.kind === "header") TagTable.toggle(currentItem.section)
+        Keys.onPressed: event => {
+            if (event.matches(StandardKey.Copy) && currentItem && currentItem.kind === "row") {
+                TagTable.copy(currentIndex)
+                event.accepted = true
+            }
+        }
 
         add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 180 } }
         displaced: Transition { NumberAnimation { property: "y"; duration: 180 } }
@@ -33,19 +44,32 @@ Item {
             required property string value
             width: list.width
             sourceComponent: kind === "header" ? header : kind === "download" ? download : tagRow
+            // Read out as the row shows it.
+            Accessible.role: kind === "header" ? Accessible.Button : Accessible.ListItem
+            Accessible.name: kind === "header" ? title : kind === "row" ? label + " " + value : qsTr("Not on this device")
+            Accessible.onPressAction: if (kind === "header") TagTable.toggle(section)
+            // The row with the keyboard's focus.
+            Rectangle {
+                anchors.fill: parent
+                z: 1
+                visible: list.activeFocus && entry.ListView.isCurrentItem
+                color: "transparent"
+                border.color: Theme.tint
+                border.width: 2
+            }
 
             Component {
                 id: header
                 Rectangle {
                     height: 44
-                    color: "#F2F2F7"
+                    color: Theme.groupedBackground
                     RowLayout {
                         anchors.fill: parent
                         anchors.leftMargin: 16
                         anchors.rightMargin: 56
                         spacing: 8
                         Image {
-                            source: entry.open ? "qrc:/icons/chevron.down.svg" : "qrc:/icons/chevron.right.svg"
+                            source: entry.open ? "image://icon/" + Theme.iconTone + "/chevron.down" : "image://icon/" + Theme.iconTone + "/chevron.right"
                             sourceSize: Qt.size(14, 14)
                         }
                         Label {
@@ -54,7 +78,7 @@ Item {
                             elide: Text.ElideRight
                             font.pixelSize: 15
                             font.weight: Font.DemiBold
-                            color: "#1C1C1E"
+                            color: Theme.text
                         }
                     }
                     TapHandler { onTapped: TagTable.toggle(entry.section) }
@@ -65,7 +89,7 @@ Item {
                 id: tagRow
                 Rectangle {
                     height: Math.max(36, Math.max(tagLabel.implicitHeight, tagValue.implicitHeight) + 12)
-                    color: "#FFFFFF"
+                    color: Theme.card
                     Label {
                         id: tagLabel
                         anchors.left: parent.left
@@ -76,7 +100,7 @@ Item {
                         text: entry.label
                         wrapMode: Text.Wrap
                         font.pixelSize: 14
-                        color: "#6C6C70"
+                        color: Theme.secondaryText
                     }
                     Label {
                         id: tagValue
@@ -90,7 +114,7 @@ Item {
                         // Words stay whole; a long run without spaces (hex, base64) still breaks.
                         wrapMode: Text.Wrap
                         font.pixelSize: 14
-                        color: "#1C1C1E"
+                        color: Theme.text
                     }
                     Rectangle {
                         anchors.bottom: parent.bottom
@@ -98,7 +122,7 @@ Item {
                         anchors.leftMargin: 16
                         anchors.right: parent.right
                         height: 1
-                        color: "#E5E5EA"
+                        color: Theme.fill
                     }
                     TapHandler {
                         acceptedButtons: Qt.RightButton
@@ -107,7 +131,7 @@ Item {
                     TapHandler { onLongPressed: copyMenu.popup() }
                     Menu {
                         id: copyMenu
-                        MenuItem { text: "Copy"; onTriggered: TagTable.copy(entry.index) }
+                        MenuItem { text: qsTr("Copy"); onTriggered: TagTable.copy(entry.index) }
                     }
                 }
             }
@@ -116,12 +140,12 @@ Item {
                 id: download
                 Rectangle {
                     height: 44
-                    color: "#FFFFFF"
+                    color: Theme.card
                     Image {
                         anchors.left: parent.left
                         anchors.leftMargin: 16
                         anchors.verticalCenter: parent.verticalCenter
-                        source: "qrc:/icons/xmark.icloud.svg"
+                        source: "image://icon/" + Theme.iconTone + "/xmark.icloud"
                         sourceSize: Qt.size(24, 24)
                     }
                 }
@@ -138,10 +162,11 @@ Item {
         height: 36
         padding: 0
         icon.source: "qrc:/icons/list.bullet.svg"
-        icon.color: "#1E6FD9"
+        Accessible.name: qsTr("Go To:")
+        icon.color: Theme.tint
         icon.width: 18
         icon.height: 18
-        Material.background: "#FFFFFF"
+        Material.background: Theme.card
         Material.elevation: 2
         onClicked: goTo.open()
     }
@@ -166,19 +191,19 @@ Item {
                 z: 2
                 width: ListView.view.width
                 height: 44
-                color: "#FFFFFF"
+                color: Theme.card
                 radius: 10
                 Rectangle {
                     anchors.bottom: parent.bottom
                     width: parent.width
                     height: 1
-                    color: "#E5E5EA"
+                    color: Theme.fill
                 }
                 Label {
                     anchors.left: parent.left
                     anchors.leftMargin: 16
                     anchors.verticalCenter: parent.verticalCenter
-                    text: "Go To:"
+                    text: qsTr("Go To:")
                     font.pixelSize: 15
                     font.weight: Font.DemiBold
                 }

@@ -11,7 +11,8 @@ Page {
         showBack: true
         ToolButton {
             icon.source: "qrc:/icons/" + Group.toggleSymbol + ".svg"
-            icon.color: "#1E6FD9"
+            Accessible.name: Group.gridView ? qsTr("Show as List") : qsTr("Show as Grid")
+            icon.color: Theme.tint
             onClicked: Group.toggleView()
         }
     }
@@ -23,13 +24,19 @@ Page {
         clip: true
         model: Group
         delegate: Group.gridView ? gridRow : listCell
+        // Arrows move through the items, Enter opens the one with the focus.
+        focus: true
+        keyNavigationEnabled: true
+        highlightFollowsCurrentItem: false
+        Keys.onReturnPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
+        Keys.onEnterPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
     }
 
     Label {
         anchors.centerIn: parent
         visible: Group.count === 0
-        text: "No items"
-        color: "#8E8E93"
+        text: qsTr("No items")
+        color: Theme.secondaryText
         font.pixelSize: 17
     }
 
@@ -53,9 +60,10 @@ Page {
             required property bool video
             required property var items
             objectName: "cell_" + index
+            Accessible.name: [name, date || "", time || ""].filter(t => t !== "").join(", ")
             width: ListView.view.width
             height: 76
-            highlighted: Group.selectedIndex === firstIndex
+            highlighted: Group.selectedIndex === firstIndex || ListView.isCurrentItem && ListView.view.activeFocus
             onClicked: Group.show(firstIndex)
 
             contentItem: RowLayout {
@@ -77,17 +85,17 @@ Page {
                         elide: Text.ElideMiddle
                         font.pixelSize: 16
                         font.weight: Font.DemiBold
-                        color: "#1C1C1E"
+                        color: Theme.text
                     }
                     Label {
                         text: cell.date || "--"
                         font.pixelSize: 14
-                        color: "#3C3C43"
+                        color: Theme.secondaryText
                     }
                     Label {
                         text: cell.time || ""
                         font.pixelSize: 13
-                        color: "#8E8E93"
+                        color: Theme.secondaryText
                     }
                 }
             }
@@ -96,7 +104,7 @@ Page {
                 x: 84
                 width: parent.width - x
                 height: 1
-                color: "#E5E5EA"
+                color: Theme.fill
             }
         }
     }

@@ -1,5 +1,6 @@
 #include "ResourcesViewModel.h"
 
+#include "ModuleTexts.h"
 #include "FileTypes.h"
 #include "ResourceActor.h"
 #include "TSAlbum.h"
@@ -87,13 +88,13 @@ QVariantList ResourcesViewModel::sections() const {
         for (AuxiliaryImageType type : model_->resourcesSub().value(key)) {
             const auto url = record.auxiliaryUrl.find(type);
             const QString path = url == record.auxiliaryUrl.end() ? QString() : url->second;
-            rows << QVariantMap{{"title", label(type)},
+            rows << QVariantMap{{"title", moduletexts::resource(label(type))},
                                 {"subtitle", QFileInfo(path).fileName()},
                                 {"symbol", path.isEmpty() ? QStringLiteral("doc.text") : QString()},
                                 {"thumbnail", path},
                                 {"url", path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path)}};
         }
-        out << QVariantMap{{"header", source ? source->label() : QString()}, {"rows", rows}};
+        out << QVariantMap{{"header", source ? moduletexts::resource(source->label()) : QString()}, {"rows", rows}};
     }
     return out;
 }
