@@ -163,4 +163,22 @@ TEST_F(TranslationTest, TheModulesNamesAreTranslated) {
     for (const TSCollection& c : Albums::collections(lib)) expectTranslated("Albums", c.title);
 }
 
+// The program loads the catalogue of the user's language: its help, as German and English users
+// read it.
+TEST_F(TranslationTest, TheAppSpeaksTheUsersLanguage) {
+    auto help = [](const QString& language) {
+        QProcess app;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("LC_ALL", language);
+        env.insert("LANGUAGE", language.section('.', 0, 0));
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        app.setProcessEnvironment(env);
+        app.start(QStringLiteral(TESSORIN_APP_BINARY), {"--help"});
+        EXPECT_TRUE(app.waitForFinished(60'000));
+        return QString::fromUtf8(app.readAllStandardOutput());
+    };
+    EXPECT_TRUE(help("de_DE.UTF-8").contains(QString::fromUtf8("Das zuletzt angesehene Foto öffnen.")));
+    EXPECT_TRUE(help("C.UTF-8").contains("Open the photo last viewed."));
+}
+
 }  // namespace
