@@ -637,7 +637,7 @@
     </message>
     <message>
         <source>No %1</source>
-        <translation>Kein(e) %1</translation>
+        <translation>%1: keine</translation>
     </message>
     <message>
         <source>%1 (edited)</source>
@@ -1195,7 +1195,7 @@
     </message>
     <message>
         <source>User comment:</source>
-        <translation>Benutzerkommentar:</translation>
+        <translation>Kommentar:</translation>
     </message>
     <message>
         <source>Software:</source>
@@ -1385,6 +1385,18 @@
         <source>Audio Coding:</source>
         <translation>Audiocodierung:</translation>
     </message>
+    <message>
+        <source>User Comment</source>
+        <translation>Benutzerkommentar</translation>
+    </message>
+    <message>
+        <source>a comment</source>
+        <translation>ein Kommentar</translation>
+    </message>
+    <message>
+        <source>Camera Model</source>
+        <translation>Kameramodell</translation>
+    </message>
 </context>
 <context>
     <name>ToolBarModel</name>
@@ -1442,6 +1454,21 @@
     <message>
         <source>Back</source>
         <translation>Zurück</translation>
+    </message>
+</context>
+<context>
+    <name>UserSettings</name>
+    <message>
+        <source>Unchanged</source>
+        <translation>Unverändert</translation>
+    </message>
+    <message>
+        <source>No location data in image</source>
+        <translation>Keine Ortsdaten im Bild</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
     </message>
 </context>
 <context>

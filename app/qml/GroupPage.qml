@@ -28,6 +28,8 @@ Page {
         focus: true
         keyNavigationEnabled: true
         highlightFollowsCurrentItem: false
+        // The keys start on the first row, or on the item just come back from.
+        Component.onCompleted: currentIndex = Math.max(0, Group.selectedRow)
         Keys.onReturnPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
         Keys.onEnterPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
     }

@@ -8,6 +8,7 @@
 #include "DetailViewModel.h"
 #include "EditViewModel.h"
 #include "LocationModifierViewModel.h"
+#include "ToolBarModel.h"
 #include "GroupViewModel.h"
 #include "QmlSetup.h"
 #include "Settings.h"
@@ -362,6 +363,38 @@ TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
     models->app->openSettings();
     settle();
     EXPECT_GT(knobs("settings"), 0);
+    window->close();
+}
+
+// The keyboard alone: arrows and Enter open an album and an item, Escape goes back.
+TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
+    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
+    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    ASSERT_TRUE(window);
+    window->requestActivate();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    AppController& app = *models->app;
+    // Files picked earlier: the list offers "Files", then their album.
+    models->albumList->openPaths(testsupport::corpusFiles().mid(0, 3));
+    settle();
+    app.back();
+    settle();
+    ASSERT_EQ(app.screens(), QStringList{"albums"});
+
+    QTest::keyClick(window, Qt::Key_Down);
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group"}));
+    QTest::keyClick(window, Qt::Key_Down);
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group", "detail"}));
+    EXPECT_EQ(TSEnvironment::currentAlbum()->actualIndex(), 1);
+    QTest::keyClick(window, Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group"}));
     window->close();
 }
 

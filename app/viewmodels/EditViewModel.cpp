@@ -217,7 +217,7 @@ QVariantList EditViewModel::sections() const {
             title = QCoreApplication::translate("EditViewModel", "Location");
             rows << switchRow(QCoreApplication::translate("EditViewModel", "No location tag"), section);
             if (s.switchers[section]) break;
-            rows << row(QStringLiteral("disclosure"), s.locationText(multiple));
+            rows << row(QStringLiteral("disclosure"), moduletexts::editText(s.locationText(multiple)));
             if (!isVideo_) {
                 QVariantMap r = row(QStringLiteral("disclosure"), QCoreApplication::translate("EditViewModel", "From a track log..."),
                                     trackPath_.isEmpty() ? QString() : QFileInfo(trackPath_).fileName());
@@ -227,7 +227,7 @@ QVariantList EditViewModel::sections() const {
             break;
         case Sections::rotation:
             title = QCoreApplication::translate("EditViewModel", "Orientation");
-            rows << row(QStringLiteral("disclosure"), s.rotationText());
+            rows << row(QStringLiteral("disclosure"), moduletexts::editText(s.rotationText()));
             break;
         case Sections::userComment:
             title = QCoreApplication::translate("EditViewModel", "User Comment");

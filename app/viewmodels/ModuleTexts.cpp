@@ -57,7 +57,15 @@
     QT_TRANSLATE_NOOP("Resources", "Sky Matte"),
     QT_TRANSLATE_NOOP("Resources", "Teeth Matte"),
 };
+[[maybe_unused]] static const char* const kEditTexts[] = {
+    QT_TRANSLATE_NOOP("UserSettings", "Unchanged"),
+    QT_TRANSLATE_NOOP("UserSettings", "No location data in image"),
+    QT_TRANSLATE_NOOP("UserSettings", "Unknown"),
+};
 [[maybe_unused]] static const char* const kTagLabels[] = {
+    QT_TRANSLATE_NOOP("TSKey", "User Comment"),
+    QT_TRANSLATE_NOOP("TSKey", "a comment"),
+    QT_TRANSLATE_NOOP("TSKey", "Camera Model"),
     QT_TRANSLATE_NOOP("TSKey", "Content"),
     QT_TRANSLATE_NOOP("TSKey", "Creator"),
     QT_TRANSLATE_NOOP("TSKey", "Rights"),
@@ -134,6 +142,7 @@ namespace moduletexts {
 
 QString album(const QString& english) { return QCoreApplication::translate("Albums", english.toUtf8().constData()); }
 QString resource(const QString& english) { return QCoreApplication::translate("Resources", english.toUtf8().constData()); }
+QString editText(const QString& english) { return QCoreApplication::translate("UserSettings", english.toUtf8().constData()); }
 QString tagLabel(const QString& english) { return QCoreApplication::translate("TSKey", english.toUtf8().constData()); }
 
 }  // namespace moduletexts

@@ -9,5 +9,7 @@ namespace moduletexts {
 QString album(const QString& english);
 QString resource(const QString& english);
 QString tagLabel(const QString& english);
+// The edit model's own texts for a row ("Unchanged", ...).
+QString editText(const QString& english);
 
 }  // namespace moduletexts
