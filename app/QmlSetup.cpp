@@ -2,6 +2,7 @@
 #include "QmlSetup.h"
 
 #include "TSMapView.h"
+#include "IconProvider.h"
 #include "ThumbnailProvider.h"
 
 #include <QQmlEngine>
@@ -16,6 +17,7 @@ void setStyle() {
 
 void setUpEngine(QQmlEngine& engine) {
     engine.addImageProvider(QStringLiteral("thumb"), new ThumbnailProvider);
+    engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
     qmlRegisterType<TSMapView>("Tessorin", 1, 0, "TSMapView");
 }
 

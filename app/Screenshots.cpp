@@ -4,6 +4,7 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "AppModels.h"
+#include "ColorScheme.h"
 #include "DetailViewModel.h"
 #include "DateModifierViewModel.h"
 #include "EditViewModel.h"
@@ -337,5 +338,9 @@ int Screenshots::run(const QString& outputDir, const QStringList& files) {
     dir_ = outputDir;
     drawAt(QStringLiteral("phone"), 390, 844, files);
     drawAt(QStringLiteral("tablet"), 1180, 820, files);
+    // And again in the dark scheme.
+    models_.colors->setPreference(QStringLiteral("dark"));
+    drawAt(QStringLiteral("phone-dark"), 390, 844, files);
+    drawAt(QStringLiteral("tablet-dark"), 1180, 820, files);
     return failures_ == 0 ? 0 : 1;
 }

@@ -17,9 +17,12 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QQmlApplicationEngine>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QWindow>
 #include <cstring>
 
@@ -51,17 +54,25 @@ int main(int argc, char** argv) {
     QGuiApplication::setDesktopFileName(QStringLiteral("org.tessorin.Tessorin"));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/tessorin.svg")));
 
+    // The user's language, for our texts and for Qt's own dialogs; English where there is none.
+    QTranslator qtTexts;
+    if (qtTexts.load(QLocale(), QStringLiteral("qt"), QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&qtTexts);
+    QTranslator ownTexts;
+    if (ownTexts.load(QLocale(), QStringLiteral("tessorin"), QStringLiteral("_"), QStringLiteral(":/i18n")))
+        QCoreApplication::installTranslator(&ownTexts);
+
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("See and fix what photos and videos say about themselves."));
+    parser.setApplicationDescription(QCoreApplication::translate("main", "See and fix what photos and videos say about themselves."));
     parser.addHelpOption();
     parser.addVersionOption();
     const QCommandLineOption screenshots(QStringLiteral("screenshots"),
-                                         QStringLiteral("Write pictures of every screen into <dir> and quit."),
+                                         QCoreApplication::translate("main", "Write pictures of every screen into <dir> and quit."),
                                          QStringLiteral("dir"));
     parser.addOption(screenshots);
-    const QCommandLineOption lastPhoto(QStringLiteral("last-photo"), QStringLiteral("Open the photo last viewed."));
+    const QCommandLineOption lastPhoto(QStringLiteral("last-photo"), QCoreApplication::translate("main", "Open the photo last viewed."));
     parser.addOption(lastPhoto);
-    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Photos and videos, or a tessorin://ALBUM link."),
+    parser.addPositionalArgument(QStringLiteral("files"), QCoreApplication::translate("main", "Photos and videos, or a tessorin://ALBUM link."),
                                  QStringLiteral("[FILE... | tessorin://ALBUM]"));
     parser.process(app);
 

@@ -7,6 +7,7 @@
 #include "Workers.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 #include <cstdio>
 #include <functional>
@@ -24,6 +25,8 @@ void printError(const QString& text) {
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
+    // Scripts read the output: dates and numbers in the same words whatever the user's language.
+    QLocale::setDefault(QLocale::c());
     QCoreApplication::setApplicationName(TESSORIN_APP_NAME);
     QCoreApplication::setApplicationVersion(TESSORIN_VERSION);
     cli::setUpWorkers();

@@ -19,6 +19,9 @@ packages=(
   qml6-module-qt-labs-folderlistmodel fonts-dejavu-core
   # TIFF and WebP pixels for QImage (redrawing photos, and the tests' pixel checks)
   qt6-image-formats-plugins
+  # the screens' translations: lupdate and lrelease with their CMake functions, and Qt's own
+  # texts (its dialogs) in the user's language
+  qt6-tools-dev qt6-l10n-tools qt6-translations-l10n
   # the app's icons are SVG files
   qt6-svg-dev libqt6svg6
   # metadata and media libraries

@@ -55,7 +55,13 @@ void TSMapView::showPin() {
     if (pin_) {
         const TileSource* source = tiles();
         const bool ground = source && !unreachable_.contains(source);
-        zoom_ = (cameraType() == threeD ? threeDZoom : standardZoom) - (ground ? 0 : standardZoom - offlineZoom);
+        double zoom = ground ? standardZoom : offlineZoom;
+        // Without tiles, out to where a neighbouring town is named: closer in, the offline map
+        // is bare land around the pin.
+        const auto offline = ground ? nullptr : OfflineMap::shared();
+        if (offline) zoom = offline->zoomShowingTowns(*pin_, QSizeF(std::max(width(), 160.0), std::max(height(), 120.0)), zoom);
+        // The 3D camera is lower.
+        zoom_ = zoom + (cameraType() == threeD ? threeDZoom - standardZoom : 0);
         centre_ = mercator::project(*pin_, zoom_);
     } else {
         // No place: the world, centred on the Atlantic, 180 degrees across.
@@ -135,6 +141,8 @@ void TSMapView::geometryChange(const QRectF& newGeometry, const QRectF& oldGeome
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
     // The world view fits the width it is given.
     if (!pin_ && newGeometry.width() != oldGeometry.width()) showPin();
+    // The offline map's zoom depends on how much the view shows: chosen again at the first size.
+    else if (pin_ && !movedAway_ && oldGeometry.isEmpty() && !newGeometry.isEmpty()) showPin();
 }
 
 void TSMapView::userMoved() {
@@ -209,7 +217,7 @@ void TSMapView::paint(QPainter* painter) {
         ground = QSizeF(side, side);
         painter->translate((size.width() - side) / 2, (size.height() - side) / 2);
     }
-    if (const auto offline = OfflineMap::shared()) offline->draw(*painter, ground, groundCentre, zoom_, mapStyle());
+    if (const auto offline = OfflineMap::shared()) offline->draw(*painter, ground, groundCentre, zoom_, mapStyle(), pin_);
     else painter->fillRect(QRectF(QPointF(), ground), QColor(0xaa, 0xd3, 0xdf));
     drawTiles(*painter, ground, groundCentre);
     const QPointF origin = groundCentre - QPointF(ground.width(), ground.height()) / 2;

@@ -8,7 +8,7 @@ import Tessorin
 
 Page {
     header: NavigationBar {
-        title: "About"
+        title: qsTr("About")
         showBack: true
     }
 
@@ -17,7 +17,7 @@ Page {
         wrapMode: Text.WordWrap
         horizontalAlignment: Text.AlignHCenter
         font.pixelSize: 13
-        color: "#6D6D72"
+        color: Theme.secondaryText
     }
     component Heading: Label {
         Layout.alignment: Qt.AlignHCenter
@@ -50,26 +50,26 @@ Page {
             }
             Label {
                 Layout.alignment: Qt.AlignHCenter
-                text: "Version " + App.version
+                text: qsTr("Version %1").arg(App.version)
                 font.pixelSize: 15
-                color: "#8E8E93"
+                color: Theme.secondaryText
             }
             Label {
                 Layout.fillWidth: true
                 Layout.topMargin: 16
-                text: "See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag."
+                text: qsTr("See and fix what photos and videos say about themselves: dates, places, camera, lens, exposure and every EXIF, TIFF, GPS, IPTC and QuickTime tag.")
                 wrapMode: Text.WordWrap
                 horizontalAlignment: Text.AlignHCenter
                 font.pixelSize: 15
             }
-            CreditLabel { text: "Licensed under " + App.licence }
+            CreditLabel { text: qsTr("Licensed under %1").arg(App.licence) }
 
-            Heading { text: "Data" }
+            Heading { text: qsTr("Data") }
             Repeater {
                 model: App.dataCredits()
                 CreditLabel { required property string modelData; text: modelData }
             }
-            Heading { text: "Libraries" }
+            Heading { text: qsTr("Libraries") }
             Repeater {
                 model: App.libraryCredits()
                 CreditLabel { required property string modelData; text: modelData }

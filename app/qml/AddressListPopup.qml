@@ -28,7 +28,7 @@ Popup {
                 visible: section.modelData.title !== ""
                 text: section.modelData.title
                 font.pixelSize: 13
-                color: "#6C6C70"
+                color: Theme.secondaryText
                 topPadding: 10
                 bottomPadding: 4
             }
@@ -39,7 +39,7 @@ Popup {
                     width: list.width
                     text: modelData
                     font.pixelSize: 15
-                    palette.buttonText: section.modelData.title === "" ? "#1E6FD9" : "#1C1C1E"
+                    palette.buttonText: section.modelData.title === "" ? Theme.tint : Theme.text
                     onClicked: if (section.modelData.title === "") { AddressList.openInMaps(); popup.close() }
                 }
             }

@@ -14,12 +14,14 @@ Page {
         leading: ToolButton {
             // Inside a folder of albums the way back up; at the root the document picker.
             icon.source: AlbumList.inFolder ? "qrc:/icons/chevron.left.svg" : "qrc:/icons/folder.svg"
-            icon.color: "#1E6FD9"
+            Accessible.name: AlbumList.inFolder ? qsTr("Back") : qsTr("Open Files")
+            icon.color: Theme.tint
             onClicked: AlbumList.inFolder ? AlbumList.upFolder() : picker.open()
         }
         ToolButton {
             icon.source: "qrc:/icons/gearshape.svg"
-            icon.color: "#1E6FD9"
+            Accessible.name: qsTr("Settings")
+            icon.color: Theme.tint
             onClicked: App.openSettings()
         }
     }
@@ -29,13 +31,18 @@ Page {
         anchors.fill: parent
         clip: true
         model: AlbumList
+        // Arrows move through the albums, Enter opens one (or opens and closes a section).
+        focus: true
+        keyNavigationEnabled: true
+        Keys.onReturnPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
+        Keys.onEnterPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
         // The library's folders, chosen in place of the platform's photo access.
         footer: ItemDelegate {
             visible: !AlbumList.inFolder
             width: ListView.view.width
             height: visible ? 56 : 0
-            text: "Change Photo Access..."
-            Material.foreground: "#1E6FD9"
+            text: qsTr("Change Photo Access...")
+            Material.foreground: Theme.tint
             onClicked: accessDialog.open()
         }
         delegate: ItemDelegate {
@@ -47,15 +54,18 @@ Page {
             required property int count
             required property bool collapsed
             readonly property bool header: kind === "header"
+            Accessible.name: count >= 0 ? qsTr("%1, %n item(s)", "", count).arg(title) : title
             width: ListView.view.width
             height: header ? 32 : 56
+            // The row the arrow keys are on.
+            highlighted: ListView.isCurrentItem && ListView.view.activeFocus
             onClicked: AlbumList.select(index)
 
             contentItem: RowLayout {
                 spacing: 12
                 Image {
                     visible: !cell.header
-                    source: "qrc:/icons/" + cell.symbol + ".svg"
+                    source: "image://icon/" + Theme.iconTone + "/" + cell.symbol
                     sourceSize: Qt.size(26, 26)
                     Layout.preferredWidth: 26
                     Layout.preferredHeight: 26
@@ -65,16 +75,16 @@ Page {
                     Layout.fillWidth: true
                     elide: Text.ElideRight
                     font.pixelSize: cell.header ? 13 : 17
-                    color: cell.header ? "#6D6D72" : "#1C1C1E"
+                    color: cell.header ? Theme.secondaryText : Theme.text
                 }
                 Label {
                     visible: cell.count >= 0
                     text: cell.count
                     font.pixelSize: cell.header ? 13 : 17
-                    color: "#8E8E93"
+                    color: Theme.secondaryText
                 }
                 Image {
-                    source: cell.header ? "qrc:/icons/chevron.down.svg" : "qrc:/icons/chevron.right.svg"
+                    source: cell.header ? "image://icon/" + Theme.iconTone + "/chevron.down" : "image://icon/" + Theme.iconTone + "/chevron.right"
                     sourceSize: Qt.size(14, 14)
                     opacity: cell.header ? 1 : 0.35
                     rotation: cell.header && cell.collapsed ? -90 : 0
@@ -87,7 +97,7 @@ Page {
                 x: 54
                 width: parent.width - x
                 height: 1
-                color: "#E5E5EA"
+                color: Theme.fill
             }
         }
     }
@@ -95,7 +105,7 @@ Page {
     FileDialog {
         id: picker
         objectName: "documentPicker"
-        title: "Open photos and videos"
+        title: qsTr("Open photos and videos")
         fileMode: FileDialog.OpenFiles
         currentFolder: AlbumList.pickerFolder
         nameFilters: AlbumList.nameFilters
@@ -104,7 +114,7 @@ Page {
     FolderDialog {
         id: accessDialog
         objectName: "photoAccess"
-        title: "Change Photo Access..."
+        title: qsTr("Change Photo Access...")
         onAccepted: AlbumList.setLibraryFolders([selectedFolder])
     }
     Dialog {
@@ -116,8 +126,8 @@ Page {
         modal: true
         Label { id: unavailableText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
-            Button { text: "Settings"; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
-            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: qsTr("Settings"); DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            Button { text: qsTr("Cancel"); DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
         }
         onAccepted: accessDialog.open()
     }

@@ -2,6 +2,7 @@
 // The background of the menus and popovers: a white card with a soft shadow, drawn plainly
 // because the style's elevated background needs effects the software renderer lacks.
 import QtQuick
+import Tessorin
 
 Item {
     property real radius: 14
@@ -16,7 +17,7 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: parent.radius
-        color: "#FFFFFF"
-        border.color: "#D1D1D6"
+        color: Theme.card
+        border.color: Theme.separator
     }
 }

@@ -11,10 +11,10 @@ Page {
     id: page
     readonly property var model: Edit.dateScreen
     StackView.onRemoved: { model.leave(); Edit.reappear() }
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
     header: NavigationBar {
         title: page.model.title
-        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: "#1E6FD9"; onClicked: page.StackView.view.pop() }
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: Theme.tint; Accessible.name: qsTr("Back"); onClicked: page.StackView.view.pop() }
     }
 
     Connections {
@@ -37,7 +37,7 @@ Page {
                 visible: text !== ""
                 leftPadding: 16; topPadding: 18; bottomPadding: 6
                 font.pixelSize: 13
-                color: "#6D6D72"
+                color: Theme.secondaryText
             }
             Item { width: 1; height: 18; visible: section.modelData.header === "" }
             Repeater {
@@ -65,8 +65,9 @@ Page {
             property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
             property int sectionNumber: 0
             property int rowNumber: 0
+            Accessible.name: [cellData.title, cellData.detail || cellData.value || ""].filter(t => t !== "").join(", ")
             height: cellData.image !== "" ? 72 : 48
-            background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
+            background: Rectangle { color: row.pressed ? Theme.fill : Theme.card }
             onClicked: page.model.tap(row.sectionNumber, row.rowNumber)
             contentItem: RowLayout {
                 spacing: 10
@@ -82,15 +83,16 @@ Page {
                     text: row.cellData.title
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: row.cellData.kind === "action" ? "#1E6FD9" : "#1C1C1E"
+                    color: row.cellData.kind === "action" ? Theme.tint : Theme.text
                 }
-                Label { visible: row.cellData.detail !== ""; text: row.cellData.detail; color: "#6C6C70"; font.pixelSize: 14 }
-                Switch {
+                Label { visible: row.cellData.detail !== ""; text: row.cellData.detail; color: Theme.secondaryText; font.pixelSize: 14 }
+                PlainSwitch {
                     visible: row.cellData.kind === "date"
+                    Accessible.name: qsTr("Time")
                     checked: page.model.withTime
                     onToggled: page.model.withTime = checked
                 }
-                Label { visible: row.cellData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+                Label { visible: row.cellData.checked; text: "✓"; color: Theme.tint; font.pixelSize: 18 }
             }
         }
     }
@@ -99,7 +101,7 @@ Page {
         id: pickerRow
         Rectangle {
             height: 180
-            color: "#FFFFFF"
+            color: Theme.card
             DateTimePicker {
                 anchors.fill: parent
                 anchors.margins: 10
@@ -112,7 +114,7 @@ Page {
 
     FileDialog {
         id: photoDialog
-        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)"]
+        nameFilters: [qsTr("Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)")]
         onAccepted: page.model.choosePhoto(selectedFile.toString())
         onRejected: page.model.choosePhoto("")
     }

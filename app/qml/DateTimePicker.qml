@@ -4,6 +4,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Tessorin
 
 RowLayout {
     id: picker
@@ -65,7 +66,7 @@ RowLayout {
                 horizontalAlignment: Text.AlignHCenter
                 verticalAlignment: Text.AlignVCenter
                 font.pixelSize: 18
-                color: wheel.activeFocus && Tumbler.displacement === 0 ? "#1E6FD9" : "#1C1C1E"
+                color: wheel.activeFocus && Tumbler.displacement === 0 ? Theme.tint : Theme.text
                 opacity: 1.0 - Math.abs(Tumbler.displacement) / (wheel.visibleItemCount / 2)
                 // A click picks the entry and gives the wheel the keys.
                 TapHandler {

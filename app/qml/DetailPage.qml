@@ -10,7 +10,7 @@ import Tessorin
 Page {
     id: page
     focus: true
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
 
     Keys.onLeftPressed: Detail.previous()
     Keys.onRightPressed: Detail.next()
@@ -95,7 +95,7 @@ Page {
             // While the tables still show the previous item.
             Rectangle {
                 anchors.fill: parent
-                color: "#F2F2F7"
+                color: Theme.groupedBackground
                 opacity: Detail.overlayShown ? 0.6 : 0
                 Behavior on opacity { NumberAnimation { duration: 150 } }
             }
@@ -111,9 +111,9 @@ Page {
                 }
                 Label {
                     anchors.horizontalCenter: parent.horizontalCenter
-                    text: "Downloading..."
+                    text: qsTr("Downloading...")
                     font.pixelSize: 12
-                    color: "#8E8E93"
+                    color: Theme.secondaryText
                 }
             }
         }
@@ -139,7 +139,7 @@ Page {
         property alias text: alertText.text
         footer: DialogButtonBox {
             Button {
-                text: "Ok"
+                text: qsTr("Ok")
                 flat: true
                 DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
             }

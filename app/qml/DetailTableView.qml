@@ -41,6 +41,11 @@ ListView {
 
         width: table.width
         height: collapsed ? 0 : loader.height
+        // Read out as shown: the label and the value, the file's name, type and sizes.
+        Accessible.role: kind === "date" || kind === "location" || kind === "details" || kind === "sizes"
+                         ? Accessible.ListItem : kind === "map" ? Accessible.Graphic : Accessible.NoRole
+        Accessible.name: kind === "sizes" ? [fileName, fileType, sizes].filter(t => t !== "").join(", ")
+                         : kind === "map" ? qsTr("Map") : (label + " " + value).trim()
         visible: !collapsed
         clip: true
 
@@ -62,20 +67,20 @@ ListView {
         }
         Menu {
             id: copyMenu
-            MenuItem { text: "Copy"; onTriggered: DetailTable.copy() }
+            MenuItem { text: qsTr("Copy"); onTriggered: DetailTable.copy() }
         }
 
         Component {
             id: dateRow
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: Math.max(48, dateText.implicitHeight + 20)
                 Image {
                     id: dateIcon
                     anchors.left: parent.left
                     anchors.leftMargin: 16
                     anchors.verticalCenter: parent.verticalCenter
-                    source: rowItem.kind === "date" ? "qrc:/icons/calendar.svg" : "qrc:/icons/mappin.and.ellipse.svg"
+                    source: rowItem.kind === "date" ? "image://icon/" + Theme.iconTone + "/calendar" : "image://icon/" + Theme.iconTone + "/mappin.and.ellipse"
                     sourceSize: Qt.size(22, 22)
                 }
                 Label {
@@ -90,7 +95,7 @@ ListView {
                     wrapMode: Text.Wrap
                     font.pixelSize: 17
                     font.weight: rowItem.kind === "date" ? Font.DemiBold : Font.Normal
-                    color: "#1C1C1E"
+                    color: Theme.text
                 }
                 ToolButton {
                     id: info
@@ -98,7 +103,8 @@ ListView {
                     anchors.verticalCenter: parent.verticalCenter
                     visible: rowItem.infoMark
                     icon.source: "qrc:/icons/info.circle.svg"
-                    icon.color: "#1E6FD9"
+                    Accessible.name: qsTr("Sources")
+                    icon.color: Theme.tint
                     onClicked: table.sourcesRequested(rowItem.index, info)
                 }
             }
@@ -107,14 +113,14 @@ ListView {
         Component {
             id: badgesRow
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: 52
                 Rectangle {
                     anchors.centerIn: parent
                     width: badgeRow.implicitWidth + 24
                     height: 36
                     radius: 18
-                    color: "#F2F2F7"
+                    color: Theme.groupedBackground
                     visible: rowItem.badges.length > 0
                     Row {
                         id: badgeRow
@@ -134,14 +140,14 @@ ListView {
                                 Image {
                                     visible: !!modelData.symbol
                                     anchors.fill: parent
-                                    source: modelData.symbol ? "qrc:/icons/" + modelData.symbol + ".svg" : ""
+                                    source: modelData.symbol ? "image://icon/" + Theme.iconTone + "/" + modelData.symbol : ""
                                     sourceSize: Qt.size(22, 22)
                                 }
                                 Rectangle {
                                     visible: !modelData.symbol
                                     anchors.fill: parent
                                     radius: 4
-                                    border.color: "#3C3C43"
+                                    border.color: Theme.secondaryText
                                     border.width: 1.5
                                     color: "transparent"
                                     Label {
@@ -150,7 +156,7 @@ ListView {
                                         text: modelData.text
                                         font.pixelSize: 11
                                         font.weight: Font.Bold
-                                        color: "#3C3C43"
+                                        color: Theme.secondaryText
                                     }
                                 }
                             }
@@ -163,7 +169,7 @@ ListView {
         Component {
             id: stackRow
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: 44
                 RowLayout {
                     anchors.fill: parent
@@ -182,7 +188,7 @@ ListView {
                             text: modelData
                             elide: Text.ElideRight
                             font.pixelSize: 15
-                            color: index === 1 && rowItem.focalAccent ? "#1E6FD9" : "#1C1C1E"
+                            color: index === 1 && rowItem.focalAccent ? Theme.tint : Theme.text
                             TapHandler {
                                 enabled: stackLabel.index === 1 && rowItem.focalAccent
                                 onTapped: table.focalRequested(stackLabel)
@@ -196,7 +202,7 @@ ListView {
         Component {
             id: sizesRow
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: sizesColumn.implicitHeight + 20
                 ColumnLayout {
                     id: sizesColumn
@@ -214,20 +220,20 @@ ListView {
                             elide: Text.ElideMiddle
                             font.pixelSize: 15
                             font.weight: Font.DemiBold
-                            color: "#1C1C1E"
+                            color: Theme.text
                         }
                         Rectangle {
                             implicitWidth: typeLabel.implicitWidth + 12
                             implicitHeight: typeLabel.implicitHeight + 4
                             radius: 4
-                            color: "#1E6FD9"
+                            color: Theme.tint
                             Label {
                                 id: typeLabel
                                 anchors.centerIn: parent
                                 text: rowItem.fileType
                                 font.pixelSize: 12
                                 font.weight: Font.Bold
-                                color: "#FFFFFF"
+                                color: Theme.card
                             }
                         }
                     }
@@ -236,7 +242,7 @@ ListView {
                         text: rowItem.sizes
                         elide: Text.ElideRight
                         font.pixelSize: 14
-                        color: "#6C6C70"
+                        color: Theme.secondaryText
                     }
                 }
             }
@@ -246,7 +252,7 @@ ListView {
             id: mapRow
             // The place on a map with the camera's direction; the info button opens the address list.
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: 260 + (App.pad ? 96 : 0)
                 MapView {
                     anchors.fill: parent
@@ -264,7 +270,7 @@ ListView {
         Component {
             id: detailsRow
             Rectangle {
-                color: "#FFFFFF"
+                color: Theme.card
                 height: Math.max(40, detailValue.implicitHeight + 16)
                 Label {
                     id: detailLabel
@@ -275,7 +281,7 @@ ListView {
                     text: rowItem.label
                     elide: Text.ElideRight
                     font.pixelSize: 15
-                    color: "#6C6C70"
+                    color: Theme.secondaryText
                 }
                 Label {
                     id: detailValue
@@ -289,7 +295,7 @@ ListView {
                     opacity: rowItem.alpha
                     wrapMode: Text.Wrap
                     font.pixelSize: 15
-                    color: "#1C1C1E"
+                    color: Theme.text
                 }
                 Rectangle {
                     anchors.bottom: parent.bottom
@@ -297,7 +303,7 @@ ListView {
                     anchors.leftMargin: 16
                     anchors.right: parent.right
                     height: 1
-                    color: "#E5E5EA"
+                    color: Theme.fill
                 }
             }
         }

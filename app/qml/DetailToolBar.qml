@@ -19,7 +19,7 @@ Rectangle {
     })
 
     enabled: Detail.barEnabled
-    color: flat ? "transparent" : "#F9F9F9"
+    color: flat ? "transparent" : Theme.bar
     implicitHeight: flat ? 52 : 49
     implicitWidth: flat ? tools.implicitWidth : 0
 
@@ -28,7 +28,7 @@ Rectangle {
         anchors.top: parent.top
         width: parent.width
         height: 1
-        color: "#D1D1D6"
+        color: Theme.separator
     }
 
     RowLayout {
@@ -48,7 +48,8 @@ Rectangle {
                 id: resourcesTool
                 anchors.verticalCenter: parent.verticalCenter
                 icon.source: "qrc:/icons/square.stack.3d.up.svg"
-                icon.color: "#1E6FD9"
+                Accessible.name: qsTr("Resources")
+                icon.color: Theme.tint
                 onClicked: Resources.open = true
             }
         }
@@ -69,13 +70,16 @@ Rectangle {
                     anchors.verticalCenter: parent.verticalCenter
                     x: bar.flat || cell.index === 0 ? 0
                        : cell.index === ToolBar.tools.length - 1 ? cell.width - width : (cell.width - width) / 2
-                    text: cell.modelData === "edit" ? "Edit" : ""
+                    text: cell.modelData === "edit" ? qsTr("Edit") : ""
                     font.capitalization: Font.MixedCase
+                    Accessible.name: ({ share: qsTr("Share"), tags: Detail.showTags ? qsTr("Show Details") : qsTr("Show All Tags"),
+                                        prefer: ToolBar.favoriteSymbol === "heart.fill" ? qsTr("Remove from Favorites") : qsTr("Add to Favorites"),
+                                        delete: qsTr("Delete"), burst: qsTr("Burst Photos"), more: qsTr("More"), edit: qsTr("Edit") })[cell.modelData] || ""
                     icon.source: cell.modelData === "tags" ? (Detail.showTags ? "qrc:/icons/tag.fill.svg" : "qrc:/icons/tag.svg")
                                : cell.modelData === "prefer" ? "qrc:/icons/" + ToolBar.favoriteSymbol + ".svg"
                                : bar.symbols[cell.modelData] ? "qrc:/icons/" + bar.symbols[cell.modelData] + ".svg" : ""
-                    icon.color: "#1E6FD9"
-                    Material.foreground: "#1E6FD9"
+                    icon.color: Theme.tint
+                    Material.foreground: Theme.tint
                     onClicked: {
                         if (cell.modelData === "share")
                             Share.menuOpen = true
@@ -108,7 +112,7 @@ Rectangle {
                 checkable: !modelData.action
                 checked: modelData.checked
                 icon.source: "qrc:/icons/" + modelData.symbol + ".svg"
-                icon.color: "#3C3C43"
+                icon.color: Theme.secondaryText
                 onTriggered: ToolBar.toggleMore(index)
             }
         }

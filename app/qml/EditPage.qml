@@ -10,17 +10,22 @@ import Tessorin
 Page {
     id: page
     signal saveRequested()
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
 
     header: NavigationBar {
         title: Edit.title
-        leading: ToolButton { text: "Cancel"; font.capitalization: Font.MixedCase; onClicked: Edit.close() }
+        leading: ToolButton { text: qsTr("Cancel"); font.capitalization: Font.MixedCase; onClicked: Edit.close() }
         ToolButton {
-            text: "Save"
+            text: qsTr("Save")
             font.capitalization: Font.MixedCase
             font.bold: true
             // Line editors hand their text over when they lose the focus.
             onClicked: { forceActiveFocus(); page.saveRequested() }
+            Shortcut {
+                sequences: [StandardKey.Save]
+                enabled: page.StackView.status === StackView.Active
+                onActivated: parent.clicked()
+            }
         }
     }
 
@@ -39,7 +44,7 @@ Page {
                 visible: text !== ""
                 leftPadding: 16; topPadding: 18; bottomPadding: 6
                 font.pixelSize: 13
-                color: "#6D6D72"
+                color: Theme.secondaryText
             }
             Item { width: 1; height: 12; visible: section.modelData.title === "" }
             Repeater {
@@ -68,7 +73,7 @@ Page {
         id: imagesCell
         Rectangle {
             height: 96
-            color: "#FFFFFF"
+            color: Theme.card
             RowLayout {
                 anchors.fill: parent
                 anchors.margins: 8
@@ -90,7 +95,7 @@ Page {
                 }
                 ColumnLayout {
                     visible: Edit.addVisible
-                    Label { text: Edit.maxImagesText; color: "#6C6C70"; font.pixelSize: 12 }
+                    Label { text: Edit.maxImagesText; color: Theme.secondaryText; font.pixelSize: 12 }
                     Button {
                         text: "+"
                         font.pixelSize: 22
@@ -99,8 +104,8 @@ Page {
                         onClicked: addMenu.popup()
                         Menu {
                             id: addMenu
-                            MenuItem { text: "From this album..."; onTriggered: albumPicker.open() }
-                            MenuItem { text: "From files..."; onTriggered: addDialog.open() }
+                            MenuItem { text: qsTr("From this album..."); onTriggered: albumPicker.open() }
+                            MenuItem { text: qsTr("From files..."); onTriggered: addDialog.open() }
                         }
                     }
                 }
@@ -115,7 +120,7 @@ Page {
             property var cellData: ({ title: "", detail: "", checked: false })
             property int sectionNumber: 0
             height: Math.max(48, texts.implicitHeight + 16)
-            color: "#FFFFFF"
+            color: Theme.card
             RowLayout {
                 anchors.fill: parent
                 anchors.leftMargin: 16; anchors.rightMargin: 8
@@ -124,9 +129,10 @@ Page {
                     Layout.fillWidth: true
                     spacing: 1
                     Label { Layout.fillWidth: true; text: row.cellData.title; font.pixelSize: 16; elide: Text.ElideRight }
-                    Label { Layout.fillWidth: true; visible: text !== ""; text: row.cellData.detail; font.pixelSize: 12; color: "#6C6C70" }
+                    Label { Layout.fillWidth: true; visible: text !== ""; text: row.cellData.detail; font.pixelSize: 12; color: Theme.secondaryText }
                 }
-                Switch {
+                PlainSwitch {
+                    Accessible.name: row.cellData.title
                     checked: row.cellData.checked
                     onToggled: Edit.setSwitch(row.sectionNumber, checked)
                 }
@@ -141,8 +147,9 @@ Page {
             property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
             property int sectionNumber: 0
             property int rowNumber: 0
+            Accessible.name: [cellData.title, cellData.detail || cellData.value || cellData.placeholder || ""].filter(t => t !== "").join(", ")
             height: 48
-            background: Rectangle { color: row.pressed ? "#E5E5EA" : "#FFFFFF" }
+            background: Rectangle { color: row.pressed ? Theme.fill : Theme.card }
             onClicked: Edit.select(row.sectionNumber, row.rowNumber)
             contentItem: RowLayout {
                 spacing: 8
@@ -151,7 +158,7 @@ Page {
                     text: row.cellData.title
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: row.cellData.dimmed ? "#C7C7CC" : "#1C1C1E"
+                    color: row.cellData.dimmed ? Theme.separator : Theme.text
                 }
                 Label {
                     text: row.cellData.detail
@@ -159,9 +166,9 @@ Page {
                     elide: Text.ElideLeft
                     Layout.maximumWidth: row.width * 0.45
                     font.pixelSize: 13
-                    color: "#6C6C70"
+                    color: Theme.secondaryText
                 }
-                Image { source: "qrc:/icons/chevron.right.svg"; sourceSize: Qt.size(14, 14) }
+                Image { source: "image://icon/" + Theme.iconTone + "/chevron.right"; sourceSize: Qt.size(14, 14) }
             }
         }
     }
@@ -172,14 +179,15 @@ Page {
             id: row
             property var cellData: ({ title: "", value: "", placeholder: "", key: "" })
             height: 56
-            color: "#FFFFFF"
+            color: Theme.card
             ColumnLayout {
                 anchors.fill: parent
                 anchors.leftMargin: 16; anchors.rightMargin: 16
                 spacing: 0
-                Label { text: row.cellData.title; font.pixelSize: 12; color: "#6C6C70" }
+                Label { text: row.cellData.title; font.pixelSize: 12; color: Theme.secondaryText }
                 TextField {
                     Layout.fillWidth: true
+                    Accessible.name: row.cellData.title
                     text: row.cellData.value
                     placeholderText: row.cellData.placeholder
                     background: null
@@ -232,9 +240,9 @@ Page {
                         anchors.bottom: parent.bottom
                         anchors.margins: 6
                         text: "✓"
-                        color: "#FFFFFF"
+                        color: Theme.card
                         font.pixelSize: 20
-                        background: Rectangle { color: "#1E6FD9"; radius: 10 }
+                        background: Rectangle { color: Theme.tint; radius: 10 }
                         padding: 2
                     }
                     TapHandler {
@@ -249,10 +257,10 @@ Page {
                 }
             }
             RowLayout {
-                Label { Layout.fillWidth: true; text: Edit.maxImagesText; color: "#6C6C70" }
-                Button { text: "Cancel"; flat: true; font.capitalization: Font.MixedCase; onClicked: albumPicker.close() }
+                Label { Layout.fillWidth: true; text: Edit.maxImagesText; color: Theme.secondaryText }
+                Button { text: qsTr("Cancel"); flat: true; font.capitalization: Font.MixedCase; onClicked: albumPicker.close() }
                 Button {
-                    text: "Add"
+                    text: qsTr("Add")
                     flat: true
                     font.capitalization: Font.MixedCase
                     enabled: albumPicker.picked.length > 0
@@ -265,7 +273,7 @@ Page {
     FileDialog {
         id: addDialog
         fileMode: FileDialog.OpenFiles
-        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)"]
+        nameFilters: [qsTr("Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng *.avif)")]
         onAccepted: Edit.addFiles(selectedFiles.map(u => u.toString()))
     }
 }

@@ -21,7 +21,7 @@ Popup {
     modal: true
     closePolicy: Popup.NoAutoClose
     visible: Edit.active
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
 
     Component { id: editPage; EditPage { onSaveRequested: saveSheet.open() } }
     Component { id: datePage; DatePage {} }
@@ -36,10 +36,10 @@ Popup {
             // Its own bar is the search field: the way back is at the bottom.
             footer: Pane {
                 padding: 4
-                background: Rectangle { color: "#F9F9F9" }
+                background: Rectangle { color: Theme.bar }
                 Button {
                     anchors.right: parent.right
-                    text: "Done"
+                    text: qsTr("Done")
                     flat: true
                     font.capitalization: Font.MixedCase
                     onClicked: stack.pop()
@@ -99,7 +99,7 @@ Popup {
                 text: saveSheet.question.message
                 wrapMode: Text.Wrap
                 horizontalAlignment: Text.AlignHCenter
-                color: "#6C6C70"
+                color: Theme.secondaryText
             }
             Repeater {
                 model: saveSheet.question.actions
@@ -145,7 +145,7 @@ Popup {
         footer: DialogButtonBox {
             background: null
             Button {
-                text: "Ok"
+                text: qsTr("Ok")
                 flat: true
                 font.capitalization: Font.MixedCase
                 DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
@@ -157,7 +157,7 @@ Popup {
     FileDialog {
         id: fileDialog
         fileMode: FileDialog.SaveFile
-        acceptLabel: "Save"
+        acceptLabel: qsTr("Save")
         onAccepted: Edit.finishExport(selectedFile)
         onRejected: Edit.finishExport("")
     }

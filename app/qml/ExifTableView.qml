@@ -19,6 +19,17 @@ Item {
         ScrollIndicator.vertical: ScrollIndicator {}
         onContentYChanged: if (dragging) Detail.offsetChanged(contentY - originY)
         onDragEnded: Detail.dragEnded()
+        // From the keyboard: Tab reaches the list, the arrows move from row to row, Enter opens or
+        // closes a section, Ctrl+C copies the row's value.
+        activeFocusOnTab: true
+        keyNavigationEnabled: true
+        Keys.onReturnPressed: if (currentItem && currentItem.kind === "header") TagTable.toggle(currentItem.section)
+        Keys.onPressed: event => {
+            if (event.matches(StandardKey.Copy) && currentItem && currentItem.kind === "row") {
+                TagTable.copy(currentIndex)
+                event.accepted = true
+            }
+        }
 
         add: Transition { NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 180 } }
         displaced: Transition { NumberAnimation { property: "y"; duration: 180 } }
@@ -34,19 +45,32 @@ Item {
             required property string value
             width: list.width
             sourceComponent: kind === "header" ? header : kind === "download" ? download : tagRow
+            // Read out as the row shows it.
+            Accessible.role: kind === "header" ? Accessible.Button : Accessible.ListItem
+            Accessible.name: kind === "header" ? title : kind === "row" ? label + " " + value : qsTr("Not on this device")
+            Accessible.onPressAction: if (kind === "header") TagTable.toggle(section)
+            // The row with the keyboard's focus.
+            Rectangle {
+                anchors.fill: parent
+                z: 1
+                visible: list.activeFocus && entry.ListView.isCurrentItem
+                color: "transparent"
+                border.color: Theme.tint
+                border.width: 2
+            }
 
             Component {
                 id: header
                 Rectangle {
                     height: 44
-                    color: "#F2F2F7"
+                    color: Theme.groupedBackground
                     RowLayout {
                         anchors.fill: parent
                         anchors.leftMargin: 16
                         anchors.rightMargin: 56
                         spacing: 8
                         Image {
-                            source: entry.open ? "qrc:/icons/chevron.down.svg" : "qrc:/icons/chevron.right.svg"
+                            source: entry.open ? "image://icon/" + Theme.iconTone + "/chevron.down" : "image://icon/" + Theme.iconTone + "/chevron.right"
                             sourceSize: Qt.size(14, 14)
                         }
                         Label {
@@ -55,7 +79,7 @@ Item {
                             elide: Text.ElideRight
                             font.pixelSize: 15
                             font.weight: Font.DemiBold
-                            color: "#1C1C1E"
+                            color: Theme.text
                         }
                     }
                     TapHandler { onTapped: TagTable.toggle(entry.section) }
@@ -66,7 +90,7 @@ Item {
                 id: tagRow
                 Rectangle {
                     height: Math.max(36, Math.max(tagLabel.implicitHeight, tagValue.implicitHeight) + 12)
-                    color: "#FFFFFF"
+                    color: Theme.card
                     Label {
                         id: tagLabel
                         anchors.left: parent.left
@@ -77,7 +101,7 @@ Item {
                         text: entry.label
                         wrapMode: Text.Wrap
                         font.pixelSize: 14
-                        color: "#6C6C70"
+                        color: Theme.secondaryText
                     }
                     Label {
                         id: tagValue
@@ -91,7 +115,7 @@ Item {
                         // Words stay whole; a long run without spaces (hex, base64) still breaks.
                         wrapMode: Text.Wrap
                         font.pixelSize: 14
-                        color: "#1C1C1E"
+                        color: Theme.text
                     }
                     Rectangle {
                         anchors.bottom: parent.bottom
@@ -99,7 +123,7 @@ Item {
                         anchors.leftMargin: 16
                         anchors.right: parent.right
                         height: 1
-                        color: "#E5E5EA"
+                        color: Theme.fill
                     }
                     TapHandler {
                         acceptedButtons: Qt.RightButton
@@ -108,7 +132,7 @@ Item {
                     TapHandler { onLongPressed: copyMenu.popup() }
                     Menu {
                         id: copyMenu
-                        MenuItem { text: "Copy"; onTriggered: TagTable.copy(entry.index) }
+                        MenuItem { text: qsTr("Copy"); onTriggered: TagTable.copy(entry.index) }
                     }
                 }
             }
@@ -117,12 +141,12 @@ Item {
                 id: download
                 Rectangle {
                     height: 44
-                    color: "#FFFFFF"
+                    color: Theme.card
                     Image {
                         anchors.left: parent.left
                         anchors.leftMargin: 16
                         anchors.verticalCenter: parent.verticalCenter
-                        source: "qrc:/icons/xmark.icloud.svg"
+                        source: "image://icon/" + Theme.iconTone + "/xmark.icloud"
                         sourceSize: Qt.size(24, 24)
                     }
                 }
@@ -139,10 +163,11 @@ Item {
         height: 36
         padding: 0
         icon.source: "qrc:/icons/list.bullet.svg"
-        icon.color: "#1E6FD9"
+        Accessible.name: qsTr("Go To:")
+        icon.color: Theme.tint
         icon.width: 18
         icon.height: 18
-        Material.background: "#FFFFFF"
+        Material.background: Theme.card
         Material.elevation: 2
         onClicked: goTo.open()
     }
@@ -167,19 +192,19 @@ Item {
                 z: 2
                 width: ListView.view.width
                 height: 44
-                color: "#FFFFFF"
+                color: Theme.card
                 radius: 10
                 Rectangle {
                     anchors.bottom: parent.bottom
                     width: parent.width
                     height: 1
-                    color: "#E5E5EA"
+                    color: Theme.fill
                 }
                 Label {
                     anchors.left: parent.left
                     anchors.leftMargin: 16
                     anchors.verticalCenter: parent.verticalCenter
-                    text: "Go To:"
+                    text: qsTr("Go To:")
                     font.pixelSize: 15
                     font.weight: Font.DemiBold
                 }

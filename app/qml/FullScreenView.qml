@@ -102,6 +102,7 @@ Rectangle {
         leftInset: 0
         rightInset: 0
         text: "𝗫"
+        Accessible.name: qsTr("Close")
         font.pixelSize: 20
         background: Rectangle { radius: 14; color: "#E5E5EA"; opacity: 0.9 }
         contentItem: Label {

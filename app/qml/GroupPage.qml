@@ -12,7 +12,8 @@ Page {
         showBack: true
         ToolButton {
             icon.source: "qrc:/icons/" + Group.toggleSymbol + ".svg"
-            icon.color: "#1E6FD9"
+            Accessible.name: Group.gridView ? qsTr("Show as List") : qsTr("Show as Grid")
+            icon.color: Theme.tint
             onClicked: Group.toggleView()
         }
     }
@@ -24,13 +25,21 @@ Page {
         clip: true
         model: Group
         delegate: Group.gridView ? gridRow : listCell
+        // Arrows move through the items, Enter opens the one with the focus.
+        focus: true
+        keyNavigationEnabled: true
+        highlightFollowsCurrentItem: false
+        // The keys start on the first row, or on the item just come back from.
+        Component.onCompleted: currentIndex = Math.max(0, Group.selectedRow)
+        Keys.onReturnPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
+        Keys.onEnterPressed: if (currentItem && currentItem.firstIndex !== undefined) Group.show(currentItem.firstIndex)
     }
 
     Label {
         anchors.centerIn: parent
         visible: Group.count === 0
-        text: "No items"
-        color: "#8E8E93"
+        text: qsTr("No items")
+        color: Theme.secondaryText
         font.pixelSize: 17
     }
 
@@ -54,9 +63,10 @@ Page {
             required property bool video
             required property var items
             objectName: "cell_" + index
+            Accessible.name: [name, date || "", time || ""].filter(t => t !== "").join(", ")
             width: ListView.view.width
             height: 76
-            highlighted: Group.selectedIndex === firstIndex
+            highlighted: Group.selectedIndex === firstIndex || ListView.isCurrentItem && ListView.view.activeFocus
             onClicked: Group.show(firstIndex)
 
             contentItem: RowLayout {
@@ -78,17 +88,17 @@ Page {
                         elide: Text.ElideMiddle
                         font.pixelSize: 16
                         font.weight: Font.DemiBold
-                        color: "#1C1C1E"
+                        color: Theme.text
                     }
                     Label {
                         text: cell.date || "--"
                         font.pixelSize: 14
-                        color: "#3C3C43"
+                        color: Theme.secondaryText
                     }
                     Label {
                         text: cell.time || ""
                         font.pixelSize: 13
-                        color: "#8E8E93"
+                        color: Theme.secondaryText
                     }
                 }
             }
@@ -97,7 +107,7 @@ Page {
                 x: 84
                 width: parent.width - x
                 height: 1
-                color: "#E5E5EA"
+                color: Theme.fill
             }
         }
     }

@@ -7,7 +7,7 @@ import Tessorin
 
 Rectangle {
     id: strip
-    color: "#FFFFFF"
+    color: Theme.card
     clip: true
 
     readonly property real side: Math.floor(Math.min(height - 12, width))
@@ -15,6 +15,7 @@ Rectangle {
 
     ListView {
         id: list
+        objectName: "strip"
         anchors.fill: parent
         anchors.topMargin: 6
         anchors.bottomMargin: 6
@@ -79,13 +80,22 @@ Rectangle {
             }
         }
 
+        // Opened on an album, or resized as the split view lays out, the strip shows the
+        // selected item in the middle; the highlight range alone keeps it there only once the
+        // list has moved.
+        function centre() { if (count > 0 && !moving) positionViewAtIndex(Detail.currentIndex, ListView.Center) }
+        onCountChanged: centre()
+        onWidthChanged: centre()
+        onHeightChanged: centre()
+        Component.onCompleted: centre()
+
         onMovementStarted: Detail.dragBegan()
         onMovementEnded: Detail.decelerationEnded(contentX - originX, strip.inset, strip.side)
     }
 
     Connections {
         target: Detail
-        function onAlignRequested() { list.currentIndex = Detail.currentIndex }
+        function onAlignRequested() { list.currentIndex = Detail.currentIndex; list.centre() }
     }
 
     // A vertical drag on the strip resizes it.
@@ -103,6 +113,6 @@ Rectangle {
         width: 36
         height: 4
         radius: 2
-        color: "#C7C7CC"
+        color: Theme.separator
     }
 }

@@ -4,6 +4,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Tessorin
 
 Page {
     id: page
@@ -11,16 +12,18 @@ Page {
     property int chosenRow: -1
 
     header: NavigationBar {
-        title: "IPTC"
+        title: qsTr("IPTC")
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: Theme.tint; Accessible.name: qsTr("Back"); onClicked: page.StackView.view.pop() }
         ToolButton {
             icon.source: "qrc:/icons/ellipsis.svg"
-            icon.color: "#1E6FD9"
+            Accessible.name: qsTr("IPTC Template")
+            icon.color: Theme.tint
             onClicked: templateMenu.open()
             Menu {
                 id: templateMenu
-                title: "IPTC Template"
-                MenuItem { text: "Edit..."; onTriggered: { page.editor.editTemplate(); templateForm.open() } }
-                MenuItem { text: "Apply"; onTriggered: page.editor.applyTemplate() }
+                title: qsTr("IPTC Template")
+                MenuItem { text: qsTr("Edit..."); onTriggered: { page.editor.editTemplate(); templateForm.open() } }
+                MenuItem { text: qsTr("Apply"); onTriggered: page.editor.applyTemplate() }
             }
         }
     }
@@ -36,7 +39,7 @@ Page {
             text: section.toUpperCase()
             leftPadding: 16; topPadding: 18; bottomPadding: 6
             font.pixelSize: 13
-            color: "#6D6D72"
+            color: Theme.secondaryText
         }
         delegate: Loader {
             id: cell
@@ -56,7 +59,7 @@ Page {
             textFormat: Text.MarkdownText
             wrapMode: Text.WordWrap
             font.pixelSize: 12
-            color: "#6D6D72"
+            color: Theme.secondaryText
             onLinkActivated: link => Qt.openUrlExternally(link)
         }
     }
@@ -65,9 +68,10 @@ Page {
         id: textCell
         ColumnLayout {
             spacing: 2
-            Label { Layout.leftMargin: 16; Layout.topMargin: 8; text: parent.parent.title; font.pixelSize: 13; color: "#6D6D72" }
+            Label { Layout.leftMargin: 16; Layout.topMargin: 8; text: parent.parent.title; font.pixelSize: 13; color: Theme.secondaryText }
             TextArea {
                 Layout.fillWidth: true
+                Accessible.name: parent.parent.title
                 Layout.leftMargin: 12; Layout.rightMargin: 12
                 text: parent.parent.value
                 placeholderText: parent.parent.placeholder
@@ -82,6 +86,7 @@ Page {
         ItemDelegate {
             id: choice
             readonly property var row: parent
+            Accessible.name: [row.title, row.value || ""].filter(t => t !== "").join(", ")
             padding: 12
             contentItem: ColumnLayout {
                 Label { text: choice.row.title; font.pixelSize: 15 }
@@ -90,7 +95,7 @@ Page {
                     text: choice.row.value
                     wrapMode: Text.WordWrap
                     font.pixelSize: 13
-                    color: choice.row.dimmed ? "#C7C7CC" : "#1C1C1E"
+                    color: choice.row.dimmed ? Theme.separator : Theme.text
                 }
             }
             onClicked: {
@@ -122,9 +127,9 @@ Page {
                         Layout.fillWidth: true
                         Label { Layout.fillWidth: true; text: modelData.title; font.weight: Font.DemiBold; wrapMode: Text.WordWrap }
                         Label { Layout.fillWidth: true; text: modelData.details; font.pixelSize: 12; wrapMode: Text.WordWrap }
-                        Label { Layout.fillWidth: true; visible: text !== ""; text: modelData.note; font.pixelSize: 12; wrapMode: Text.WordWrap; color: "#6D6D72" }
+                        Label { Layout.fillWidth: true; visible: text !== ""; text: modelData.note; font.pixelSize: 12; wrapMode: Text.WordWrap; color: Theme.secondaryText }
                     }
-                    Label { text: "✓"; color: "#1E6FD9"; visible: modelData.id === page.editor.currentId(page.chosenRow) }
+                    Label { text: "✓"; color: Theme.tint; visible: modelData.id === page.editor.currentId(page.chosenRow) }
                 }
                 onClicked: { page.editor.choose(page.chosenRow, modelData.id); optionsChooser.close() }
             }
@@ -141,11 +146,11 @@ Page {
         background: CardBackground {}
         ColumnLayout {
             anchors.fill: parent
-            Label { text: "Country Code"; font.weight: Font.DemiBold }
-            TextField { id: search; Layout.fillWidth: true; placeholderText: "Search" }
-            Switch {
+            Label { text: qsTr("Country Code"); font.weight: Font.DemiBold }
+            TextField { id: search; Layout.fillWidth: true; placeholderText: qsTr("Search") }
+            PlainSwitch {
                 id: none
-                text: "None"
+                text: qsTr("None")
                 onToggled: if (checked) { page.editor.choose(page.chosenRow, ""); listChooser.close() }
             }
             ListView {
@@ -183,9 +188,10 @@ Page {
                     required property var modelData
                     required property int index
                     width: ListView.view.width
-                    Label { text: modelData.title; font.pixelSize: 13; color: "#6D6D72" }
+                    Label { text: modelData.title; font.pixelSize: 13; color: Theme.secondaryText }
                     TextField {
                         Layout.fillWidth: true
+                        Accessible.name: modelData.title
                         text: modelData.value
                         placeholderText: modelData.placeholder
                         onEditingFinished: page.editor.setContactText(index, text)
@@ -206,9 +212,9 @@ Page {
         ColumnLayout {
             anchors.fill: parent
             RowLayout {
-                Button { text: "Cancel"; flat: true; onClicked: { page.editor.finishTemplate(false); templateForm.close() } }
-                Label { Layout.fillWidth: true; text: "Template"; horizontalAlignment: Text.AlignHCenter; font.weight: Font.DemiBold }
-                Button { text: "Done"; flat: true; onClicked: { page.editor.finishTemplate(true); templateForm.close() } }
+                Button { text: qsTr("Cancel"); flat: true; onClicked: { page.editor.finishTemplate(false); templateForm.close() } }
+                Label { Layout.fillWidth: true; text: qsTr("Template"); horizontalAlignment: Text.AlignHCenter; font.weight: Font.DemiBold }
+                Button { text: qsTr("Done"); flat: true; onClicked: { page.editor.finishTemplate(true); templateForm.close() } }
             }
             ListView {
                 Layout.fillWidth: true; Layout.fillHeight: true
@@ -219,10 +225,11 @@ Page {
                     width: ListView.view.width
                     Label {
                         visible: modelData.header !== ""
-                        text: modelData.header.toUpperCase(); topPadding: 12; font.pixelSize: 13; color: "#6D6D72"
+                        text: modelData.header.toUpperCase(); topPadding: 12; font.pixelSize: 13; color: Theme.secondaryText
                     }
                     TextField {
                         Layout.fillWidth: true
+                        Accessible.name: modelData.title
                         text: modelData.value
                         placeholderText: modelData.placeholder
                         onEditingFinished: page.editor.setTemplateValue(modelData.key, text)

@@ -19,8 +19,8 @@ Item {
         title: action
         Label { id: confirmText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
-            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
-            Button { text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole; Material.foreground: "#FF3B30" }
+            Button { text: qsTr("Cancel"); DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole; Material.foreground: Theme.destructive }
         }
         onAccepted: ToolBar.confirmDelete()
     }
@@ -69,7 +69,7 @@ Item {
                     width: parent.width
                     flat: true
                     text: modelData
-                    Material.foreground: "#1E6FD9"
+                    Material.foreground: Theme.tint
                     onClicked: { added.close(); Detail.chooseAdded(index) }
                 }
             }

@@ -31,18 +31,36 @@ Page {
     header: Pane {
         padding: 0
         implicitHeight: 52
-        background: Rectangle { color: "#F9F9F9" }
+        background: Rectangle { color: Theme.bar }
         TextField {
+            id: searchField
+            objectName: "placeSearch"
             anchors.fill: parent
             anchors.margins: 6
             placeholderText: LocationScreen.placeholder
-            onAccepted: { LocationScreen.search(text); focus = false }
+            Accessible.name: placeholderText
+            onAccepted: { typing.stop(); LocationScreen.search(text); focus = false }
+            // Searches as the user types, once a short pause says the word is there.
+            onTextEdited: typing.restart()
+            Timer {
+                id: typing
+                interval: 400
+                onTriggered: LocationScreen.search(searchField.text)
+            }
+            Shortcut {
+                sequences: [StandardKey.Find]
+                enabled: page.StackView.status === StackView.Active
+                onActivated: searchField.forceActiveFocus()
+            }
         }
     }
 
     ListView {
         id: list
+        objectName: "placeRows"
         anchors.fill: parent
+        // The rows end at the bar below (the sheet's "Done"), not under it.
+        clip: true
         model: LocationScreen.sections
         delegate: Column {
             id: section
@@ -56,7 +74,7 @@ Page {
                 topPadding: 12
                 bottomPadding: 4
                 font.pixelSize: 13
-                color: "#6C6C70"
+                color: Theme.secondaryText
             }
             Repeater {
                 model: section.modelData.rows
@@ -64,6 +82,8 @@ Page {
                     id: row
                     required property var modelData
                     required property int index
+                    // A row of nothing (the current photo has no place) still says so.
+                    Accessible.name: [modelData.title, modelData.subtitle || ""].filter(t => t !== "").join(", ") || qsTr("No location")
                     width: list.width
                     icon.source: modelData.image === "" || modelData.image === "thumbnail" ? ""
                                  : "qrc:/icons/" + modelData.image + ".svg"
@@ -85,13 +105,13 @@ Page {
                                 text: row.modelData.subtitle
                                 elide: Text.ElideRight
                                 font.pixelSize: 13
-                                color: "#6C6C70"
+                                color: Theme.secondaryText
                             }
                         }
-                        Label { visible: row.modelData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+                        Label { visible: row.modelData.checked; text: "✓"; color: Theme.tint; font.pixelSize: 18 }
                         Image {
                             visible: row.modelData.disclosure
-                            source: "qrc:/icons/chevron.right.svg"
+                            source: "image://icon/" + Theme.iconTone + "/chevron.right"
                             sourceSize: Qt.size(14, 14)
                         }
                     }
@@ -104,7 +124,7 @@ Page {
         id: photoPicker
         anchors.centerIn: Overlay.overlay
         modal: true
-        title: "From a photo"
+        title: qsTr("From a photo")
         width: Math.min(page.width - 32, 420)
         height: Math.min(page.height - 64, 520)
         GridView {
@@ -119,6 +139,7 @@ Page {
                 required property var modelData
                 width: photoGrid.cellWidth
                 height: photoGrid.cellHeight
+                Accessible.name: cell.modelData.title
                 padding: 2
                 contentItem: Image {
                     source: "image://thumb/" + encodeURIComponent(cell.modelData.path)
@@ -131,17 +152,17 @@ Page {
         }
         footer: DialogButtonBox {
             Button {
-                text: "Choose a File..."
+                text: qsTr("Choose a File...")
                 flat: true
                 onClicked: { photoPicker.close(); photoDialog.open() }
             }
-            Button { text: "Cancel"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: qsTr("Cancel"); flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
         }
     }
 
     FileDialog {
         id: photoDialog
-        nameFilters: ["Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng)"]
+        nameFilters: [qsTr("Pictures (*.jpg *.jpeg *.heic *.heif *.png *.tif *.tiff *.webp *.dng)")]
         onAccepted: LocationScreen.choosePhoto(selectedFile)
     }
 
@@ -153,8 +174,8 @@ Page {
         onAccepted: LocationScreen.openSettings()
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
         footer: DialogButtonBox {
-            Button { text: "Settings"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
-            Button { text: "Cancel"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: qsTr("Settings"); flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            Button { text: qsTr("Cancel"); flat: true; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
         }
     }
 }

@@ -13,7 +13,10 @@ ApplicationWindow {
     height: 844
     visible: true
     title: App.appName
-    color: "#FFFFFF"
+    color: Theme.background
+    // The controls follow the desktop's light or dark scheme, or the user's choice in the settings.
+    Material.theme: Theme.dark ? Material.Dark : Material.Light
+    Material.accent: Theme.tint
 
     onWidthChanged: App.setWindowWidth(width)
     Component.onCompleted: App.setWindowWidth(width)
@@ -46,7 +49,7 @@ ApplicationWindow {
             visible: App.pad
             Layout.fillHeight: true
             Layout.preferredWidth: 1
-            color: "#D1D1D6"
+            color: Theme.separator
         }
         Loader {
             active: App.pad
@@ -66,6 +69,21 @@ ApplicationWindow {
         enabled: !Edit.active
         onActivated: ToolBar.edit()
     }
+    // The detail's tools from the keyboard: Delete asks before it trashes, F marks a favourite.
+    Shortcut {
+        sequences: [StandardKey.Delete]
+        enabled: !Edit.active && ToolBar.tools.indexOf("delete") >= 0 && (App.pad || App.screens.indexOf("detail") >= 0)
+        onActivated: ToolBar.requestDelete()
+    }
+    Shortcut {
+        sequence: "F"
+        enabled: !Edit.active && ToolBar.tools.indexOf("prefer") >= 0 && (App.pad || App.screens.indexOf("detail") >= 0)
+        onActivated: ToolBar.favorite()
+    }
+    Shortcut {
+        sequences: [StandardKey.FullScreen]
+        onActivated: window.visibility = window.visibility === Window.FullScreen ? Window.AutomaticVisibility : Window.FullScreen
+    }
 
     // The style draws a popup's card through a shadow effect that the software renderer leaves
     // out, card and all: a dialog (Qt's file dialogs too, which take no background of ours) would
@@ -80,7 +98,7 @@ ApplicationWindow {
                 if (!card || !card.layer.enabled) continue
                 card.layer.enabled = false
                 // An edge in place of the shadow, as our own cards have.
-                if (card.border) card.border.color = "#D1D1D6"
+                if (card.border) card.border.color = Theme.separator
             }
         }
         // The renderer is known once the window is shown, maybe after the first popup opened.

@@ -21,16 +21,16 @@ Page {
     header: Pane {
         padding: 0
         implicitHeight: 52
-        background: Rectangle { color: "#F9F9F9" }
+        background: Rectangle { color: Theme.bar }
         RowLayout {
             anchors.fill: parent
             anchors.margins: 6
             TextField {
                 Layout.fillWidth: true
-                placeholderText: "Search or insert an address"
+                placeholderText: qsTr("Search or insert an address")
                 onAccepted: { MapPicker.search(text); focus = false }
             }
-            ToolButton { text: "Done"; font.capitalization: Font.MixedCase; onClicked: MapPicker.finish() }
+            ToolButton { text: qsTr("Done"); font.capitalization: Font.MixedCase; onClicked: MapPicker.finish() }
         }
     }
 
@@ -66,7 +66,7 @@ Page {
                     onClicked: { MapPicker.choose(index); choices.close() }
                 }
             }
-            Button { Layout.alignment: Qt.AlignHCenter; text: "Cancel"; flat: true; onClicked: choices.close() }
+            Button { Layout.alignment: Qt.AlignHCenter; text: qsTr("Cancel"); flat: true; onClicked: choices.close() }
         }
     }
 
@@ -77,7 +77,7 @@ Page {
         property alias text: alertText.text
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
         footer: DialogButtonBox {
-            Button { text: "Ok"; flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+            Button { text: qsTr("Ok"); flat: true; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
         }
     }
 }

@@ -82,7 +82,7 @@ Item {
             width: 172; height: 36
             flat: true
             icon.source: "qrc:/icons/map_route.svg"
-            text: " Show in Maps..."
+            text: qsTr(" Show in Maps...")
             onClicked: map.openInMaps()
         }
     }
@@ -105,6 +105,7 @@ Item {
         width: 44
         ToolButton {
             icon.source: "qrc:/icons/gearshape.svg"
+            Accessible.name: qsTr("Map Style")
             onClicked: stylePopup.open()
         }
         ToolButton {
@@ -112,10 +113,12 @@ Item {
             opacity: map.movedAway ? 1 : 0
             Behavior on opacity { NumberAnimation { duration: 800 } }
             icon.source: "qrc:/icons/location.viewfinder.svg"
+            Accessible.name: qsTr("Back to the Pin")
             onClicked: map.recenter()
         }
         ToolButton {
             icon.source: "qrc:/icons/info.circle.svg"
+            Accessible.name: qsTr("Address")
             onClicked: root.addressRequested()
         }
     }

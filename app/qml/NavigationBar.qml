@@ -15,8 +15,8 @@ ToolBar {
     default property alias trailing: trailingRow.data
     property alias leading: leadingRow.data
 
-    Material.background: "#F9F9F9"
-    Material.foreground: "#1C1C1E"
+    Material.background: Ts.Theme.bar
+    Material.foreground: Ts.Theme.text
     Material.elevation: 0
     implicitHeight: 52
 
@@ -31,7 +31,8 @@ ToolBar {
             ToolButton {
                 visible: bar.showBack
                 icon.source: "qrc:/icons/chevron.left.svg"
-                icon.color: "#1E6FD9"
+                Accessible.name: qsTr("Back")
+                icon.color: Ts.Theme.tint
                 onClicked: Ts.App.back()
             }
         }
@@ -53,6 +54,6 @@ ToolBar {
         anchors.bottom: parent.bottom
         width: parent.width
         height: 1
-        color: "#D1D1D6"
+        color: Ts.Theme.separator
     }
 }

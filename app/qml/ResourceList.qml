@@ -20,7 +20,7 @@ Popup {
     closePolicy: Popup.CloseOnEscape
     onClosed: Resources.open = false
     Component.onCompleted: if (Resources.open) open()
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
 
     Connections {
         target: Resources
@@ -35,13 +35,14 @@ Popup {
         Rectangle {
             Layout.fillWidth: true
             implicitHeight: 52
-            color: "#F9F9F9"
+            color: Theme.bar
             ToolButton {
                 anchors.left: parent.left
                 anchors.verticalCenter: parent.verticalCenter
                 visible: Resources.mediaUrl != ""
                 icon.source: "qrc:/icons/chevron.left.svg"
-                icon.color: "#1E6FD9"
+                Accessible.name: qsTr("Back")
+                icon.color: Theme.tint
                 onClicked: Resources.showMedia("")
             }
             Label {
@@ -60,7 +61,7 @@ Popup {
                 font.pixelSize: 17
                 font.capitalization: Font.MixedCase
                 font.weight: Font.DemiBold
-                Material.foreground: "#1E6FD9"
+                Material.foreground: Theme.tint
                 onClicked: Resources.open = false
             }
             ToolButton {
@@ -68,13 +69,14 @@ Popup {
                 anchors.verticalCenter: parent.verticalCenter
                 visible: Resources.mediaUrl != ""
                 icon.source: "qrc:/icons/" + Resources.shareSymbol + ".svg"
-                icon.color: "#1E6FD9"
+                Accessible.name: qsTr("Share")
+                icon.color: Theme.tint
                 onClicked: {
                     saveDialog.selectedFile = saveDialog.currentFolder + "/" + Resources.suggestedName()
                     saveDialog.open()
                 }
             }
-            Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: "#D1D1D6" }
+            Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: Theme.separator }
         }
 
         ProgressBar {
@@ -101,7 +103,7 @@ Popup {
                     bottomPadding: 6
                     text: modelData.header.toUpperCase()
                     font.pixelSize: 13
-                    color: "#6D6D72"
+                    color: Theme.secondaryText
                 }
                 Repeater {
                     model: modelData.rows
@@ -109,8 +111,9 @@ Popup {
                         required property var modelData
                         width: list.width
                         height: 68
+                        Accessible.name: [modelData.title, modelData.subtitle || ""].filter(t => t !== "").join(", ")
                         enabled: modelData.url != ""
-                        background: Rectangle { color: "#FFFFFF" }
+                        background: Rectangle { color: Theme.card }
                         onClicked: Resources.showMedia(modelData.url)
                         contentItem: RowLayout {
                             spacing: 12
@@ -120,7 +123,7 @@ Popup {
                                 Image {
                                     anchors.centerIn: parent
                                     visible: modelData.symbol !== ""
-                                    source: modelData.symbol !== "" ? "qrc:/icons/" + modelData.symbol + ".svg" : ""
+                                    source: modelData.symbol !== "" ? "image://icon/" + Theme.iconTone + "/" + modelData.symbol : ""
                                     sourceSize: Qt.size(24, 24)
                                 }
                                 Rectangle {
@@ -143,7 +146,7 @@ Popup {
                                 Layout.fillWidth: true
                                 spacing: 2
                                 Label { text: modelData.title; font.pixelSize: 17; elide: Text.ElideMiddle; Layout.fillWidth: true }
-                                Label { text: modelData.subtitle; font.pixelSize: 13; color: "#8E8E93"; elide: Text.ElideMiddle; Layout.fillWidth: true }
+                                Label { text: modelData.subtitle; font.pixelSize: 13; color: Theme.secondaryText; elide: Text.ElideMiddle; Layout.fillWidth: true }
                             }
                         }
                     }
@@ -214,7 +217,7 @@ Popup {
     FileDialog {
         id: saveDialog
         fileMode: FileDialog.SaveFile
-        acceptLabel: "Save"
+        acceptLabel: qsTr("Save")
         currentFolder: Share.saveFolder
         onAccepted: Resources.saveCopy(selectedFile)
     }

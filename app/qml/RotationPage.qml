@@ -10,10 +10,10 @@ Page {
     id: page
     readonly property var model: Edit.rotationScreen
     StackView.onRemoved: { model.leave(); Edit.reappear() }
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
     header: NavigationBar {
-        title: "Orientation"
-        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: "#1E6FD9"; onClicked: page.StackView.view.pop() }
+        title: qsTr("Orientation")
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: Theme.tint; Accessible.name: qsTr("Back"); onClicked: page.StackView.view.pop() }
     }
 
     ListView {
@@ -30,13 +30,14 @@ Page {
             required property int index
             width: list.width
             height: 56
-            background: Rectangle { color: row.pressed || row.ListView.isCurrentItem && list.activeFocus ? "#E5E5EA" : "#FFFFFF" }
+            Accessible.name: modelData.title
+            background: Rectangle { color: row.pressed || row.ListView.isCurrentItem && list.activeFocus ? Theme.fill : Theme.card }
             onClicked: page.model.tap(index)
             contentItem: RowLayout {
                 spacing: 12
                 Image { source: row.modelData.image; sourceSize: Qt.size(40, 40) }
                 Label { Layout.fillWidth: true; text: row.modelData.title; font.pixelSize: 16; elide: Text.ElideRight }
-                Label { visible: row.modelData.checked; text: "✓"; color: "#1E6FD9"; font.pixelSize: 18 }
+                Label { visible: row.modelData.checked; text: "✓"; color: Theme.tint; font.pixelSize: 18 }
             }
         }
     }

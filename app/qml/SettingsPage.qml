@@ -8,15 +8,54 @@ import Tessorin
 
 Page {
     header: NavigationBar {
-        title: "Settings"
+        title: qsTr("Settings")
         showBack: true
     }
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
 
     ListView {
         anchors.fill: parent
         clip: true
         model: SettingsScreen
+        // The colour scheme: the desktop's, or light or dark whatever the desktop says.
+        footer: Column {
+            width: ListView.view.width
+            Label {
+                width: parent.width
+                height: 44
+                leftPadding: 20
+                bottomPadding: 6
+                verticalAlignment: Text.AlignBottom
+                text: qsTr("Appearance").toUpperCase()
+                font.pixelSize: 13
+                color: Theme.secondaryText
+            }
+            Repeater {
+                model: [{ value: "system", title: qsTr("As the Desktop") }, { value: "light", title: qsTr("Light") },
+                        { value: "dark", title: qsTr("Dark") }]
+                delegate: ItemDelegate {
+                    id: choice
+                    required property var modelData
+                    width: parent.width
+                    height: 48
+                    text: modelData.title
+                    checkable: true
+                    checked: Theme.preference === modelData.value
+                    Accessible.name: modelData.title
+                    background: Rectangle { color: choice.down ? Theme.fill : Theme.card }
+                    onClicked: Theme.preference = modelData.value
+                    Label {
+                        visible: choice.checked
+                        anchors.right: parent.right
+                        anchors.rightMargin: 20
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: "✓"
+                        color: Theme.tint
+                        font.pixelSize: 18
+                    }
+                }
+            }
+        }
         section.property: "sectionTitle"
         section.delegate: Label {
             required property string section
@@ -27,7 +66,7 @@ Page {
             verticalAlignment: Text.AlignBottom
             text: section.toUpperCase()
             font.pixelSize: 13
-            color: "#6D6D72"
+            color: Theme.secondaryText
         }
         delegate: ItemDelegate {
             id: row
@@ -36,15 +75,16 @@ Page {
             required property string kind
             required property string symbol
             required property var on
+            Accessible.name: rowText
             width: ListView.view.width
             height: 48
-            background: Rectangle { color: row.down ? "#E5E5EA" : "#FFFFFF" }
+            background: Rectangle { color: row.down ? Theme.fill : Theme.card }
             onClicked: kind === "switch" ? SettingsScreen.setSwitch(tag, !on) : SettingsScreen.select(tag)
 
             contentItem: RowLayout {
                 spacing: 12
                 Image {
-                    source: "qrc:/icons/" + row.symbol + ".svg"
+                    source: "image://icon/" + Theme.iconTone + "/" + row.symbol
                     sourceSize: Qt.size(24, 24)
                     Layout.preferredWidth: 24
                     Layout.preferredHeight: 24
@@ -54,42 +94,20 @@ Page {
                     Layout.fillWidth: true
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: "#1C1C1E"
+                    color: Theme.text
                 }
-                Switch {
+                PlainSwitch {
                     id: toggle
+                    Accessible.name: row.rowText
                     visible: row.kind === "switch"
                     // The row's model value is the truth: a tap asks for the change.
                     checkable: false
-                    padding: 0
                     checked: row.on === true
                     onClicked: SettingsScreen.setSwitch(row.tag, !row.on)
-                    // Drawn here: the style's knob is a shadowed shader item that the software
-                    // renderer (screenshots, machines without a GPU) leaves out.
-                    indicator: Rectangle {
-                        implicitWidth: 48
-                        implicitHeight: 28
-                        x: toggle.leftPadding
-                        y: (toggle.height - height) / 2
-                        radius: height / 2
-                        color: toggle.checked ? "#1E6FD9" : "#E5E5EA"
-                        Behavior on color { ColorAnimation { duration: 150 } }
-                        Rectangle {
-                            width: 24
-                            height: 24
-                            radius: 12
-                            y: 2
-                            x: toggle.checked ? parent.width - width - 2 : 2
-                            color: "#FFFFFF"
-                            border.color: "#D1D1D6"
-                            border.width: toggle.checked ? 0 : 1
-                            Behavior on x { NumberAnimation { duration: 150 } }
-                        }
-                    }
                 }
                 Image {
                     visible: row.kind === "disclosure"
-                    source: "qrc:/icons/chevron.right.svg"
+                    source: "image://icon/" + Theme.iconTone + "/chevron.right"
                     sourceSize: Qt.size(14, 14)
                     opacity: 0.35
                 }
@@ -99,7 +117,7 @@ Page {
 
     FolderDialog {
         id: accessDialog
-        title: "Change Photo Access..."
+        title: qsTr("Change Photo Access...")
         onAccepted: AlbumList.setLibraryFolders([selectedFolder])
     }
     Connections {

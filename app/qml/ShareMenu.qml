@@ -57,7 +57,7 @@ Item {
             bottomPadding: 2
             font.pixelSize: 13
             font.weight: Font.DemiBold
-            color: "#8E8E93"
+            color: Theme.secondaryText
             elide: Text.ElideRight
         }
     }
@@ -69,7 +69,7 @@ Item {
             text: row ? row.title : ""
             font.pixelSize: 17
             leftPadding: 16
-            Material.foreground: "#1E6FD9"
+            Material.foreground: Theme.tint
             onClicked: Share.trigger(row.action)
         }
     }
@@ -82,7 +82,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 width: parent.width
                 height: 1
-                color: "#D1D1D6"
+                color: Theme.separator
             }
         }
     }
@@ -113,7 +113,7 @@ Item {
         id: saveDialog
         title: Share.saveTitle
         fileMode: FileDialog.SaveFile
-        acceptLabel: "Save"
+        acceptLabel: qsTr("Save")
         currentFolder: Share.saveFolder
         onAccepted: Share.saveTo(selectedFile)
         onRejected: Share.cancelSave()
@@ -130,11 +130,11 @@ Item {
         // Drawn plainly: the style's elevated background doesn't render on every platform.
         background: Rectangle {
             radius: 8
-            color: "#FFFFFF"
+            color: Theme.card
         }
         footer: DialogButtonBox {
             Button {
-                text: "Ok"
+                text: qsTr("Ok")
                 flat: true
                 DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
             }

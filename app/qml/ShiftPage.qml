@@ -8,24 +8,25 @@ import Tessorin
 
 Page {
     id: page
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
     header: NavigationBar {
-        title: "Shift by..."
-        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: "#1E6FD9"; onClicked: page.StackView.view.pop() }
+        title: qsTr("Shift by...")
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: Theme.tint; Accessible.name: qsTr("Back"); onClicked: page.StackView.view.pop() }
     }
     ColumnLayout {
         anchors.fill: parent
         anchors.margins: 16
         spacing: 10
-        Label { text: "Offset, as +H:MM[:SS] or -D H:MM:SS"; color: "#6C6C70"; font.pixelSize: 13 }
+        Label { text: qsTr("Offset, as +H:MM[:SS] or -D H:MM:SS"); color: Theme.secondaryText; font.pixelSize: 13 }
         TextField {
             id: offset
             Layout.fillWidth: true
             placeholderText: "+0:52"
+            Accessible.name: qsTr("Offset")
             focus: true
             onTextChanged: valid = Edit.setShift(text)
             property bool valid: true
-            color: valid ? "#1C1C1E" : "#D70015"
+            color: valid ? Theme.text : Theme.destructive
         }
         Label { Layout.fillWidth: true; text: Edit.shiftPreview; wrapMode: Text.Wrap; font.pixelSize: 15 }
         Item { Layout.fillHeight: true }

@@ -4,6 +4,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import Tessorin
 
 Popup {
     id: popup
@@ -37,14 +38,14 @@ Popup {
                     wrapMode: Text.Wrap
                     font.pixelSize: 14
                     font.weight: Font.DemiBold
-                    color: "#1C1C1E"
+                    color: Theme.text
                 }
                 Label {
                     Layout.fillWidth: true
                     text: modelData.split("\n").slice(1).join("\n")
                     wrapMode: Text.Wrap
                     font.pixelSize: 14
-                    color: "#3C3C43"
+                    color: Theme.secondaryText
                 }
             }
         }

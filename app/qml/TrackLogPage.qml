@@ -9,10 +9,10 @@ import Tessorin
 
 Page {
     id: page
-    background: Rectangle { color: "#F2F2F7" }
+    background: Rectangle { color: Theme.groupedBackground }
     header: NavigationBar {
-        title: "From a track log..."
-        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: "#1E6FD9"; onClicked: page.StackView.view.pop() }
+        title: qsTr("From a track log...")
+        leading: ToolButton { icon.source: "qrc:/icons/chevron.left.svg"; icon.color: Theme.tint; Accessible.name: qsTr("Back"); onClicked: page.StackView.view.pop() }
     }
     property string path: ""
     function apply() { Edit.setTrackLog(page.path, offset.text, gap.text) }
@@ -21,15 +21,15 @@ Page {
         anchors.fill: parent
         anchors.margins: 16
         spacing: 10
-        Button { text: "Choose a log..."; font.capitalization: Font.MixedCase; onClicked: logDialog.open() }
-        Label { text: page.path === "" ? "No log" : page.path.substring(page.path.lastIndexOf("/") + 1); color: "#6C6C70" }
+        Button { text: qsTr("Choose a log..."); font.capitalization: Font.MixedCase; onClicked: logDialog.open() }
+        Label { text: page.path === "" ? "No log" : page.path.substring(page.path.lastIndexOf("/") + 1); color: Theme.secondaryText }
         RowLayout {
-            Label { text: "Camera clock offset" }
-            TextField { id: offset; Layout.fillWidth: true; placeholderText: "+0:00"; onEditingFinished: page.apply() }
+            Label { text: qsTr("Camera clock offset") }
+            TextField { id: offset; Layout.fillWidth: true; Accessible.name: qsTr("Camera clock offset"); placeholderText: "+0:00"; onEditingFinished: page.apply() }
         }
         RowLayout {
-            Label { text: "Longest gap" }
-            TextField { id: gap; Layout.fillWidth: true; placeholderText: "30m"; onEditingFinished: page.apply() }
+            Label { text: qsTr("Longest gap") }
+            TextField { id: gap; Layout.fillWidth: true; Accessible.name: qsTr("Longest gap"); placeholderText: "30m"; onEditingFinished: page.apply() }
         }
         ListView {
             Layout.fillWidth: true
@@ -41,14 +41,14 @@ Page {
                 width: ListView.view.width
                 spacing: 0
                 Label { text: modelData.name; font.pixelSize: 15 }
-                Label { text: modelData.place; color: "#6C6C70"; font.pixelSize: 13; bottomPadding: 6 }
+                Label { text: modelData.place; color: Theme.secondaryText; font.pixelSize: 13; bottomPadding: 6 }
             }
         }
     }
 
     FileDialog {
         id: logDialog
-        nameFilters: ["Track logs (*.gpx *.kml *.nmea *.txt *.log)"]
+        nameFilters: [qsTr("Track logs (*.gpx *.kml *.nmea *.txt *.log)")]
         onAccepted: { page.path = selectedFile.toString(); page.apply() }
     }
 }

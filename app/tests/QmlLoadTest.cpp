@@ -5,6 +5,11 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "AppModels.h"
+#include "ColorScheme.h"
+#include "DetailViewModel.h"
+#include "EditViewModel.h"
+#include "LocationModifierViewModel.h"
+#include "ToolBarModel.h"
 #include "GroupViewModel.h"
 #include "QmlSetup.h"
 #include "Settings.h"
@@ -15,6 +20,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
+#include <QQmlContext>
 #include <QDirIterator>
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -53,6 +60,38 @@ int cardsLeftOut(QQuickItem* item) {
     }
     for (QQuickItem* child : item->childItems()) count += cardsLeftOut(child);
     return count;
+}
+
+
+// The interactive items a screen reader reaches under `iface` that have no name, each as its role
+// and class; items that are hidden or off the window are not read out and are left alone.
+QStringList namelessControls(QAccessibleInterface* iface, int depth = 0) {
+    QStringList out;
+    if (!iface || !iface->isValid() || depth > 60) return out;
+    static const QList<QAccessible::Role> interactive{
+        QAccessible::Button,   QAccessible::PushButton, QAccessible::CheckBox,  QAccessible::RadioButton,
+        QAccessible::ComboBox, QAccessible::MenuItem,   QAccessible::ListItem,  QAccessible::EditableText,
+        QAccessible::Slider,   QAccessible::SpinBox,    QAccessible::ButtonMenu, QAccessible::Link,
+        QAccessible::Cell,     QAccessible::PageTab};
+    const QAccessible::State state = iface->state();
+    if (state.invisible || state.offscreen) return out;
+    if (interactive.contains(iface->role()) && iface->text(QAccessible::Name).trimmed().isEmpty()) {
+        QObject* object = iface->object();
+        out << QStringLiteral("role %1, %2 %3, text \"%4\"")
+                   .arg(int(iface->role()))
+                   .arg(object ? QString::fromLatin1(object->metaObject()->className()) : QString())
+                   .arg(object ? object->objectName() : QString())
+                   .arg(object ? object->property("text").toString() : QString())
+               + QStringLiteral(" in %1").arg(object && qmlContext(object) ? qmlContext(object)->baseUrl().toString() : QString());
+    }
+    for (int i = 0; i < iface->childCount(); ++i) out << namelessControls(iface->child(i), depth + 1);
+    return out;
+}
+
+QStringList namelessControls(QQuickWindow* window) {
+    QStringList out = namelessControls(QAccessible::queryAccessibleInterface(window));
+    out.removeDuplicates();
+    return out;
 }
 
 class QmlLoadTest : public ::testing::Test {
@@ -191,6 +230,174 @@ TEST_F(QmlLoadTest, ScreensRunThroughTheirStates) {
     window->close();
 }
 
+
+TEST_F(QmlLoadTest, EveryInteractiveItemOfEveryScreenHasAName) {
+    QAccessible::setActive(true);
+    QStringList files = testsupport::corpusFiles().mid(0, 3);
+    files << testsupport::movies().first();
+    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
+    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    ASSERT_TRUE(window);
+    window->requestActivate();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    settle();
+    auto expectNamed = [&](const char* screen) {
+        settle();
+        const QStringList nameless = namelessControls(window);
+        EXPECT_TRUE(nameless.isEmpty()) << screen << ":\n" << nameless.join('\n').toStdString();
+    };
+    AppController& app = *models->app;
+
+    expectNamed("album list");
+    models->albumList->openPaths(files);
+    expectNamed("group as a list");
+    models->group->toggleView();
+    expectNamed("group as a grid");
+    models->group->toggleView();
+    models->group->show(0);
+    expectNamed("detail");
+    models->detail->toggleTables();
+    expectNamed("all tags");
+    models->detail->toggleTables();
+
+    ASSERT_TRUE(models->edit->openCurrent());
+    expectNamed("edit screen");
+    for (const char* page : {"date", "rotation", "shift", "track", "iptc", "location"}) {
+        emit models->edit->pushRequested(page);
+        expectNamed(page);
+        QTest::keyClick(window, Qt::Key_Escape);
+        settle();
+    }
+    models->edit->close();
+    settle();
+    app.back();
+    app.back();
+    settle();
+    app.openSettings();
+    expectNamed("settings");
+    app.openAbout();
+    expectNamed("about");
+    app.back();
+    app.back();
+
+    // A tablet shows the list and the detail at once.
+    window->resize(1180, 820);
+    models->albumList->select(1);
+    settle();
+    models->group->show(1);
+    expectNamed("tablet");
+    window->close();
+    QAccessible::setActive(false);
+}
+
+// The rough edges a new user met: the strip opens on the selected item, in the middle; the
+// place search runs as the user types; the location sheet's rows end at its bar; every switch
+// draws a knob of its own, which the software renderer shows.
+TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
+    QStringList files = testsupport::corpusFiles().mid(0, 8);
+    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
+    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 1180}, {"height", 820}}));
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    ASSERT_TRUE(window);
+    window->requestActivate();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    settle();
+
+    // An album opened on its sixth item: the strip shows it in the middle.
+    models->albumList->openPaths(files);
+    settle();
+    models->group->show(5);
+    settle();
+    auto* strip = root->findChild<QQuickItem*>("strip");
+    ASSERT_TRUE(strip);
+    auto* current = strip->property("currentItem").value<QQuickItem*>();
+    ASSERT_TRUE(current);
+    const double middle = current->x() - strip->property("contentX").toDouble() + current->width() / 2;
+    EXPECT_NEAR(middle, strip->width() / 2, 2.0);
+
+    // The location screen of an edit: typing a place's name is enough, no Enter.
+    ASSERT_TRUE(models->edit->openCurrent());
+    settle();
+    emit models->edit->pushRequested("location");
+    settle();
+    auto* search = root->findChild<QQuickItem*>("placeSearch");
+    ASSERT_TRUE(search);
+    search->forceActiveFocus();
+    for (char c : std::string("Zermatt")) QTest::keyClick(window, c);
+    const auto found = [&] {
+        for (const QVariant& section : models->location->sections())
+            for (const QVariant& row : section.toMap().value("rows").toList())
+                if (row.toMap().value("title").toString().contains("Zermatt")) return true;
+        return false;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(found, 5000));
+
+    // Below the rows, the sheet's bar with "Done" shows its own colour, whatever the list holds.
+    auto* rows = root->findChild<QQuickItem*>("placeRows");
+    ASSERT_TRUE(rows);
+    const QImage shot = window->grabWindow();
+    const QPointF below = rows->mapToScene(QPointF(rows->width() / 2, rows->height() + 6));
+    const double ratio = shot.width() / double(window->width());
+    EXPECT_EQ(shot.pixelColor((below * ratio).toPoint()), QColor(models->colors->bar()));
+
+    // Every switch of the edit screen and the settings has a knob of ours.
+    QTest::keyClick(window, Qt::Key_Escape);
+    settle();
+    auto knobs = [&](const char* screen) {
+        int switches = 0;
+        QList<QQuickItem*> items{window->contentItem()};
+        for (int i = 0; i < items.size(); ++i) items << items[i]->childItems();
+        for (QQuickItem* item : items) {
+            if (!item->inherits("QQuickSwitch") || !item->isVisible()) continue;
+            ++switches;
+            auto* indicator = item->property("indicator").value<QQuickItem*>();
+            EXPECT_TRUE(indicator && indicator->findChild<QQuickItem*>("switchKnob")) << screen;
+        }
+        return switches;
+    };
+    EXPECT_GT(knobs("edit screen"), 0);
+    models->edit->close();
+    settle();
+    models->app->openSettings();
+    settle();
+    EXPECT_GT(knobs("settings"), 0);
+    window->close();
+}
+
+// The keyboard alone: arrows and Enter open an album and an item, Escape goes back.
+TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
+    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
+    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
+    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
+    auto* window = qobject_cast<QQuickWindow*>(root.get());
+    ASSERT_TRUE(window);
+    window->requestActivate();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    AppController& app = *models->app;
+    // Files picked earlier: the list offers "Files", then their album.
+    models->albumList->openPaths(testsupport::corpusFiles().mid(0, 3));
+    settle();
+    app.back();
+    settle();
+    ASSERT_EQ(app.screens(), QStringList{"albums"});
+
+    QTest::keyClick(window, Qt::Key_Down);
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group"}));
+    QTest::keyClick(window, Qt::Key_Down);
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group", "detail"}));
+    EXPECT_EQ(TSEnvironment::currentAlbum()->actualIndex(), 1);
+    QTest::keyClick(window, Qt::Key_Escape);
+    settle();
+    EXPECT_EQ(app.screens(), (QStringList{"albums", "group"}));
+    window->close();
+}
 
 TEST_F(QmlLoadTest, TwoFingersSpreadApartZoomTheMapIn) {
     QQmlComponent component(engine, QUrl("qrc:/qml/MapView.qml"));

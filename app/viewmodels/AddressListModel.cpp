@@ -7,6 +7,7 @@
 #include "TSAlbum.h"
 #include "TSMetaDataGetters.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QUrl>
 
@@ -19,18 +20,18 @@ QList<AddressListModel::Section> AddressListModel::sectionsFor(const std::option
                                                                const TSMetaData& metaData, bool human) {
     QList<Section> out;
     if (!location) return out;
-    out.append({QString(), {QStringLiteral("Show in Maps")}});
-    if (placemark) out.append({QStringLiteral("Address"), {orDashes(addressText(*placemark))}});
-    out.append({QStringLiteral("Coordinates"),
+    out.append({QString(), {QCoreApplication::translate("AddressListModel", "Show in Maps")}});
+    if (placemark) out.append({QCoreApplication::translate("AddressListModel", "Address"), {orDashes(addressText(*placemark))}});
+    out.append({QCoreApplication::translate("AddressListModel", "Coordinates"),
                 {orDashes(hrl::coordinatesText(*location, false)), hrl::decimalCoordinatesText(*location, human, false)}});
     if (const auto degrees = facingGraAngle(metaData)) {
         const QString angle = human ? QString::asprintf("%.4f", std::abs(*degrees)) : hrl::shortest(*degrees);
-        out.append({QStringLiteral("Direction"), {angle + QStringLiteral("°"), orDashes(facingRef(metaData))}});
+        out.append({QCoreApplication::translate("AddressListModel", "Direction"), {angle + QStringLiteral("°"), orDashes(facingRef(metaData))}});
     }
     if (const auto altitude = gpsMeaning(metaData, kCGImagePropertyGPSAltitude))
-        out.append({QStringLiteral("Altitude"), {orDashes(altitude)}});
+        out.append({QCoreApplication::translate("AddressListModel", "Altitude"), {orDashes(altitude)}});
     if (const auto speed = gpsMeaning(metaData, kCGImagePropertyGPSSpeed))
-        out.append({QStringLiteral("Speed"), {orDashes(speed)}});
+        out.append({QCoreApplication::translate("AddressListModel", "Speed"), {orDashes(speed)}});
     return out;
 }
 

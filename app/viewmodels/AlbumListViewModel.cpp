@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AlbumListViewModel.h"
 
+#include "ModuleTexts.h"
 #include "Albums.h"
 #include "Folders.h"
 #include "Log.h"
@@ -8,6 +9,7 @@
 #include "TSFilesAlbum.h"
 #include "TSPhotoAlbum.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <functional>
@@ -36,9 +38,9 @@ QStringList AlbumListViewModel::nameFilters() {
     const QString images = patterns({"jpg", "jpeg", "heic", "heif", "avif", "png", "tif", "tiff", "gif", "webp",
                                      "dng", "cr2", "cr3", "nef", "arw", "orf", "rw2", "pef"});
     const QString videos = patterns({"mov", "mp4", "m4v"});
-    if (!Settings::flag(SettingsFlag::video)) return {QStringLiteral("Images (%1)").arg(images)};
-    return {QStringLiteral("Images and videos (%1 %2)").arg(images, videos), QStringLiteral("Images (%1)").arg(images),
-            QStringLiteral("Videos (%1)").arg(videos)};
+    if (!Settings::flag(SettingsFlag::video)) return {QCoreApplication::translate("AlbumListViewModel", "Images (%1)").arg(images)};
+    return {QCoreApplication::translate("AlbumListViewModel", "Images and videos (%1 %2)").arg(images, videos), QCoreApplication::translate("AlbumListViewModel", "Images (%1)").arg(images),
+            QCoreApplication::translate("AlbumListViewModel", "Videos (%1)").arg(videos)};
 }
 
 void AlbumListViewModel::setLibrarySections(const QList<Section>& sections) {
@@ -63,8 +65,8 @@ void AlbumListViewModel::buildLibrarySections() {
     const auto count = std::count_if(folders.begin(), folders.end(), readable);
     if (count == 0) {
         Log::warning(QStringLiteral("!! not authorized !!"));
-        emit alert(QStringLiteral("Photo Library Unavailable"),
-                   QStringLiteral("Please check to see if device settings doesn't allow photo library access"));
+        emit alert(QCoreApplication::translate("AlbumListViewModel", "Photo Library Unavailable"),
+                   QCoreApplication::translate("AlbumListViewModel", "Please check to see if device settings doesn't allow photo library access"));
         librarySections_.clear();
         return;
     }
@@ -116,9 +118,9 @@ void AlbumListViewModel::rebuild() {
     }
     Section files;
     if (allPhotos_) files.entries.append(*allPhotos_);
-    files.entries.append({QStringLiteral("Files"), QStringLiteral("folder"), -1, Action::documentPicker, {}});
+    files.entries.append({QString::fromLatin1(QT_TRANSLATE_NOOP("Albums", "Files")), QStringLiteral("folder"), -1, Action::documentPicker, {}});
     if (!pickedPaths_.isEmpty())
-        files.entries.append({QStringLiteral("From files"), QStringLiteral("doc.on.doc"), int(pickedPaths_.size()),
+        files.entries.append({QString::fromLatin1(QT_TRANSLATE_NOOP("Albums", "From files")), QStringLiteral("doc.on.doc"), int(pickedPaths_.size()),
                               Action::filesAlbum, {}});
     sections_ = QList<Section>{files} + librarySections_;
     rows_.clear();
@@ -141,7 +143,13 @@ QVariant AlbumListViewModel::data(const QModelIndex& index, int role) const {
     case SectionRole: return row.section;
     case CollapsedRole: return isHidden(row.section);
     case Qt::DisplayRole:
-    case TitleRole: return row.header ? section.title.toUpper() : section.entries[row.entry].title;
+    case TitleRole: {
+        // The library's own names in the user's language; the user's albums by their names.
+        if (row.header) return moduletexts::album(section.title).toUpper();
+        const Entry& entry = section.entries[row.entry];
+        const bool named = entry.action == Action::album || entry.action == Action::folder;
+        return named && entry.collection.type != library::CollectionType::smartAlbum ? entry.title : moduletexts::album(entry.title);
+    }
     case SymbolRole: return row.header ? QStringLiteral("chevron.down") : section.entries[row.entry].symbol;
     case CountRole: return row.header ? int(section.entries.size()) : section.entries[row.entry].count;
     default: return {};

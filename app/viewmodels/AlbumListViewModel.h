@@ -6,6 +6,7 @@
 // Later sections (the library's albums and smart albums) collapse by a tap on their header;
 // the collapsed ones are kept in "HiddenSections". A folder with subfolders opens into the list
 // itself, showing its children, until upFolder().
+#include "ModuleTexts.h"
 #include "Library.h"
 
 #include <QAbstractListModel>
@@ -42,7 +43,7 @@ public:
 
     explicit AlbumListViewModel(QObject* parent = nullptr);
 
-    QString title() const { return folders_.isEmpty() ? QStringLiteral("All albums") : folders_.last().title; }
+    QString title() const { return folders_.isEmpty() ? tr("All albums") : folders_.last().title; }
     bool inFolder() const { return !folders_.isEmpty(); }
     static QStringList nameFilters();
     static QUrl pickerFolder();

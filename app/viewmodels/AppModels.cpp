@@ -6,6 +6,7 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "Albums.h"
+#include "ColorScheme.h"
 #include "Library.h"
 #include "Log.h"
 #include "Settings.h"
@@ -40,7 +41,8 @@ AppModels::AppModels(QObject* parent)
       location(new LocationModifierViewModel({}, this)),
       mapPicker(new MapPickerViewModel(this)),
       resources(new ResourcesViewModel(this)),
-      edit(new EditViewModel(this)) {
+      edit(new EditViewModel(this)),
+      colors(new ColorScheme(this)) {
     // The edit screen's location row opens the location screen on the edit's wishes.
     edit->setLocationScreen(location);
     // The map picker hands its place back to the location screen.
@@ -151,4 +153,5 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "MapPicker", mapPicker);
     qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
     qmlRegisterSingletonInstance(uri, 1, 0, "Edit", edit);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Theme", colors);
 }

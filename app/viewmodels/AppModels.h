@@ -17,6 +17,7 @@ class AlbumListViewModel;
 class GroupViewModel;
 class SettingsViewModel;
 class DetailViewModel;
+class ColorScheme;
 class DetailTableModel;
 class TagTableModel;
 class ToolBarModel;
@@ -58,6 +59,7 @@ public:
     MapPickerViewModel* mapPicker;
     ResourcesViewModel* resources;
     EditViewModel* edit;
+    ColorScheme* colors;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
     // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen, MapPicker,

@@ -5,6 +5,7 @@
 #include "Recent.h"
 #include "TSAsset.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 DateModifierViewModel::DateModifierViewModel(QObject* parent) : QObject(parent) {}
@@ -48,9 +49,9 @@ QVariantList DateModifierViewModel::sections() const {
                            {"checked", path == selected_}};
     };
     // The own date, with the switch that includes the time beside "Time".
-    QVariantList date{row("date", shown(pickerDate()), QStringLiteral("Time"), {0, 0})};
+    QVariantList date{row("date", shown(pickerDate()), QCoreApplication::translate("DateModifierViewModel", "Time"), {0, 0})};
     if (pickerOpen_) date << row("picker", {}, {}, {0, 1});
-    QVariantList photo{row("action", QStringLiteral("From a photo"), {}, {1, 0})};
+    QVariantList photo{row("action", QCoreApplication::translate("DateModifierViewModel", "From a photo"), {}, {1, 0})};
     if (!fromPhotoThumbnail_.isEmpty()) photo << row("choice", shown(dateFromImage_), {}, {1, 1}, fromPhotoThumbnail_);
     QVariantList current{row("choice", shown(currentDate_), {}, {2, 0})};
     QVariantList recent;
@@ -58,8 +59,8 @@ QVariantList DateModifierViewModel::sections() const {
     for (int i = 0; i < dates.size(); ++i) recent << row("choice", shown(dates[i]), {}, {3, i});
     return {QVariantMap{{"header", QString()}, {"rows", date}},
             QVariantMap{{"header", QString()}, {"rows", photo}},
-            QVariantMap{{"header", QStringLiteral("From current photo ")}, {"rows", current}},
-            QVariantMap{{"header", recent.isEmpty() ? QString() : QStringLiteral("Most recent")}, {"rows", recent}}};
+            QVariantMap{{"header", QCoreApplication::translate("DateModifierViewModel", "From current photo ")}, {"rows", current}},
+            QVariantMap{{"header", recent.isEmpty() ? QString() : QCoreApplication::translate("DateModifierViewModel", "Most recent")}, {"rows", recent}}};
 }
 
 void DateModifierViewModel::setWithTime(bool on) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DetailTableModel.h"
 
+#include "ModuleTexts.h"
 #include "TSPhotoAlbum.h"
 
 #include "Formatter.h"
@@ -112,7 +113,7 @@ QVariant DetailTableModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case KindRole: return kindOf(row, k);
     case KeyRole: return rawValue(k);
-    case LabelRole: return rawValue(k);
+    case LabelRole: return moduletexts::tagLabel(rawValue(k));
     case ValueRole:
         if (row == 1 && !s.hasExifMetadata && !isVideo()) return QStringLiteral("\nThis image has no exif tags");
         return s.value(k).first;

@@ -10,7 +10,7 @@
 #include <QVariantList>
 #include <memory>
 
-class DetailTableModel : public QAbstractListModel, public TSMetaDataObserver {
+class DetailTableModel : public QAbstractListModel, public TSMetaDataObserver, public TSViewControllerObserver {
     Q_OBJECT
 public:
     enum Role {
@@ -59,6 +59,8 @@ public:
 
     void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
     void rowsChanged() override;
+    // Another album, or none after going back to the list: the table shows no stale item.
+    void albumChanged() override { reload(); }
 
 private:
     std::shared_ptr<TSAlbum> album_;

@@ -5,6 +5,7 @@
 #include "Settings.h"
 #include "TSPhotoAlbum.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -197,7 +198,7 @@ void DetailViewModel::done(const std::shared_ptr<TSAlbum>&) {
 void DetailViewModel::failure(const QString& message) {
     cloudProgress_ = -1;
     emit cloudChanged();
-    if (!message.isEmpty()) emit alert(QStringLiteral("Alert"), message);
+    if (!message.isEmpty()) emit alert(QCoreApplication::translate("DetailViewModel", "Alert"), message);
 }
 
 void DetailViewModel::takeIncremental() {
@@ -221,9 +222,9 @@ void DetailViewModel::offerAddedPicture(const Landing& allPhotos, const std::opt
     landings_ = {allPhotos};
     if (ownAlbum && Settings::flag(SettingsFlag::saveInTessorin)) landings_ << *ownAlbum;
     AddedDialog dialog{TSEnvironment::currentAlbum()->title(),
-                       QStringLiteral("The Photo was added in a different album. Go to see it?"), {}};
-    for (const Landing& l : landings_) dialog.actions << QStringLiteral("In the \u201C%1\u201D Album").arg(l.title);
-    dialog.actions << QStringLiteral("Cancel");
+                       QCoreApplication::translate("DetailViewModel", "The Photo was added in a different album. Go to see it?"), {}};
+    for (const Landing& l : landings_) dialog.actions << QCoreApplication::translate("DetailViewModel", "In the \u201C%1\u201D Album").arg(l.title);
+    dialog.actions << QCoreApplication::translate("DetailViewModel", "Cancel");
     addedDialog_ = dialog;
     emit addedDialogRequested(dialog.title, dialog.message, dialog.actions);
 }

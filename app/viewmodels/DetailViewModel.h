@@ -52,7 +52,7 @@ public:
 
     explicit DetailViewModel(QObject* parent = nullptr);
 
-    QString title() const { return showTags_ ? QStringLiteral("All Tags") : QStringLiteral("Details"); }
+    QString title() const { return showTags_ ? tr("All Tags") : tr("Details"); }
     bool showTags() const { return showTags_; }
     void setShowTags(bool on);
     Q_INVOKABLE void toggleTables() { setShowTags(!showTags_); }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditViewModel.h"
 
+#include "ModuleTexts.h"
 #include "AddingPicture.h"
 #include "Albums.h"
 #include "DateModifierViewModel.h"
@@ -22,6 +23,7 @@
 #include "TagsPhotoModifier.h"
 #include "VideoModifier.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -37,7 +39,7 @@ namespace {
 
 // A label as a row shows it: "Original Date:" → "Original Date".
 QString bare(const std::optional<QString>& label) {
-    QString text = label.value_or(QString());
+    QString text = moduletexts::tagLabel(label.value_or(QString()));
     if (text.endsWith(':')) text.chop(1);
     return text;
 }
@@ -147,7 +149,7 @@ void EditViewModel::close() {
     emit changed();
 }
 
-QString EditViewModel::title() const { return isVideo_ ? QStringLiteral("Change Video Tags") : QString(); }
+QString EditViewModel::title() const { return isVideo_ ? QCoreApplication::translate("EditViewModel", "Change Video Tags") : QString(); }
 
 QVariantList EditViewModel::sections() const {
     if (!settings_) return {};
@@ -167,9 +169,9 @@ QVariantList EditViewModel::sections() const {
         QVariantMap r = row(QStringLiteral("editor"), bare(data.header));
         const auto v = editors.value(*data.key);
         r["key"] = EditKeys::caseName(*data.key);
-        r["value"] = v == kRemovalMark ? data.header.value_or(QString()) + QStringLiteral(" [removed]") : v.value_or(QString());
-        r["placeholder"] = multiple ? QStringLiteral("Unchanged")
-                                    : QStringLiteral("Add ") + bare(data.placeholder) + QStringLiteral(" here");
+        r["value"] = v == kRemovalMark ? QCoreApplication::translate("EditViewModel", "%1 [removed]").arg(data.header.value_or(QString())) : v.value_or(QString());
+        r["placeholder"] = multiple ? QCoreApplication::translate("EditViewModel", "Unchanged")
+                                    : QCoreApplication::translate("EditViewModel", "Add %1 here").arg(bare(data.placeholder));
         return r;
     };
 
@@ -182,13 +184,13 @@ QVariantList EditViewModel::sections() const {
         switch (section) {
         case Sections::selected: rows << row(QStringLiteral("images"), {}); break;
         case Sections::noTags:
-            title = QStringLiteral("No Tags");
-            rows << (isVideo_ ? switchRow(QStringLiteral("No extra data"), section, QStringLiteral("May result in a different rotation"))
-                              : switchRow(QStringLiteral("Image structure tags only"), section));
+            title = QCoreApplication::translate("EditViewModel", "No Tags");
+            rows << (isVideo_ ? switchRow(QCoreApplication::translate("EditViewModel", "No extra data"), section, QCoreApplication::translate("EditViewModel", "May result in a different rotation"))
+                              : switchRow(QCoreApplication::translate("EditViewModel", "Image structure tags only"), section));
             break;
         case Sections::dateTime: {
-            title = QStringLiteral("Date and time");
-            rows << switchRow(QStringLiteral("No Date and Time tags"), section);
+            title = QCoreApplication::translate("EditViewModel", "Date and time");
+            rows << switchRow(QCoreApplication::translate("EditViewModel", "No Date and Time tags"), section);
             if (s.switchers[section]) break;
             const QList<EMRowData> dates = EMSections::rows(section);
             for (int i = 0; i < (isVideo_ ? 1 : dates.size()); ++i) {
@@ -199,48 +201,48 @@ QVariantList EditViewModel::sections() const {
                 if (date) r["title"] = Formatter::format(*date, Formatter::Style::fullDate);
                 else if (text && !text->isEmpty()) r["title"] = *text;
                 else {
-                    r["title"] = multiple ? QStringLiteral("Unchanged")
-                                          : QStringLiteral("Add ") + bare(dates[i].placeholder) + QStringLiteral(" here");
+                    r["title"] = multiple ? QCoreApplication::translate("EditViewModel", "Unchanged")
+                                          : QCoreApplication::translate("EditViewModel", "Add %1 here").arg(bare(dates[i].placeholder));
                     r["dimmed"] = true;
                 }
                 rows << r;
             }
             if (!isVideo_) {
-                QVariantMap r = row(QStringLiteral("disclosure"), QStringLiteral("Shift by..."), shiftPreview_);
+                QVariantMap r = row(QStringLiteral("disclosure"), QCoreApplication::translate("EditViewModel", "Shift by..."), shiftPreview_);
                 r["key"] = QStringLiteral("shift");
                 rows << r;
             }
             break;
         }
         case Sections::location:
-            title = QStringLiteral("Location");
-            rows << switchRow(QStringLiteral("No location tag"), section);
+            title = QCoreApplication::translate("EditViewModel", "Location");
+            rows << switchRow(QCoreApplication::translate("EditViewModel", "No location tag"), section);
             if (s.switchers[section]) break;
-            rows << row(QStringLiteral("disclosure"), s.locationText(multiple));
+            rows << row(QStringLiteral("disclosure"), moduletexts::editText(s.locationText(multiple)));
             if (!isVideo_) {
-                QVariantMap r = row(QStringLiteral("disclosure"), QStringLiteral("From a track log..."),
+                QVariantMap r = row(QStringLiteral("disclosure"), QCoreApplication::translate("EditViewModel", "From a track log..."),
                                     trackPath_.isEmpty() ? QString() : QFileInfo(trackPath_).fileName());
                 r["key"] = QStringLiteral("track");
                 rows << r;
             }
             break;
         case Sections::rotation:
-            title = QStringLiteral("Orientation");
-            rows << row(QStringLiteral("disclosure"), s.rotationText());
+            title = QCoreApplication::translate("EditViewModel", "Orientation");
+            rows << row(QStringLiteral("disclosure"), moduletexts::editText(s.rotationText()));
             break;
         case Sections::userComment:
-            title = QStringLiteral("User Comment");
+            title = QCoreApplication::translate("EditViewModel", "User Comment");
             rows << editor(EMSections::rows(section).first());
             break;
         case Sections::iptc: {
-            title = QStringLiteral("IPTC tags");
-            QVariantMap r = row(QStringLiteral("disclosure"), QStringLiteral("Edit IPTC tags"));
+            title = QCoreApplication::translate("EditViewModel", "IPTC tags");
+            QVariantMap r = row(QStringLiteral("disclosure"), QCoreApplication::translate("EditViewModel", "Edit IPTC tags"));
             r["symbol"] = QStringLiteral("text.below.photo.fill");
             rows << r;
             break;
         }
         case Sections::camera:
-            title = QStringLiteral("Camera");
+            title = QCoreApplication::translate("EditViewModel", "Camera");
             for (const EMRowData& data : EMSections::rows(section)) rows << editor(data);
             break;
         }
@@ -255,7 +257,7 @@ QStringList EditViewModel::thumbnails() const {
     return out;
 }
 
-QString EditViewModel::maxImagesText() const { return QStringLiteral("max %1").arg(TSEnvironment::maxImages()); }
+QString EditViewModel::maxImagesText() const { return QCoreApplication::translate("EditViewModel", "max %1").arg(TSEnvironment::maxImages()); }
 bool EditViewModel::addVisible() const { return settings_ && !isVideo_; }
 bool EditViewModel::addEnabled() const { return addVisible() && assets_.size() + pending_.size() < TSEnvironment::maxImages(); }
 int EditViewModel::room() const { return qMax(0, int(TSEnvironment::maxImages() - assets_.size() - pending_.size())); }
@@ -287,7 +289,7 @@ void EditViewModel::addFiles(const QStringList& paths) {
     }
     emit changed();
     // The alert first; the loading goes on once it is dismissed.
-    if (duplicate) emit alert(QStringLiteral("Alert"), QStringLiteral("One or more selected photos are already among the chosen set"));
+    if (duplicate) emit alert(QCoreApplication::translate("EditViewModel", "Alert"), QCoreApplication::translate("EditViewModel", "One or more selected photos are already among the chosen set"));
     else requestAsset();
 }
 
@@ -321,7 +323,7 @@ void EditViewModel::requestAsset() {
     const QString path = pending_.takeFirst();
     loadingNow_ = true;
     Log::info("🔄 " + path);
-    if (activity_.isEmpty()) setActivity(QStringLiteral("Loading Photo..."));
+    if (activity_.isEmpty()) setActivity(QCoreApplication::translate("EditViewModel", "Loading Photo..."));
     const quint64 visit = visit_;
     runOffThread<std::shared_ptr<TSAsset>>(
         this, [path] { return std::make_shared<TSAsset>(path); },
@@ -425,7 +427,7 @@ bool EditViewModel::setTrackLog(const QString& picked, const QString& offset, co
     if (!offset.trimmed().isEmpty()) {
         const auto o = DateShift::parseOffset(offset.trimmed());
         if (!o) {
-            emit alert(QString(), QStringLiteral("Not a clock offset: ") + offset);
+            emit alert(QString(), QCoreApplication::translate("EditViewModel", "Not a clock offset: %1").arg(offset));
             return false;
         }
         options.clockOffsetSeconds = *o;
@@ -433,7 +435,7 @@ bool EditViewModel::setTrackLog(const QString& picked, const QString& offset, co
     if (!maxGap.trimmed().isEmpty()) {
         const auto g = Geotagger::parseDuration(maxGap.trimmed());
         if (!g) {
-            emit alert(QString(), QStringLiteral("Not a duration: ") + maxGap);
+            emit alert(QString(), QCoreApplication::translate("EditViewModel", "Not a duration: %1").arg(maxGap));
             return false;
         }
         options.maxGapSeconds = *g;
@@ -463,7 +465,7 @@ void EditViewModel::refreshPreviews() {
             const auto d = Formatter::exifDate(exif);
             return d ? Formatter::format(*d, Formatter::Style::fullDate) : exif;
         };
-        shiftPreview_ = own && moved ? shown(*own) + QStringLiteral(" → ") + shown(*moved) : QStringLiteral("No date to shift");
+        shiftPreview_ = own && moved ? shown(*own) + QStringLiteral(" → ") + shown(*moved) : QCoreApplication::translate("EditViewModel", "No date to shift");
     }
     if (batch_.trackLog) {
         for (const auto& a : assets_) {
@@ -496,13 +498,13 @@ QVariantMap EditViewModel::saveAlert() const {
     const bool many = assets_.size() > 1;
     const bool locked = uneditable();
     QString message;
-    if (!photos) message = QStringLiteral("Save a new video");
-    else if (!many) message = locked ? QStringLiteral("Save a new picture") : QStringLiteral("Save a new picture or modify the current one?");
-    else message = locked ? QStringLiteral("Save new pictures") : QStringLiteral("Save new pictures or modify the current ones?");
-    QVariantList actions{QVariantMap{{"title", photos ? QStringLiteral("New Picture") : QStringLiteral("New Video")}, {"mode", 0}}};
-    if (photos && !locked) actions << QVariantMap{{"title", QStringLiteral("Modify")}, {"mode", 1}};
-    actions << QVariantMap{{"title", QStringLiteral("Save to Files")}, {"mode", 2}};
-    actions << QVariantMap{{"title", QStringLiteral("Cancel")}, {"mode", -1}};
+    if (!photos) message = QCoreApplication::translate("EditViewModel", "Save a new video");
+    else if (!many) message = locked ? QCoreApplication::translate("EditViewModel", "Save a new picture") : QCoreApplication::translate("EditViewModel", "Save a new picture or modify the current one?");
+    else message = locked ? QCoreApplication::translate("EditViewModel", "Save new pictures") : QCoreApplication::translate("EditViewModel", "Save new pictures or modify the current ones?");
+    QVariantList actions{QVariantMap{{"title", photos ? QCoreApplication::translate("EditViewModel", "New Picture") : QCoreApplication::translate("EditViewModel", "New Video")}, {"mode", 0}}};
+    if (photos && !locked) actions << QVariantMap{{"title", QCoreApplication::translate("EditViewModel", "Modify")}, {"mode", 1}};
+    actions << QVariantMap{{"title", QCoreApplication::translate("EditViewModel", "Save to Files")}, {"mode", 2}};
+    actions << QVariantMap{{"title", QCoreApplication::translate("EditViewModel", "Cancel")}, {"mode", -1}};
     return {{"message", message}, {"actions", actions}};
 }
 
@@ -520,7 +522,7 @@ void EditViewModel::savePhotos(int mode) {
         if (!a->isVideo() && !a->readError() && !a->imageData().isEmpty())
             photos << ModifyingPhotoAsset{a, std::make_shared<TagsPhotoModifier>(a->metaData()), a->imageData(), 1};
     if (photos.size() != assets_.size()) {
-        emit alert(QString(), QStringLiteral("Error getting image data"));
+        emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error getting image data"));
         return;
     }
     auto modifier = std::make_shared<ExifModifier>(photos);
@@ -535,10 +537,10 @@ void EditViewModel::savePhotos(int mode) {
     auto wishes = std::make_shared<UserSettings>(*settings_);
     const QString folder = mode == int(SaveMode::files) ? newExportFolder() : QString();
     if (mode == int(SaveMode::files) && folder.isEmpty()) {
-        emit alert(QString(), QStringLiteral("Error writing data to file"));
+        emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error writing data to file"));
         return;
     }
-    setActivity(QStringLiteral("Saving Photo..."), int(photos.size()));
+    setActivity(QCoreApplication::translate("EditViewModel", "Saving Photo..."), int(photos.size()));
     prepareAdding(mode);
     QPointer<EditViewModel> self(this);
     modifier->progress = [self](int done) {
@@ -575,17 +577,17 @@ void EditViewModel::saveVideo(int mode) {
     for (const auto& a : assets_) videos << a;
     auto made = ExifVideoModifier::make(videos);
     if (!made) {
-        emit alert(QString(), QStringLiteral("Error getting video data"));
+        emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error getting video data"));
         return;
     }
     auto modifier = std::make_shared<ExifVideoModifier>(std::move(*made));
     modifier->modify(*settings_);
     const QString folder = newExportFolder();
     if (folder.isEmpty()) {
-        emit alert(QString(), QStringLiteral("Error: Exporting Data"));
+        emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error: Exporting Data"));
         return;
     }
-    setActivity(QStringLiteral("Saving Video..."), 1);
+    setActivity(QCoreApplication::translate("EditViewModel", "Saving Video..."), 1);
     prepareAdding(mode);
     runOffThread<Result>(
         this,
@@ -605,7 +607,7 @@ void EditViewModel::saveVideo(int mode) {
             QFile file(paths.value(0));
             const QByteArray data = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
             removeFolder(folder);
-            if (data.isEmpty()) return {{}, QStringLiteral("Error: Exporting Data")};
+            if (data.isEmpty()) return {{}, QCoreApplication::translate("EditViewModel", "Error: Exporting Data")};
             const TagsVideoModifier& tags = modifier->modifing.first().modifier;
             std::optional<library::Location> place;
             if (tags.userLocation) place = library::Location{tags.userLocation->coordinate.latitude, tags.userLocation->coordinate.longitude, std::nullopt};
@@ -614,7 +616,7 @@ void EditViewModel::saveVideo(int mode) {
             const auto id = lib.createAsset(data, QFileInfo(paths.value(0)).fileName(), tags.userDate, place, {}, &error);
             if (!id) {
                 Log::error("Error saving the video: " + error);
-                return {{}, QStringLiteral("Error: Exporting Data (2)")};
+                return {{}, QCoreApplication::translate("EditViewModel", "Error: Exporting Data (2)")};
             }
             return {{*id}, std::nullopt};
         },
@@ -627,7 +629,7 @@ void EditViewModel::ended(int mode, const Result& r) {
     if (r.nothingChanged || r.message || r.urls.isEmpty() || !settings_) TSEnvironment::addingPicture().adding = false;
     if (!settings_) return;
     if (r.nothingChanged) {
-        emit alert(QStringLiteral("Nothing changed"), QStringLiteral("No changes to save."));
+        emit alert(QCoreApplication::translate("EditViewModel", "Nothing changed"), QCoreApplication::translate("EditViewModel", "No changes to save."));
         return;
     }
     if (r.message) {
@@ -679,5 +681,5 @@ void EditViewModel::finishExport(const QUrl& target) {
         // The folder made for this export goes with its last file.
         QDir().rmdir(QFileInfo(path).absolutePath());
     }
-    if (!failed.isEmpty()) emit alert(QString(), QStringLiteral("Error writing data to file") + QStringLiteral(" (") + failed + ')');
+    if (!failed.isEmpty()) emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error writing data to file") + QStringLiteral(" (") + failed + ')');
 }

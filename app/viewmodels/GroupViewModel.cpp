@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "GroupViewModel.h"
 
+#include "ModuleTexts.h"
 #include "Formatter.h"
 #include "Settings.h"
 #include "Log.h"
@@ -15,7 +16,7 @@ GroupViewModel::GroupViewModel(QObject* parent) : QAbstractListModel(parent) {
     TSEnvironment::observable().addObserver(this);
 }
 
-QString GroupViewModel::title() const { return album_ ? album_->title() : QString(); }
+QString GroupViewModel::title() const { return album_ ? moduletexts::album(album_->title()) : QString(); }
 
 bool GroupViewModel::gridView() const { return Settings::flag(SettingsFlag::gridView); }
 

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "IptcViewModel.h"
+#include "ModuleTexts.h"
+#include <QCoreApplication>
 
 #include "IptcKeys.h"
 #include "Choosers.h"
@@ -52,7 +54,7 @@ QVariant IptcViewModel::data(const QModelIndex& index, int role) const {
     if (!key) return {};
     const IptcRowText t = editor_->row(*key);
     switch (role) {
-    case SectionRole: return iptc::sectionTitle(rows_[index.row()].first);
+    case SectionRole: return moduletexts::tagLabel(iptc::sectionTitle(rows_[index.row()].first));
     case KeyRole: return EditKeys::caseName(*key);
     case TitleRole: return t.title;
     case ValueRole: return t.value;
@@ -140,17 +142,17 @@ QVariantList IptcViewModel::templateRows() const {
     if (!template_) return out;
     QString lastSection;
     auto add = [&](const QString& section, TSKey k) {
-        const QString name = iptc::fieldName(k);
+        const QString name = moduletexts::tagLabel(iptc::fieldName(k));
         // The first field of a section carries the section's title as its header.
         const QString header = section != lastSection ? section : QString();
         lastSection = section;
         out << QVariantMap{{"section", section}, {"header", header}, {"key", rawValue(k)}, {"title", name},
                            {"value", template_->iptcProperties.value(k)},
-                           {"placeholder", QStringLiteral("Add ") + name + QStringLiteral(" here")}};
+                           {"placeholder", QCoreApplication::translate("IptcViewModel", "Add %1 here").arg(name)}};
     };
     for (const auto& [section, key] : rows_)
-        if (key != TSKey::IPTC_CREATOR_CONTACT_INFO) add(iptc::sectionTitle(section), key);
-    for (TSKey k : IptcEditorModel::contactKeys()) add(QStringLiteral("Creator Contact Info"), k);
+        if (key != TSKey::IPTC_CREATOR_CONTACT_INFO) add(moduletexts::tagLabel(iptc::sectionTitle(section)), key);
+    for (TSKey k : IptcEditorModel::contactKeys()) add(QCoreApplication::translate("IptcViewModel", "Creator Contact Info"), k);
     return out;
 }
 

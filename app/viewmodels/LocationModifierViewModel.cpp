@@ -11,6 +11,7 @@
 #include "TSPhotoAlbum.h"
 #include "ThumbnailCache.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QPointer>
 
@@ -123,7 +124,7 @@ void LocationModifierViewModel::choosePhoto(const QString& path) {
         hr.location = store.location;
     }
     hr.title = QFileInfo(file).fileName();
-    hr.subtitle = hr.location ? hrl::coordinatesText(*hr.location, true) : QStringLiteral("No location data in image");
+    hr.subtitle = hr.location ? hrl::coordinatesText(*hr.location, true) : QCoreApplication::translate("LocationModifierViewModel", "No location data in image");
     hr.thumbnail = library::thumbnails::picture(file, 88);
     imgHRLocation_ = hr;
     setChecked(hr.location ? IndexPath{fromPhoto, 1} : defaultIndexPath);
@@ -181,18 +182,18 @@ QVariantList LocationModifierViewModel::sections() const {
 
     const auto& here = manager_.actualHRLocation();
     out << withRows({}, {manager_.locationAvailable()
-                             ? row({actual, 0}, QStringLiteral("Actual position"), here ? here->subtitle : std::nullopt, "location")
-                             : row({actual, 0}, QStringLiteral("Location not available"), std::nullopt)});
+                             ? row({actual, 0}, QCoreApplication::translate("LocationModifierViewModel", "Actual position"), here ? here->subtitle : std::nullopt, "location")
+                             : row({actual, 0}, QCoreApplication::translate("LocationModifierViewModel", "Location not available"), std::nullopt)});
 
-    QVariantList photo{row({fromPhoto, 0}, QStringLiteral("From a photo"), std::nullopt, {}, true)};
+    QVariantList photo{row({fromPhoto, 0}, QCoreApplication::translate("LocationModifierViewModel", "From a photo"), std::nullopt, {}, true)};
     if (imgHRLocation_) photo << row({fromPhoto, 1}, imgHRLocation_->title, imgHRLocation_->subtitle, "thumbnail");
     out << withRows({}, photo);
 
-    QVariantList map{row({fromMap, 0}, QStringLiteral("From map"), std::nullopt, "mappin.and.ellipse", true)};
+    QVariantList map{row({fromMap, 0}, QCoreApplication::translate("LocationModifierViewModel", "From map"), std::nullopt, "mappin.and.ellipse", true)};
     if (mapHRLocation_) map << row({fromMap, 1}, mapHRLocation_->title, mapHRLocation_->subtitle);
     out << withRows({}, map);
 
-    out << withRows(QStringLiteral("From current photo"),
+    out << withRows(QCoreApplication::translate("LocationModifierViewModel", "From current photo"),
                     {row({current, 0}, photoLocation_ ? photoLocation_->title : std::nullopt,
                          photoLocation_ ? photoLocation_->subtitle : std::nullopt)});
 
@@ -200,6 +201,6 @@ QVariantList LocationModifierViewModel::sections() const {
     QVariantList recentRows;
     for (int i = 0; i < recents.size(); ++i)
         recentRows << row({recent, i}, recents[i].title, recents[i].subtitle, {}, false, "subtitle");
-    out << withRows(recents.isEmpty() ? QString() : QStringLiteral("Most recent"), recentRows);
+    out << withRows(recents.isEmpty() ? QString() : QCoreApplication::translate("LocationModifierViewModel", "Most recent"), recentRows);
     return out;
 }

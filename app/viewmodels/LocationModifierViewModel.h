@@ -31,7 +31,7 @@ public:
     explicit LocationModifierViewModel(TSLocationManager::SourceFactory positionSource = {}, QObject* parent = nullptr);
 
     QString title() const { return QStringLiteral("Location"); }
-    QString placeholder() const { return QStringLiteral("Search or insert an address"); }
+    QString placeholder() const { return tr("Search or insert an address"); }
 
     // The place of the photo being edited (nothing when it has none).
     void setPhotoLocation(const std::optional<HRLocation>& location);

@@ -5,6 +5,7 @@
 #include "FileTypes.h"
 #include "GroupViewModel.h"
 #include "ImageProperties.h"
+#include "ModuleTexts.h"
 #include "ResourceActor.h"
 #include "TSAlbum.h"
 #include "TSResourceAuxiliary.h"
@@ -90,13 +91,13 @@ QVariantList ResourcesViewModel::sections() const {
         for (AuxiliaryImageType type : model_->resourcesSub().value(key)) {
             const auto url = record.auxiliaryUrl.find(type);
             const QString path = url == record.auxiliaryUrl.end() ? QString() : url->second;
-            rows << QVariantMap{{"title", label(type)},
+            rows << QVariantMap{{"title", moduletexts::resource(label(type))},
                                 {"subtitle", QFileInfo(path).fileName()},
                                 {"symbol", path.isEmpty() ? QStringLiteral("doc.text") : QString()},
                                 {"thumbnail", path},
                                 {"url", path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path)}};
         }
-        out << QVariantMap{{"header", source ? source->label() : QString()}, {"rows", rows}};
+        out << QVariantMap{{"header", source ? moduletexts::resource(source->label()) : QString()}, {"rows", rows}};
     }
     return out;
 }

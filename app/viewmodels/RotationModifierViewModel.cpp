@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RotationModifierViewModel.h"
+#include <QCoreApplication>
 
 #include "PropertyKeys.h"
 #include "Settings.h"
@@ -17,7 +18,7 @@ void RotationModifierViewModel::start(std::optional<int> initialOrientation, std
 QString RotationModifierViewModel::meaning(int orientation) {
     const bool human = Settings::flag(SettingsFlag::human);
     const QString m = TSMeanings::shared().meaning(kCGImagePropertyTIFFOrientation, qint64(orientation), true);
-    const QString text = m == QLatin1String("-vv-") || m == QString::number(orientation) ? QStringLiteral("Unknown") : m;
+    const QString text = m == QLatin1String("-vv-") || m == QString::number(orientation) ? QCoreApplication::translate("RotationModifierViewModel", "Unknown") : m;
     return TSMeanings::valueText(text, human).value_or(text);
 }
 

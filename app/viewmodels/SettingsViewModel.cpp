@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "SettingsViewModel.h"
+#include <QCoreApplication>
 
 #include "Log.h"
 #include "Settings.h"
@@ -9,18 +10,18 @@ SettingsViewModel::SettingsViewModel(QObject* parent) : QAbstractListModel(paren
 // Photo access chooses the library's folders, in place of the platform's access settings.
 const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
     static const QList<Row> table{
-        {0, 0, QStringLiteral("About"), QStringLiteral("About Tessorin"), {}, QStringLiteral("info.circle")},
-        {1, 0, QStringLiteral("Photo Order"), QStringLiteral("Most recent first"), QStringLiteral("mostRecentFirst"),
+        {0, 0, QCoreApplication::translate("SettingsViewModel", "About"), QCoreApplication::translate("SettingsViewModel", "About Tessorin"), {}, QStringLiteral("info.circle")},
+        {1, 0, QCoreApplication::translate("SettingsViewModel", "Photo Order"), QCoreApplication::translate("SettingsViewModel", "Most recent first"), QStringLiteral("mostRecentFirst"),
          QStringLiteral("arrow.up.arrow.down.circle")},
-        {2, 0, QStringLiteral("Tags"), QStringLiteral("Human Readable"), QStringLiteral("human"),
+        {2, 0, QCoreApplication::translate("SettingsViewModel", "Tags"), QCoreApplication::translate("SettingsViewModel", "Human Readable"), QStringLiteral("human"),
          QStringLiteral("accessibility")},
-        {3, 0, QStringLiteral("Live Photos"), QStringLiteral("Show Live Photos preview"),
+        {3, 0, QCoreApplication::translate("SettingsViewModel", "Live Photos"), QCoreApplication::translate("SettingsViewModel", "Show Live Photos preview"),
          QStringLiteral("showLivePhotos"), QStringLiteral("livephoto")},
-        {4, 0, QStringLiteral("Video"), QStringLiteral("Show Videos"), QStringLiteral("video"),
+        {4, 0, QCoreApplication::translate("SettingsViewModel", "Video"), QCoreApplication::translate("SettingsViewModel", "Show Videos"), QStringLiteral("video"),
          QStringLiteral("film.circle")},
-        {5, 0, QStringLiteral("Allow Photo Access"), QStringLiteral("Change Photo Access..."), {},
+        {5, 0, QCoreApplication::translate("SettingsViewModel", "Allow Photo Access"), QCoreApplication::translate("SettingsViewModel", "Change Photo Access..."), {},
          QStringLiteral("photo.fill.on.rectangle.fill")},
-        {6, 0, QStringLiteral("Modified Images"), QStringLiteral("Save in Tessorin album"),
+        {6, 0, QCoreApplication::translate("SettingsViewModel", "Modified Images"), QCoreApplication::translate("SettingsViewModel", "Save in Tessorin album"),
          QStringLiteral("saveInTessorin"), QStringLiteral("tag.circle")},
     };
     return table;

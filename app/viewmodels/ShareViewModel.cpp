@@ -6,6 +6,7 @@
 #include "Log.h"
 #include "TSAlbum.h"
 
+#include <QCoreApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QStandardPaths>
@@ -25,18 +26,18 @@ struct Row {
 
 // The menu as the toolbar's share button opens it.
 constexpr Row kRows[] = {
-    {"title", "Share Photo", "", {}},
-    {"button", "With Metadata", "shareMeta", ShareAction::shareMeta},
-    {"button", "Without Metadata", "shareWithoutMeta", ShareAction::shareWithoutMeta},
-    {"button", "Without Location", "shareWithoutLocation", ShareAction::shareWithoutLocation},
+    {"title", QT_TRANSLATE_NOOP("ShareViewModel", "Share Photo"), "", {}},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "With Metadata"), "shareMeta", ShareAction::shareMeta},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "Without Metadata"), "shareWithoutMeta", ShareAction::shareWithoutMeta},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "Without Location"), "shareWithoutLocation", ShareAction::shareWithoutLocation},
     {"separator", "", "", {}},
-    {"title", "Share Details Only", "", {}},
-    {"button", "Details", "shareDetails", ShareAction::shareDetails},
+    {"title", QT_TRANSLATE_NOOP("ShareViewModel", "Share Details Only"), "", {}},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "Details"), "shareDetails", ShareAction::shareDetails},
     {"separator", "", "", {}},
-    {"title", "Share All Tags as", "", {}},
-    {"button", "Human Readable", "hrShare", ShareAction::hrShare},
-    {"button", "JSON", "jsonShare", ShareAction::jsonShare},
-    {"button", "Raw", "rawShare", ShareAction::rawShare},
+    {"title", QT_TRANSLATE_NOOP("ShareViewModel", "Share All Tags as"), "", {}},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "Human Readable"), "hrShare", ShareAction::hrShare},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "JSON"), "jsonShare", ShareAction::jsonShare},
+    {"button", QT_TRANSLATE_NOOP("ShareViewModel", "Raw"), "rawShare", ShareAction::rawShare},
 };
 
 const Row* buttonOf(const std::function<bool(const Row&)>& match) {
@@ -59,7 +60,7 @@ QVariantList ShareViewModel::rows() const {
     QVariantList list;
     for (const Row& r : kRows)
         list << QVariantMap{{"kind", QString::fromLatin1(r.kind)},
-                            {"title", QString::fromLatin1(r.title)},
+                            {"title", QCoreApplication::translate("ShareViewModel", r.title)},
                             {"action", QString::fromLatin1(r.name)}};
     return list;
 }
@@ -98,8 +99,8 @@ void ShareViewModel::run(ShareAction action) {
         if (items->data.isEmpty()) items->data = items->text.toUtf8();
     }
     pending_ = *items;
-    saveTitle_ = QStringLiteral("Save ") +
-                 QLatin1String(buttonOf([&](const Row& r) { return r.action == action; })->title);
+    saveTitle_ = QCoreApplication::translate("ShareViewModel", "Save %1")
+                     .arg(QCoreApplication::translate("ShareViewModel", buttonOf([&](const Row& r) { return r.action == action; })->title));
     emit saveChanged();
     emit saveRequested();
 }

@@ -9,7 +9,7 @@
 #include <QAbstractListModel>
 #include <memory>
 
-class TagTableModel : public QAbstractListModel, public TSMetaDataObserver {
+class TagTableModel : public QAbstractListModel, public TSMetaDataObserver, public TSViewControllerObserver {
     Q_OBJECT
     // Every section's title, also of those without rows, for the "Go To:" list.
     Q_PROPERTY(QStringList sectionTitles READ sectionTitles NOTIFY reloaded)
@@ -48,6 +48,8 @@ public:
     Q_INVOKABLE void reload();
 
     void processedMetaData(const std::shared_ptr<TSAlbum>& album) override;
+    // Another album, or none after going back to the list: the table shows no stale item.
+    void albumChanged() override { reload(); }
 
 signals:
     void reloaded();

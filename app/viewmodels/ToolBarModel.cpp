@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ToolBarModel.h"
+#include <QCoreApplication>
 
 #include "Albums.h"
 #include "AssetModifier.h"
@@ -128,7 +129,7 @@ void ToolBarModel::favorite() {
     TSEnvironment::currentAlbum()->startFavoriting();
     QString error;
     if (!AssetModifier::favorite(*TSEnvironment::library(), asset->localIdentifier, &error))
-        emit alert(QStringLiteral("Favorite"), error);
+        emit alert(QCoreApplication::translate("ToolBarModel", "Favorite"), error);
     refresh();
 }
 
@@ -137,16 +138,16 @@ void ToolBarModel::requestDelete() {
     if (!asset) return;
     pendingDelete_ = asset->localIdentifier;
     const bool video = asset->mediaType == library::MediaType::video;
-    emit deleteConfirmationRequested(QString(), video ? QStringLiteral("Are you sure you want to delete this video?")
-                                                      : QStringLiteral("Are you sure you want to delete this photo?"),
-                                     video ? QStringLiteral("Delete Video") : QStringLiteral("Delete Photo"));
+    emit deleteConfirmationRequested(QString(), video ? QCoreApplication::translate("ToolBarModel", "Are you sure you want to delete this video?")
+                                                      : QCoreApplication::translate("ToolBarModel", "Are you sure you want to delete this photo?"),
+                                     video ? QCoreApplication::translate("ToolBarModel", "Delete Video") : QCoreApplication::translate("ToolBarModel", "Delete Photo"));
 }
 
 void ToolBarModel::confirmDelete() {
     if (pendingDelete_.isEmpty() || !TSEnvironment::library()) return;
     const QString id = std::exchange(pendingDelete_, QString());
     QString error;
-    if (!AssetModifier::remove(*TSEnvironment::library(), id, &error)) emit alert(QStringLiteral("Delete"), error);
+    if (!AssetModifier::remove(*TSEnvironment::library(), id, &error)) emit alert(QCoreApplication::translate("ToolBarModel", "Delete"), error);
     refresh();
 }
 
@@ -162,7 +163,7 @@ void ToolBarModel::burst() {
     const library::FetchResult fetch = TSEnvironment::library()->fetchAssets(ids);
     const int index = int(fetch.indexOf(asset->localIdentifier).value_or(0));
     TSEnvironment::setCurrentAlbum(album);
-    album->setAlbum(fetch, index, QStringLiteral("Burst Photos"));
+    album->setAlbum(fetch, index, QCoreApplication::translate("ToolBarModel", "Burst Photos"));
     emit burstOpened();
 }
 

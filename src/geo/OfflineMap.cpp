@@ -146,7 +146,44 @@ quint32 OfflineMap::minPopulation(double zoom) {
     return std::max(byZoom[z], smallestTown);
 }
 
-void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style) const {
+const OfflineMap::Town* OfflineMap::ownTown(const GeoCoordinate& c) const {
+    // Compared in world pixels at zoom 0, where 15 km is about 0.1 of a pixel at the equator and
+    // more towards the poles, as the map itself stretches.
+    const QPointF p = mercator::project(c, 0);
+    const double reach = 15'000 / mercator::metresPerPixel(c.latitude, 0);
+    const Town* best = nullptr;
+    double bestDistance = reach * reach;
+    for (const Town& t : towns_) {
+        const QPointF d = t.point - p;
+        const double distance = d.x() * d.x() + d.y() * d.y();
+        if (distance < bestDistance) {
+            bestDistance = distance;
+            best = &t;
+        }
+    }
+    return best;
+}
+
+double OfflineMap::zoomShowingTowns(const GeoCoordinate& c, const QSizeF& viewSize, double closest) const {
+    const QPointF p = mercator::project(c, 0);
+    const Town* own = ownTown(c);
+    constexpr double farthest = 3;  // a country or so: some town always shows by then
+    for (double zoom = std::floor(closest); zoom > farthest; --zoom) {
+        const double scale = std::exp2(zoom);
+        // A little inside the view, so that a label at the edge counts as seen.
+        const QSizeF half = viewSize / scale / 2 * 0.85;
+        const quint32 least = minPopulation(zoom);
+        for (const Town& t : towns_) {
+            if (t.population < least) break;
+            if (&t != own && std::abs(t.point.x() - p.x()) < half.width() && std::abs(t.point.y() - p.y()) < half.height())
+                return std::min(zoom, closest);
+        }
+    }
+    return farthest;
+}
+
+void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style,
+                      const std::optional<GeoCoordinate>& own) const {
     const Palette colours = palette(style);
     const double scale = std::exp2(zoom);
     const QRectF view(centre - QPointF(viewSize.width(), viewSize.height()) / 2, viewSize);
@@ -212,8 +249,17 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
     painter.setFont(font);
     const QFontMetricsF metrics(font);
     QList<QRectF> taken;
+    // The photo's own town first, so that no bigger neighbour's label crowds it out.
+    std::vector<const Town*> named;
+    const Town* ownPlace = own ? ownTown(*own) : nullptr;
+    if (ownPlace) named.push_back(ownPlace);
     for (const Town& t : towns_) {
-        if (t.population < least || taken.size() >= 80) break;
+        if (t.population < least) break;
+        if (&t != ownPlace) named.push_back(&t);
+    }
+    for (const Town* town : named) {
+        const Town& t = *town;
+        if (taken.size() >= 80) break;
         for (int copy = firstCopy; copy <= lastCopy; ++copy) {
             const QPointF p = t.point * scale - view.topLeft() + QPointF(copy * world, 0);
             if (p.x() < -40 || p.y() < -20 || p.x() > viewSize.width() + 40 || p.y() > viewSize.height() + 20) continue;

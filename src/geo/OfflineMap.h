@@ -11,6 +11,7 @@
 #include <QRectF>
 #include <QString>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QPainter;
@@ -31,11 +32,16 @@ public:
     static std::shared_ptr<const OfflineMap> shared();
 
     // Draws the part of the world of `viewSize` pixels whose centre is `centre` in world pixels
-    // at `zoom`, repeating the world sideways when the view is wider than it.
-    void draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style) const;
+    // at `zoom`, repeating the world sideways when the view is wider than it. The town nearest
+    // `own` (a photo's place) is named whatever its size, when it lies within reach of it.
+    void draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style,
+              const std::optional<GeoCoordinate>& own = std::nullopt) const;
 
     // The fewest people a town needs to get a dot at a zoom.
     static quint32 minPopulation(double zoom);
+    // The closest zoom, at most `closest`, at which a view of `viewSize` centred on `c` names a
+    // town besides the one `c` lies in: closer than that the map is land without a name.
+    double zoomShowingTowns(const GeoCoordinate& c, const QSizeF& viewSize, double closest) const;
 
     qsizetype ringCount() const { return qsizetype(rings_.size()); }
     qsizetype borderCount() const { return qsizetype(borders_.size()); }
@@ -54,4 +60,6 @@ private:
     std::vector<Line> rings_;
     std::vector<Line> borders_;
     std::vector<Town> towns_;
+    // The town nearest `c`, when one lies within about 15 km of it.
+    const Town* ownTown(const GeoCoordinate& c) const;
 };

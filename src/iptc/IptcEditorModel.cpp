@@ -5,10 +5,20 @@
 #include "TSMeanings.h"
 #include "TemplateModel.h"
 
+#include <QCoreApplication>
+
 namespace {
 
-const QString kRemoved = QStringLiteral("[removed]");
-const QString kUnchanged = QStringLiteral("Unchanged");
+// Shown on the IPTC screen, so in the user's language (English when no translation is loaded).
+QString shownText(const char* text) { return QCoreApplication::translate("IptcEditorModel", text); }
+QString removedText() { return shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "[removed]")); }
+QString unchangedText() { return shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "Unchanged")); }
+// A field's name as the rows show it: the tag label less its ":".
+QString shownName(TSKey key) {
+    QString label = QCoreApplication::translate("TSKey", rawValue(key).toUtf8().constData());
+    if (label.endsWith(':')) label.chop(1);
+    return label;
+}
 
 bool isContact(TSKey key) { return TSKeys::iptcContactKeys().contains(key); }
 
@@ -53,21 +63,21 @@ std::optional<QString> IptcEditorModel::value(TSKey key) const {
 }
 
 IptcRowText IptcEditorModel::row(TSKey key) const {
-    const QString name = iptc::fieldName(key);
+    const QString name = shownName(key);
     IptcRowText t;
     t.title = name;
     const auto v = value(key);
     switch (cellKind(key)) {
     case IptcCellKind::list:
-        t.title = name + QStringLiteral(" (comma-separated list)");
+        t.title = shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "%1 (comma-separated list)")).arg(name);
         [[fallthrough]];
     case IptcCellKind::text:
-        t.placeholder = isMulti() ? kUnchanged : QStringLiteral("Add ") + name + QStringLiteral(" here");
-        t.value = v == kRemovalMark ? kRemoved : v.value_or(QString());
+        t.placeholder = isMulti() ? unchangedText() : shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "Add %1 here")).arg(name);
+        t.value = v == kRemovalMark ? removedText() : v.value_or(QString());
         break;
     case IptcCellKind::options:
-        if (v == kRemovalMark) t.value = isMulti() ? QStringLiteral("Unselected") : iptc::optionLabel(std::nullopt, options(key));
-        else if (!v) t.value = kUnchanged;
+        if (v == kRemovalMark) t.value = isMulti() ? shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "Unselected")) : iptc::optionLabel(std::nullopt, options(key));
+        else if (!v) t.value = unchangedText();
         else t.value = iptc::optionLabel(*v, options(key));
         break;
     case IptcCellKind::group: {
@@ -76,10 +86,10 @@ IptcRowText IptcEditorModel::row(TSKey key) const {
         // filling in for fields without a wish when one photo is edited.
         QStringList lines;
         for (TSKey k : contactKeys())
-            if (const auto o = value(k)) lines << rawValue(k) + ' ' + (*o == kRemovalMark ? kRemoved : *o);
+            if (const auto o = value(k)) lines << QCoreApplication::translate("TSKey", rawValue(k).toUtf8().constData()) + ' ' + (*o == kRemovalMark ? removedText() : *o);
         const QString text = lines.join('\n');
         t.dimmed = text.isEmpty();
-        t.value = !text.isEmpty() ? text : isMulti() ? kUnchanged : QStringLiteral("No ") + name;
+        t.value = !text.isEmpty() ? text : isMulti() ? unchangedText() : shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "No %1")).arg(name);
         break;
     }
     }
@@ -87,8 +97,8 @@ IptcRowText IptcEditorModel::row(TSKey key) const {
 }
 
 QString IptcEditorModel::contactTitle() const {
-    const QString title = iptc::fieldName(TSKey::IPTC_CREATOR_CONTACT_INFO);
-    return isMulti() ? title + QStringLiteral(" (edited)") : title;
+    const QString title = shownName(TSKey::IPTC_CREATOR_CONTACT_INFO);
+    return isMulti() ? shownText(QT_TRANSLATE_NOOP("IptcEditorModel", "%1 (edited)")).arg(title) : title;
 }
 
 void IptcEditorModel::setText(TSKey key, const QString& text) {

@@ -5,7 +5,12 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "AppModels.h"
+#include "ColorScheme.h"
 #include "GroupViewModel.h"
+#include "TagTableModel.h"
+#include "ImageStripModel.h"
+#include "DetailViewModel.h"
+#include "DetailTableModel.h"
 #include "Log.h"
 #include "RecordingLogProvider.h"
 #include "Settings.h"
@@ -245,6 +250,22 @@ TEST_F(ShellTest, NavigationStacksOnAPhoneAndSplitsOnATablet) {
     EXPECT_EQ(closed.count(), 1);
 }
 
+TEST_F(ShellTest, BackToTheAlbumListLeavesTheSplitViewsDetailEmpty) {
+    AppModels models;
+    models.app->setWindowWidth(1180);
+    models.albumList->openPaths(samples(3));
+    models.group->show(1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return models.detailTable->rowCount() > 0 && models.tagTable->rowCount() > 0; }, 20'000));
+    EXPECT_EQ(models.detail->strip()->rowCount(), 3);
+
+    models.app->back();
+    EXPECT_EQ(models.app->screens(), QStringList{"albums"});
+    QTest::qWait(50);
+    EXPECT_EQ(models.detail->strip()->rowCount(), 0);
+    EXPECT_EQ(models.detailTable->rowCount(), 0);
+    EXPECT_EQ(models.tagTable->rowCount(), 0);
+}
+
 TEST_F(ShellTest, WideningTheWindowOverTheGroupShowsItsItemBeside) {
     AppModels models;
     models.app->setWindowWidth(390);
@@ -378,6 +399,56 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
     settings.select(0);
     settings.select(2);
     EXPECT_EQ(about.count(), 1);
+}
+
+// --- colour scheme
+
+TEST_F(ShellTest, ColourSchemeFollowsTheDesktopUnlessTheUserChose) {
+    ColorScheme scheme;
+    QSignalSpy changed(&scheme, &ColorScheme::changed);
+    EXPECT_EQ(scheme.preference(), "system");
+    EXPECT_FALSE(scheme.dark()) << "no word from the desktop: light";
+    scheme.setDesktopPreference(ColorScheme::prefersDark);
+    EXPECT_TRUE(scheme.dark());
+    EXPECT_EQ(changed.count(), 1);
+    scheme.setDesktopPreference(ColorScheme::prefersLight);
+    EXPECT_FALSE(scheme.dark());
+    scheme.setDesktopPreference(ColorScheme::noPreference);
+    EXPECT_FALSE(scheme.dark());
+
+    // The user's choice wins over the desktop's and is kept.
+    scheme.setDesktopPreference(ColorScheme::prefersLight);
+    scheme.setPreference("dark");
+    EXPECT_TRUE(scheme.dark());
+    EXPECT_TRUE(ColorScheme().dark()) << "read back from the settings";
+    scheme.setPreference("light");
+    scheme.setDesktopPreference(ColorScheme::prefersDark);
+    EXPECT_FALSE(scheme.dark());
+    scheme.setPreference("system");
+    EXPECT_TRUE(scheme.dark());
+}
+
+TEST_F(ShellTest, BothSchemesAreLegible) {
+    // WCAG's ratio, by hand: black on white is 21, a colour on itself 1.
+    EXPECT_NEAR(ColorScheme::contrast(Qt::black, Qt::white), 21.0, 1e-9);
+    EXPECT_NEAR(ColorScheme::contrast(QColor(0x1E, 0x6F, 0xD9), QColor(0x1E, 0x6F, 0xD9)), 1.0, 1e-9);
+    ColorScheme scheme;
+    for (const char* choice : {"light", "dark"}) {
+        SCOPED_TRACE(choice);
+        scheme.setPreference(choice);
+        for (const QColor& ground : {scheme.card(), scheme.groupedBackground(), scheme.bar(), scheme.background()}) {
+            // Body text at least 7:1, the smaller grey text and the tinted buttons 4.5:1.
+            EXPECT_GE(ColorScheme::contrast(scheme.text(), ground), 7.0);
+            EXPECT_GE(ColorScheme::contrast(scheme.secondaryText(), ground), 4.5);
+            EXPECT_GE(ColorScheme::contrast(scheme.destructive(), ground), 4.5);
+            EXPECT_GE(ColorScheme::contrast(scheme.icon(), ground), 3.0);
+        }
+        // Tinted buttons and links sit on cards and bars.
+        EXPECT_GE(ColorScheme::contrast(scheme.tint(), scheme.card()), 4.5);
+        EXPECT_GE(ColorScheme::contrast(scheme.tint(), scheme.bar()), 4.5);
+        // A switch's white knob against the track that is off.
+        EXPECT_GE(ColorScheme::contrast(Qt::white, scheme.fill()), scheme.dark() ? 3.0 : 1.2);
+    }
 }
 
 }  // namespace

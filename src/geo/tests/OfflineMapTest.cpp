@@ -99,6 +99,40 @@ TEST(OfflineMap, TownsAppearByPopulationAndZoom) {
     EXPECT_LT(OfflineMap::minPopulation(6), OfflineMap::minPopulation(0));
 }
 
+// Offline, a photo's map opens where it names something: a mountain village's own name, and
+// its neighbours once the view has backed out far enough to reach them.
+TEST(OfflineMap, APhotosMapNamesItsTownAndOpensWhereNeighboursShow) {
+    const auto index = PlaceIndex::shared();
+    ASSERT_TRUE(index);
+    const auto map = OfflineMap::load(OfflineMap::defaultPath(), index.get());
+    ASSERT_TRUE(map);
+    auto darkPixels = [&](const GeoCoordinate& c, double zoom, std::optional<GeoCoordinate> own) {
+        QImage image(view, QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&image);
+        map->draw(painter, view, mercator::project(c, zoom), zoom, MapStyle::standard, own);
+        painter.end();
+        int dark = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x) dark += qGray(image.pixel(x, y)) < 60;
+        return dark;
+    };
+    // Zermatt: some 5,800 people, at the end of a valley; the nearest bigger towns are 30 km off.
+    const GeoCoordinate zermatt{46.0207, 7.7491};
+    EXPECT_EQ(darkPixels(zermatt, 12, std::nullopt), 0) << "too small for a dot of its own at this zoom";
+    EXPECT_GT(darkPixels(zermatt, 12, zermatt), 20) << "the photo's own town is named";
+    // Out in the open sea there is no town of one's own to name.
+    EXPECT_EQ(darkPixels({-30, -140}, 12, GeoCoordinate{-30, -140}), 0);
+
+    // A phone's map row: the zoom backs out until a neighbour is in view, and no farther than that.
+    const QSizeF row(390, 200);
+    const double zoom = map->zoomShowingTowns(zermatt, row, 12);
+    EXPECT_LT(zoom, 12);
+    EXPECT_GE(zoom, 7) << "a valley's neighbours, not the whole country";
+    EXPECT_GT(darkPixels(zermatt, zoom, std::nullopt), 0);
+    // A tablet's view of Paris names its suburbs at the closest zoom already.
+    EXPECT_EQ(map->zoomShowingTowns({48.8566, 2.3522}, QSizeF(view), 12), 12);
+}
+
 TEST(OfflineMap, DamagedFilesAreRefused) {
     QFile real(OfflineMap::defaultPath());
     ASSERT_TRUE(real.open(QIODevice::ReadOnly));
