@@ -247,6 +247,8 @@ signals:
 
 private:
     bool ensureOpen(QString* error) const;
+    // Sets a mark column ("favorite", "hidden") of an item, through the journal.
+    bool setMark(const char* column, const QString& localIdentifier, bool value, QString* error);
     QStringList folders_;
     std::unique_ptr<Index> index_;
     std::unique_ptr<Journals> journals_;  // what the user set, beside the photos

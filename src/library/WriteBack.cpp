@@ -56,29 +56,20 @@ bool journaled(Index& index, Journals& journals, const QSet<QString>& roots, con
 }  // namespace
 
 bool Library::setFavorite(const QString& localIdentifier, bool favorite, QString* error) {
-    if (!ensureOpen(error)) return false;
-    bool found = false;
-    const bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
-        Statement s(index_->db(), "UPDATE assets SET favorite = ?, version = version + 1 WHERE id = ?");
-        found = s.exec({int(favorite), localIdentifier}) && sqlite3_changes(index_->db()) > 0;
-        return found;
-    });
-    if (!ok) {
-        if (error)
-            *error = found ? QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError())
-                           : QStringLiteral("No item %1 in the library").arg(localIdentifier);
-        return false;
-    }
-    emit libraryDidChange();
-    return true;
+    return setMark("favorite", localIdentifier, favorite, error);
 }
 
 bool Library::setHidden(const QString& localIdentifier, bool hidden, QString* error) {
+    return setMark("hidden", localIdentifier, hidden, error);
+}
+
+bool Library::setMark(const char* column, const QString& localIdentifier, bool value, QString* error) {
     if (!ensureOpen(error)) return false;
     bool found = false;
     const bool ok = journaled(*index_, *journals_, journals_->rootsOfAsset(index_->db(), localIdentifier), [&] {
-        Statement s(index_->db(), "UPDATE assets SET hidden = ?, version = version + 1 WHERE id = ?");
-        found = s.exec({int(hidden), localIdentifier}) && sqlite3_changes(index_->db()) > 0;
+        const QByteArray sql = QByteArray("UPDATE assets SET ") + column + " = ?, version = version + 1 WHERE id = ?";
+        Statement s(index_->db(), sql.constData());
+        found = s.exec({int(value), localIdentifier}) && sqlite3_changes(index_->db()) > 0;
         return found;
     });
     if (!ok) {
