@@ -45,6 +45,8 @@ void TSMapView::setPlace(const QVariantMap& place) {
     };
     const double lat = number("latitude"), lon = number("longitude");
     if (std::isfinite(lat) && std::isfinite(lon)) pin_ = GeoCoordinate{std::clamp(lat, -90.0, 90.0), lon};
+    const auto offline = OfflineMap::shared();
+    ownTown_ = pin_ && offline ? offline->ownTown(*pin_) : nullptr;
     const double heading = number("heading");
     if (pin_ && std::isfinite(heading)) heading_ = heading;
     showPin();
@@ -217,7 +219,7 @@ void TSMapView::paint(QPainter* painter) {
         ground = QSizeF(side, side);
         painter->translate((size.width() - side) / 2, (size.height() - side) / 2);
     }
-    if (const auto offline = OfflineMap::shared()) offline->draw(*painter, ground, groundCentre, zoom_, mapStyle(), pin_);
+    if (const auto offline = OfflineMap::shared()) offline->draw(*painter, ground, groundCentre, zoom_, mapStyle(), ownTown_);
     else painter->fillRect(QRectF(QPointF(), ground), QColor(0xaa, 0xd3, 0xdf));
     drawTiles(*painter, ground, groundCentre);
     const QPointF origin = groundCentre - QPointF(ground.width(), ground.height()) / 2;

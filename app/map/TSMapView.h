@@ -96,6 +96,7 @@ private:
 
     QVariantMap place_;
     std::optional<GeoCoordinate> pin_;
+    const OfflineMap::Town* ownTown_ = nullptr;  // the pin's town, named on the offline map
     std::optional<double> heading_;
     double zoom_ = 2;
     QPointF centre_;  // world pixels at zoom_

@@ -105,13 +105,15 @@ QVariantList ResourcesViewModel::sections() const {
 void ResourcesViewModel::showMedia(const QUrl& url) {
     if (url == mediaUrl_) return;
     mediaUrl_ = url;
+    // Read once here: the screen asks for the kind and the image at every change.
+    mediaKind_ = kindOf(url);
     emit mediaChanged();
 }
 
 // By the file's content, not its name: an auxiliary image keeps its resource's extension.
-QString ResourcesViewModel::mediaKind() const {
-    if (mediaUrl_.isEmpty()) return {};
-    const QString path = mediaUrl_.toLocalFile();
+QString ResourcesViewModel::kindOf(const QUrl& url) {
+    if (url.isEmpty()) return {};
+    const QString path = url.toLocalFile();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return QStringLiteral("text");
     const imageio::Format format = imageio::detectFormat(file.read(4096));
@@ -128,7 +130,7 @@ QString ResourcesViewModel::mediaText() const {
 }
 
 QString ResourcesViewModel::mediaImage() const {
-    return mediaKind() == QLatin1String("image") ? GroupViewModel::thumbnailSource(mediaUrl_.toLocalFile()) : QString();
+    return mediaKind_ == QLatin1String("image") ? GroupViewModel::thumbnailSource(mediaUrl_.toLocalFile()) : QString();
 }
 
 QString ResourcesViewModel::suggestedName() const { return QFileInfo(mediaUrl_.toLocalFile()).fileName(); }

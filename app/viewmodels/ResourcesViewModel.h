@@ -47,7 +47,7 @@ public:
     bool showProgress() const { return progress() < total(); }
     QVariantList sections() const;
     QUrl mediaUrl() const { return mediaUrl_; }
-    QString mediaKind() const;
+    QString mediaKind() const { return mediaKind_; }
     QString mediaImage() const;
     QString mediaText() const;
     QString shareSymbol() const { return QStringLiteral("square.and.arrow.up"); }
@@ -70,9 +70,12 @@ signals:
 
 private:
     void setAvailable(bool available);
+    // "image", "video" or "text" for a file, by its content.
+    static QString kindOf(const QUrl& url);
 
     bool available_ = false;
     QPointer<ResourcesModel> model_;
     QUrl mediaUrl_;
+    QString mediaKind_;
     int checkGeneration_ = 0;
 };

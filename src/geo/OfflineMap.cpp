@@ -183,7 +183,7 @@ double OfflineMap::zoomShowingTowns(const GeoCoordinate& c, const QSizeF& viewSi
 }
 
 void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style,
-                      const std::optional<GeoCoordinate>& own) const {
+                      const Town* own) const {
     const Palette colours = palette(style);
     const double scale = std::exp2(zoom);
     const QRectF view(centre - QPointF(viewSize.width(), viewSize.height()) / 2, viewSize);
@@ -250,16 +250,7 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
     const QFontMetricsF metrics(font);
     QList<QRectF> taken;
     // The photo's own town first, so that no bigger neighbour's label crowds it out.
-    std::vector<const Town*> named;
-    const Town* ownPlace = own ? ownTown(*own) : nullptr;
-    if (ownPlace) named.push_back(ownPlace);
-    for (const Town& t : towns_) {
-        if (t.population < least) break;
-        if (&t != ownPlace) named.push_back(&t);
-    }
-    for (const Town* town : named) {
-        const Town& t = *town;
-        if (taken.size() >= 80) break;
+    auto name = [&](const Town& t) {
         for (int copy = firstCopy; copy <= lastCopy; ++copy) {
             const QPointF p = t.point * scale - view.topLeft() + QPointF(copy * world, 0);
             if (p.x() < -40 || p.y() < -20 || p.x() > viewSize.width() + 40 || p.y() > viewSize.height() + 20) continue;
@@ -281,6 +272,11 @@ void OfflineMap::draw(QPainter& painter, const QSizeF& viewSize, const QPointF& 
             painter.setPen(colours.label);
             painter.drawText(baseline, t.name);
         }
+    };
+    if (own) name(*own);
+    for (const Town& t : towns_) {
+        if (t.population < least || taken.size() >= 80) break;
+        if (&t != own) name(t);
     }
     painter.restore();
 }

@@ -11,7 +11,6 @@
 #include <QRectF>
 #include <QString>
 #include <memory>
-#include <optional>
 #include <vector>
 
 class QPainter;
@@ -20,6 +19,12 @@ enum class MapStyle { standard, hybrid, satellite };
 
 class OfflineMap {
 public:
+    struct Town {
+        QPointF point;  // world pixels at zoom 0
+        QString name;
+        quint32 population;
+    };
+
     // Reads and checks world.bin; nothing on failure, with the reason in `error`. `index`, when
     // given, supplies the towns.
     static std::shared_ptr<const OfflineMap> load(const QString& path, const PlaceIndex* index = nullptr,
@@ -32,16 +37,19 @@ public:
     static std::shared_ptr<const OfflineMap> shared();
 
     // Draws the part of the world of `viewSize` pixels whose centre is `centre` in world pixels
-    // at `zoom`, repeating the world sideways when the view is wider than it. The town nearest
-    // `own` (a photo's place) is named whatever its size, when it lies within reach of it.
+    // at `zoom`, repeating the world sideways when the view is wider than it. `own` (a photo's
+    // town, from ownTown) is named whatever its size.
     void draw(QPainter& painter, const QSizeF& viewSize, const QPointF& centre, double zoom, MapStyle style,
-              const std::optional<GeoCoordinate>& own = std::nullopt) const;
+              const Town* own = nullptr) const;
 
     // The fewest people a town needs to get a dot at a zoom.
     static quint32 minPopulation(double zoom);
     // The closest zoom, at most `closest`, at which a view of `viewSize` centred on `c` names a
     // town besides the one `c` lies in: closer than that the map is land without a name.
     double zoomShowingTowns(const GeoCoordinate& c, const QSizeF& viewSize, double closest) const;
+    // The town nearest `c`, when one lies within about 15 km of it: found once for a photo's
+    // place, not at every frame, for it looks at every town.
+    const Town* ownTown(const GeoCoordinate& c) const;
 
     qsizetype ringCount() const { return qsizetype(rings_.size()); }
     qsizetype borderCount() const { return qsizetype(borders_.size()); }
@@ -52,14 +60,7 @@ private:
         std::vector<QPointF> points;  // world pixels at zoom 0
         QRectF bounds;
     };
-    struct Town {
-        QPointF point;  // world pixels at zoom 0
-        QString name;
-        quint32 population;
-    };
     std::vector<Line> rings_;
     std::vector<Line> borders_;
     std::vector<Town> towns_;
-    // The town nearest `c`, when one lies within about 15 km of it.
-    const Town* ownTown(const GeoCoordinate& c) const;
 };

@@ -35,12 +35,6 @@ bool copyAtomically(const QString& from, const QString& to, QString* error) {
     return true;
 }
 
-QString rootOf(const QStringList& roots, const QString& path) {
-    for (const QString& r : roots)
-        if (path.startsWith(r + '/')) return r;
-    return {};
-}
-
 // One change of the index, the journals of `roots` written before it commits.
 bool journaled(Index& index, Journals& journals, const QSet<QString>& roots, const std::function<bool()>& body) {
     const bool ok = index.transaction([&] {
@@ -126,7 +120,7 @@ bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data
         original = a->resources.first().path;
         adjustment = a->resources.at(2).path;
     } else {
-        const QString dir = rootOf(folders_, current) + '/' + hiddenFolderName() + "/edits/" + localIdentifier;
+        const QString dir = journals_->rootOf(current) + '/' + hiddenFolderName() + "/edits/" + localIdentifier;
         if (!QDir().mkpath(dir)) {
             if (error) *error = QStringLiteral("The folder %1 can't be made").arg(dir);
             return false;

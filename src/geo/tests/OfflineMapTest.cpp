@@ -109,7 +109,7 @@ TEST(OfflineMap, APhotosMapNamesItsTownAndOpensWhereNeighboursShow) {
     auto darkPixels = [&](const GeoCoordinate& c, double zoom, std::optional<GeoCoordinate> own) {
         QImage image(view, QImage::Format_ARGB32_Premultiplied);
         QPainter painter(&image);
-        map->draw(painter, view, mercator::project(c, zoom), zoom, MapStyle::standard, own);
+        map->draw(painter, view, mercator::project(c, zoom), zoom, MapStyle::standard, own ? map->ownTown(*own) : nullptr);
         painter.end();
         int dark = 0;
         for (int y = 0; y < image.height(); ++y)
