@@ -109,6 +109,25 @@ protected:
     }
     // Lets transitions, loading and thumbnails run.
     static void settle() { QTest::qWait(400); }
+    // The app's window at a size, shown and active; nothing (and a failure) when it can't be made.
+    std::unique_ptr<QQuickWindow> openMain(int width, int height) {
+        QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
+        // Qt 6.4 crashes when a component with errors is created with initial properties.
+        if (component.isError()) {
+            ADD_FAILURE() << component.errorString().toStdString();
+            return nullptr;
+        }
+        std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", width}, {"height", height}}));
+        std::unique_ptr<QQuickWindow> window(qobject_cast<QQuickWindow*>(root.get()));
+        if (!window) {
+            ADD_FAILURE() << "Main.qml made no window: " << component.errorString().toStdString();
+            return nullptr;
+        }
+        root.release();
+        window->requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        return window;
+    }
 
 };
 
@@ -155,15 +174,9 @@ TEST_F(QmlLoadTest, EveryFileLoads) {
 TEST_F(QmlLoadTest, ScreensRunThroughTheirStates) {
     QStringList files = testsupport::corpusFiles().mid(0, 5);
     files << testsupport::movies().first();
-    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
-    // Qt 6.4 crashes when a component with errors is created with initial properties.
-    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
-    ASSERT_TRUE(root) << component.errorString().toStdString();
-    auto* window = qobject_cast<QQuickWindow*>(root.get());
-    ASSERT_TRUE(window);
-    window->requestActivate();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    const std::unique_ptr<QQuickWindow> owner = openMain(390, 844);
+    ASSERT_TRUE(owner);
+    QQuickWindow* window = owner.get();
     settle();
 
     AppController& app = *models->app;
@@ -171,13 +184,13 @@ TEST_F(QmlLoadTest, ScreensRunThroughTheirStates) {
     // The entry that opens files shows the file dialog (Qt's own where the platform has none).
     models->albumList->select(0);
     settle();
-    QObject* picker = root->findChild<QObject*>("documentPicker");
+    QObject* picker = window->findChild<QObject*>("documentPicker");
     ASSERT_TRUE(picker);
     EXPECT_TRUE(picker->property("visible").toBool());
     QMetaObject::invokeMethod(picker, "reject");
     settle();
     // A dialog's card is drawn, not left out by the software renderer.
-    QObject* unavailable = root->findChild<QObject*>("libraryUnavailable");
+    QObject* unavailable = window->findChild<QObject*>("libraryUnavailable");
     ASSERT_TRUE(unavailable);
     QMetaObject::invokeMethod(unavailable, "open");
     settle();
@@ -235,13 +248,9 @@ TEST_F(QmlLoadTest, EveryInteractiveItemOfEveryScreenHasAName) {
     QAccessible::setActive(true);
     QStringList files = testsupport::corpusFiles().mid(0, 3);
     files << testsupport::movies().first();
-    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
-    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
-    auto* window = qobject_cast<QQuickWindow*>(root.get());
-    ASSERT_TRUE(window);
-    window->requestActivate();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    const std::unique_ptr<QQuickWindow> owner = openMain(390, 844);
+    ASSERT_TRUE(owner);
+    QQuickWindow* window = owner.get();
     settle();
     auto expectNamed = [&](const char* screen) {
         settle();
@@ -297,13 +306,9 @@ TEST_F(QmlLoadTest, EveryInteractiveItemOfEveryScreenHasAName) {
 // draws a knob of its own, which the software renderer shows.
 TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
     QStringList files = testsupport::corpusFiles().mid(0, 8);
-    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
-    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 1180}, {"height", 820}}));
-    auto* window = qobject_cast<QQuickWindow*>(root.get());
-    ASSERT_TRUE(window);
-    window->requestActivate();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    const std::unique_ptr<QQuickWindow> owner = openMain(1180, 820);
+    ASSERT_TRUE(owner);
+    QQuickWindow* window = owner.get();
     settle();
 
     // An album opened on its sixth item: the strip shows it in the middle.
@@ -311,7 +316,7 @@ TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
     settle();
     models->group->show(5);
     settle();
-    auto* strip = root->findChild<QQuickItem*>("strip");
+    auto* strip = window->findChild<QQuickItem*>("strip");
     ASSERT_TRUE(strip);
     auto* current = strip->property("currentItem").value<QQuickItem*>();
     ASSERT_TRUE(current);
@@ -323,7 +328,7 @@ TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
     settle();
     emit models->edit->pushRequested("location");
     settle();
-    auto* search = root->findChild<QQuickItem*>("placeSearch");
+    auto* search = window->findChild<QQuickItem*>("placeSearch");
     ASSERT_TRUE(search);
     search->forceActiveFocus();
     for (char c : std::string("Zermatt")) QTest::keyClick(window, c);
@@ -336,7 +341,7 @@ TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
     EXPECT_TRUE(QTest::qWaitFor(found, 5000));
 
     // Below the rows, the sheet's bar with "Done" shows its own colour, whatever the list holds.
-    auto* rows = root->findChild<QQuickItem*>("placeRows");
+    auto* rows = window->findChild<QQuickItem*>("placeRows");
     ASSERT_TRUE(rows);
     const QImage shot = window->grabWindow();
     const QPointF below = rows->mapToScene(QPointF(rows->width() / 2, rows->height() + 6));
@@ -369,13 +374,9 @@ TEST_F(QmlLoadTest, StripSearchSheetAndSwitchesAsAUserSeesThem) {
 
 // The keyboard alone: arrows and Enter open an album and an item, Escape goes back.
 TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
-    QQmlComponent component(engine, QUrl("qrc:/qml/Main.qml"));
-    ASSERT_FALSE(component.isError()) << component.errorString().toStdString();
-    std::unique_ptr<QObject> root(component.createWithInitialProperties({{"width", 390}, {"height", 844}}));
-    auto* window = qobject_cast<QQuickWindow*>(root.get());
-    ASSERT_TRUE(window);
-    window->requestActivate();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    const std::unique_ptr<QQuickWindow> owner = openMain(390, 844);
+    ASSERT_TRUE(owner);
+    QQuickWindow* window = owner.get();
     AppController& app = *models->app;
     // Files picked earlier: the list offers "Files", then their album.
     models->albumList->openPaths(testsupport::corpusFiles().mid(0, 3));
