@@ -10,6 +10,7 @@ Popup {
     width: Math.min(360, (parent ? parent.width : 360) - 32)
     height: Math.min(list.contentHeight + 24, (parent ? parent.height : 600) - 80)
     modal: true
+    Overlay.modal: Dimmer {}
     padding: 12
     background: CardBackground {}
     onAboutToShow: AddressList.load()

@@ -124,6 +124,7 @@ Page {
         anchors.centerIn: parent
         width: Math.min(parent.width - 40, 320)
         modal: true
+        Overlay.modal: Dimmer {}
         Label { id: unavailableText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
             Button { text: qsTr("Settings"); DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }

@@ -136,6 +136,7 @@ Page {
         id: alertDialog
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         property alias text: alertText.text
         footer: DialogButtonBox {
             Button {

@@ -205,6 +205,7 @@ Page {
         width: Math.min(page.width - 24, 600)
         height: Math.min(page.height - 80, 640)
         modal: true
+        Overlay.modal: Dimmer {}
         padding: 8
         property var choices: []
         property var picked: []

@@ -19,6 +19,7 @@ Popup {
     anchors.centerIn: parent
     padding: 0
     modal: true
+    Overlay.modal: Dimmer {}
     closePolicy: Popup.NoAutoClose
     visible: Edit.active
     background: Rectangle { color: Theme.groupedBackground }
@@ -88,6 +89,7 @@ Popup {
         anchors.centerIn: Overlay.overlay
         width: Math.min(340, screen.width - 40)
         modal: true
+        Overlay.modal: Dimmer {}
         padding: 12
         property var question: ({ message: "", actions: [] })
         onAboutToShow: question = Edit.saveAlert()
@@ -120,6 +122,7 @@ Popup {
     Popup {
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         closePolicy: Popup.NoAutoClose
         visible: Edit.activity !== ""
         background: CardBackground {}
@@ -139,6 +142,7 @@ Popup {
         id: alert
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         property alias text: alertText.text
         background: CardBackground {}
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, screen.width - 80) }

@@ -180,6 +180,7 @@ Item {
         height: 250
         padding: 0
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground { radius: 10 }
         ListView {
             anchors.fill: parent

@@ -114,6 +114,7 @@ Page {
         anchors.centerIn: parent
         width: page.width - 24; height: page.height - 80
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground {}
         ListView {
             anchors.fill: parent
@@ -143,6 +144,7 @@ Page {
         anchors.centerIn: parent
         width: page.width - 24; height: page.height - 80
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground {}
         ColumnLayout {
             anchors.fill: parent
@@ -175,6 +177,7 @@ Page {
         anchors.centerIn: parent
         width: page.width - 24; height: page.height - 80
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground {}
         onClosed: page.forceActiveFocus()
         ColumnLayout {
@@ -208,6 +211,7 @@ Page {
         anchors.centerIn: parent
         width: page.width; height: page.height
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground {}
         ColumnLayout {
             anchors.fill: parent

@@ -16,6 +16,7 @@ Item {
         anchors.centerIn: parent
         width: Math.min(parent.width - 40, 320)
         modal: true
+        Overlay.modal: Dimmer {}
         title: action
         Label { id: confirmText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
@@ -30,6 +31,7 @@ Item {
         anchors.centerIn: parent
         width: Math.min(parent.width - 40, 320)
         modal: true
+        Overlay.modal: Dimmer {}
         standardButtons: Dialog.Ok
         Label { id: toolAlertText; wrapMode: Text.WordWrap; width: parent.width }
     }
@@ -56,6 +58,7 @@ Item {
         anchors.centerIn: parent
         width: Math.min(parent.width - 40, 320)
         modal: true
+        Overlay.modal: Dimmer {}
         closePolicy: Popup.NoAutoClose
         Column {
             width: parent.width

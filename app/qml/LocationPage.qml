@@ -124,6 +124,7 @@ Page {
         id: photoPicker
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         title: qsTr("From a photo")
         width: Math.min(page.width - 32, 420)
         height: Math.min(page.height - 64, 520)
@@ -170,6 +171,7 @@ Page {
         id: alert
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         property alias text: alertText.text
         onAccepted: LocationScreen.openSettings()
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }

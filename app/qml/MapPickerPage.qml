@@ -48,6 +48,7 @@ Page {
         width: Math.min(320, page.width - 40)
         height: Math.min(choiceList.contentHeight + 60, page.height - 80)
         modal: true
+        Overlay.modal: Dimmer {}
         background: CardBackground {}
         onClosed: MapPicker.cancelChoices()
         ColumnLayout {
@@ -74,6 +75,7 @@ Page {
         id: alert
         anchors.centerIn: Overlay.overlay
         modal: true
+        Overlay.modal: Dimmer {}
         property alias text: alertText.text
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
         footer: DialogButtonBox {

@@ -92,8 +92,8 @@ Item {
         anchors.fill: tools
         visible: tools.visible
         radius: 10
-        color: "#E6FFFFFF"
-        border.color: "#D1D1D6"
+        color: Theme.overlay
+        border.color: Theme.separator
     }
     Column {
         id: tools

@@ -17,6 +17,7 @@ Popup {
     height: parent ? parent.height : 0
     padding: 0
     modal: true
+    Overlay.modal: Dimmer {}
     closePolicy: Popup.CloseOnEscape
     onClosed: Resources.open = false
     Component.onCompleted: if (Resources.open) open()

@@ -124,6 +124,7 @@ Item {
         parent: Overlay.overlay
         anchors.centerIn: parent
         modal: true
+        Overlay.modal: Dimmer {}
         title: Share.errorTitle
         width: Math.min(320, parent.width - 48)
         onClosed: Share.dismissError()

@@ -21,6 +21,7 @@ Popup {
     width: 280
     padding: 16
     modal: true
+    Overlay.modal: Dimmer {}
     background: CardBackground { radius: 10 }
 
     ColumnLayout {
