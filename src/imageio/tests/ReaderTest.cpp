@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -100,16 +99,16 @@ TEST(Reader, ReadsAFujifilmRawFileAsExiftoolDoes) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(raf);
     file.close();
-    const QJsonObject oracle = exiftoolJson(path).toObject();
-    ASSERT_EQ(oracle.value("FileType").toString(), "RAF");
+    // What `exiftool -n` reads of this file (FileType RAF), typed here: these tests also run under
+    // ThreadSanitizer, which can't follow a process started from a threaded one.
     QString error;
     const auto props = readFileProperties(path, &error);
     ASSERT_TRUE(props) << error.toStdString();
-    EXPECT_EQ(props->value(kCGImagePropertyPixelWidth).toInt(), oracle.value("ImageWidth").toInt());
-    EXPECT_EQ(props->value(kCGImagePropertyPixelHeight).toInt(), oracle.value("ImageHeight").toInt());
-    EXPECT_EQ(props->value(kCGImagePropertyOrientation).toInt(), oracle.value("Orientation").toInt());
+    EXPECT_EQ(props->value(kCGImagePropertyPixelWidth).toInt(), 2048);
+    EXPECT_EQ(props->value(kCGImagePropertyPixelHeight).toInt(), 1536);
+    EXPECT_EQ(props->value(kCGImagePropertyOrientation).toInt(), 6);
     EXPECT_EQ(props->value(kCGImagePropertyExifDictionary).toMap().value(kCGImagePropertyExifDateTimeOriginal).toString(),
-              oracle.value("DateTimeOriginal").toString());
+              "2015:02:09 22:48:10");
 }
 
 TEST(Reader, RefusesMoviesAndEmptyBytesWithAReason) {
