@@ -35,7 +35,7 @@ Popup {
             }
             Repeater {
                 model: section.modelData.rows
-                ItemDelegate {
+                FormRow {
                     required property string modelData
                     width: list.width
                     text: modelData

@@ -37,7 +37,7 @@ Page {
         Keys.onReturnPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
         Keys.onEnterPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
         // The library's folders, chosen in place of the platform's photo access.
-        footer: ItemDelegate {
+        footer: FormRow {
             visible: !AlbumList.inFolder
             width: ListView.view.width
             height: visible ? 56 : 0

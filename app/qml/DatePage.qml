@@ -60,7 +60,7 @@ Page {
 
     Component {
         id: plainRow
-        ItemDelegate {
+        FormRow {
             id: row
             property var cellData: ({ title: "", detail: "", value: "", placeholder: "", image: "", kind: "", dimmed: false, checked: false, key: "" })
             property int sectionNumber: 0

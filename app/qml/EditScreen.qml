@@ -53,6 +53,7 @@ Popup {
                                     iptc: iptcPage, location: locationPage })
 
     StackView {
+        objectName: "editStack"
         id: stack
         anchors.fill: parent
         initialItem: editPage

@@ -210,7 +210,7 @@ Item {
                     font.weight: Font.DemiBold
                 }
             }
-            delegate: ItemDelegate {
+            delegate: FormRow {
                 required property int index
                 required property string modelData
                 width: ListView.view.width

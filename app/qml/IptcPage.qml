@@ -83,7 +83,7 @@ Page {
 
     Component {
         id: choiceCell
-        ItemDelegate {
+        FormRow {
             id: choice
             readonly property var row: parent
             Accessible.name: [row.title, row.value || ""].filter(t => t !== "").join(", ")
@@ -120,7 +120,7 @@ Page {
             anchors.fill: parent
             clip: true
             model: optionsChooser.opened ? page.editor.options(page.chosenRow) : []
-            delegate: ItemDelegate {
+            delegate: FormRow {
                 required property var modelData
                 width: ListView.view.width
                 contentItem: RowLayout {
@@ -160,7 +160,7 @@ Page {
                 clip: true
                 visible: !none.checked
                 model: listChooser.opened ? page.editor.countries(search.text) : []
-                delegate: ItemDelegate {
+                delegate: FormRow {
                     required property var modelData
                     width: ListView.view.width
                     text: modelData.label + (modelData.id !== "" && modelData.id === page.editor.currentId(page.chosenRow) ? "  ✓" : "")

@@ -78,7 +78,7 @@ Page {
             }
             Repeater {
                 model: section.modelData.rows
-                ItemDelegate {
+                FormRow {
                     id: row
                     required property var modelData
                     required property int index
@@ -135,7 +135,7 @@ Page {
             cellWidth: width / Math.max(1, Math.floor(width / 96))
             cellHeight: cellWidth
             model: LocationScreen.albumPhotos
-            delegate: ItemDelegate {
+            delegate: FormRow {
                 id: cell
                 required property var modelData
                 width: photoGrid.cellWidth

@@ -59,7 +59,7 @@ Page {
                 Layout.fillHeight: true
                 clip: true
                 model: MapPicker.choices
-                delegate: ItemDelegate {
+                delegate: FormRow {
                     required property var modelData
                     required property int index
                     width: choiceList.width

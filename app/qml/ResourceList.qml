@@ -108,7 +108,7 @@ Popup {
                 }
                 Repeater {
                     model: modelData.rows
-                    delegate: ItemDelegate {
+                    delegate: FormRow {
                         required property var modelData
                         width: list.width
                         height: 68

@@ -24,7 +24,7 @@ Page {
         focus: true
         currentIndex: page.model.selectedRow
         Keys.onReturnPressed: page.model.tap(currentIndex)
-        delegate: ItemDelegate {
+        delegate: FormRow {
             id: row
             required property var modelData
             required property int index

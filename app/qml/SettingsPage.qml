@@ -33,7 +33,7 @@ Page {
             Repeater {
                 model: [{ value: "system", title: qsTr("As the Desktop") }, { value: "light", title: qsTr("Light") },
                         { value: "dark", title: qsTr("Dark") }]
-                delegate: ItemDelegate {
+                delegate: FormRow {
                     id: choice
                     required property var modelData
                     width: parent.width
@@ -68,7 +68,7 @@ Page {
             font.pixelSize: 13
             color: Theme.secondaryText
         }
-        delegate: ItemDelegate {
+        delegate: FormRow {
             id: row
             required property int tag
             required property string rowText

@@ -63,7 +63,7 @@ Item {
     }
     Component {
         id: buttonRow
-        ItemDelegate {
+        FormRow {
             property var row
             implicitHeight: Share.buttonHeight
             text: row ? row.title : ""

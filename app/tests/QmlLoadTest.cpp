@@ -397,6 +397,31 @@ TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
     QTest::keyClick(window, Qt::Key_Escape);
     settle();
     EXPECT_EQ(app.screens(), (QStringList{"albums", "group"}));
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    ASSERT_EQ(app.screens(), (QStringList{"albums", "group", "detail"}));
+
+    // The edit screen's rows that open a page are on the Tab road too: the original date opens
+    // its picker by Return. (Ctrl+E opens the screen only on a library item.)
+    ASSERT_TRUE(models->edit->openCurrent());
+    auto* stack = window->findChild<QQuickItem*>("editStack");
+    ASSERT_TRUE(stack);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stack->isVisible(); }, 5000));
+    settle();
+    const auto focusedName = [&] {
+        QQuickItem* item = window->activeFocusItem();
+        QAccessibleInterface* a = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
+        return a ? a->text(QAccessible::Name) : QString();
+    };
+    int tabs = 0;
+    while (!focusedName().contains("Original Date") && tabs < 12) {
+        QTest::keyClick(window, Qt::Key_Tab);
+        ++tabs;
+    }
+    ASSERT_TRUE(focusedName().contains("Original Date")) << "Tab never reached the original date";
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(stack->property("depth").toInt(), 2);
     window->close();
 }
 
