@@ -12,6 +12,8 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLocale>
+#include <QRegularExpression>
 
 namespace {
 
@@ -28,6 +30,16 @@ QString kindOf(int row, TSKey key) {
     case TSKey::SEPARATOR: return QStringLiteral("separator");
     default: return QStringLiteral("details");
     }
+}
+
+// The store writes its numbers as the tool prints them, with a point; the screen shows them in the
+// user's locale ("ƒ/7,1", "0,3MP" in German). Only figures the store made pass here, never a
+// tag's own text such as a lens name.
+QString inLocale(const QString& text) {
+    const QString point = QLocale().decimalPoint();
+    if (point == u'.') return text;
+    static const QRegularExpression decimal(QStringLiteral("(\\d)\\.(\\d)"));
+    return QString(text).replace(decimal, "\\1" + point + "\\2");
 }
 
 // Library subtype bits of videos.
@@ -129,16 +141,17 @@ QVariant DetailTableModel::data(const QModelIndex& index, int role) const {
     case StackRole: {
         const QString focal35 = s.value(TSKey::FOCAL_LENGTH_35).first;
         return QStringList{" ISO " + s.value(TSKey::ISO_SPEED).first,
-                           focal35 == "--" ? s.value(TSKey::FOCAL_LENGTH).first : focal35,
-                           s.value(TSKey::EXPOSURE_BIAS).first, s.value(TSKey::APERTURE).first,
-                           s.value(TSKey::EXPOSURE_TIME).first};
+                           inLocale(focal35 == "--" ? s.value(TSKey::FOCAL_LENGTH).first : focal35),
+                           inLocale(s.value(TSKey::EXPOSURE_BIAS).first), inLocale(s.value(TSKey::APERTURE).first),
+                           inLocale(s.value(TSKey::EXPOSURE_TIME).first)};
     }
     case FocalAccentRole: return s.value(TSKey::FOCAL_LENGTH_35).first != s.value(TSKey::FOCAL_LENGTH).first;
     case FileNameRole: return s.value(TSKey::NAME).first;
     case FileTypeRole: return s.value(TSKey::FILETYPE).first;
     case SizesRole:
-        return QStringList{s.value(TSKey::FILE_SIZE).first, s.value(TSKey::WxH).first, s.value(TSKey::ASPECT_RATIO).first}
-            .join(QStringLiteral("  ·  "));
+        return inLocale(QStringList{s.value(TSKey::FILE_SIZE).first, s.value(TSKey::WxH).first,
+                                    s.value(TSKey::ASPECT_RATIO).first}
+                            .join(QStringLiteral("  ·  ")));
     case BadgesRole: {
         QVariantList list;
         if (album_)
@@ -188,8 +201,8 @@ QStringList DetailTableModel::sources(int row) const {
 }
 
 QString DetailTableModel::focalLengthText() const {
-    return "Focal Length: " + store().value(TSKey::FOCAL_LENGTH).first + "\n35 mm equiv.: " +
-           store().value(TSKey::FOCAL_LENGTH_35).first;
+    return "Focal Length: " + inLocale(store().value(TSKey::FOCAL_LENGTH).first) + "\n35 mm equiv.: " +
+           inLocale(store().value(TSKey::FOCAL_LENGTH_35).first);
 }
 
 void DetailTableModel::copy() const { QGuiApplication::clipboard()->setText(store().detailsText()); }

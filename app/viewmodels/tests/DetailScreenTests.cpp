@@ -157,6 +157,23 @@ TEST_F(DetailScreenTest, RowTextsShowWhatExiftoolReads) {
     EXPECT_TRUE(table.sources(0).isEmpty());
 }
 
+// A German reader sees German figures: the date, the decimal comma of the stack and the sizes.
+// The values are exiftool's (FNumber 5.9, FocalLengthIn35mmFormat 112 mm, 640x480).
+TEST_F(DetailScreenTest, FiguresFollowTheLocale) {
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    DetailTableModel table;
+    open({corpus("jpeg/gps/DSCN0010.jpg")});
+    EXPECT_EQ(table.index(0).data(DetailTableModel::ValueRole).toString(), "Mittwoch, 22. Oktober 2008 16:28:39");
+    const int row = int(column(table, DetailTableModel::KindRole).indexOf("stack"));
+    const QStringList stack = table.index(row).data(DetailTableModel::StackRole).toStringList();
+    ASSERT_EQ(stack.size(), 5);
+    EXPECT_EQ(stack[1], "112 mm");
+    EXPECT_EQ(stack[3], "ƒ/5,9");
+    const int sizes = int(column(table, DetailTableModel::KindRole).indexOf("sizes"));
+    EXPECT_TRUE(table.index(sizes).data(DetailTableModel::SizesRole).toString().contains("640 x 480 (0,3MP)"))
+        << table.index(sizes).data(DetailTableModel::SizesRole).toString().toStdString();
+}
+
 TEST_F(DetailScreenTest, StackShowsBothFocalLengthsOnlyWhenTheyDiffer) {
     DetailTableModel table;
     open({corpus("jpeg/Canon_40D.jpg")});
