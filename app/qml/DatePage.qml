@@ -10,6 +10,8 @@ import Tessorin
 Page {
     id: page
     readonly property var model: Edit.dateScreen
+    // Which wheel of the picker has the keys, kept while the rows are rebuilt after each turn.
+    property int pickerWheel: -1
     StackView.onRemoved: { model.leave(); Edit.reappear() }
     background: Rectangle { color: Theme.groupedBackground }
     header: NavigationBar {
@@ -69,6 +71,7 @@ Page {
             height: cellData.image !== "" ? 72 : 48
             background: Rectangle { color: row.pressed ? Theme.fill : Theme.card }
             onClicked: page.model.tap(row.sectionNumber, row.rowNumber)
+            onActiveFocusChanged: if (activeFocus) page.pickerWheel = -1
             contentItem: RowLayout {
                 spacing: 10
                 Image {
@@ -90,6 +93,7 @@ Page {
                     visible: row.cellData.kind === "date"
                     Accessible.name: qsTr("Time")
                     checked: page.model.withTime
+                    onActiveFocusChanged: if (activeFocus) page.pickerWheel = -1
                     onToggled: page.model.withTime = checked
                 }
                 Label { visible: row.cellData.checked; text: "✓"; color: Theme.tint; font.pixelSize: 18 }
@@ -107,6 +111,8 @@ Page {
                 anchors.margins: 10
                 date: page.model.pickerDate
                 withTime: page.model.withTime
+                focusedWheel: page.pickerWheel
+                onWheelFocused: wheel => page.pickerWheel = wheel
                 onMoved: d => page.model.setPickerDate(d)
             }
         }

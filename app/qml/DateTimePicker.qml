@@ -10,7 +10,11 @@ RowLayout {
     id: picker
     property date date: new Date()
     property bool withTime: true
+    // The wheel that had the keys when the page last rebuilt this picker (-1: none): a keyboard
+    // user keeps turning it, where focus fell out of the page after every step.
+    property int focusedWheel: -1
     signal moved(date date)
+    signal wheelFocused(int wheel)
     spacing: 0
     height: 160
 
@@ -21,7 +25,11 @@ RowLayout {
     // Set from the date without telling anyone; a wheel the user turns tells.
     property bool settling: false
     onDateChanged: sync()
-    Component.onCompleted: sync()
+    Component.onCompleted: {
+        sync()
+        // Once the rows this picker replaces are gone, or their wheel would keep the keys.
+        if (focusedWheel >= 0) Qt.callLater(() => [day, month, year, hour, minute, second][focusedWheel].forceActiveFocus())
+    }
     function sync() {
         settling = true
         year.currentIndex = date.getFullYear() - 1900
@@ -45,11 +53,13 @@ RowLayout {
         property var texts: null
         // The value of the first entry: days count from 1.
         property int firstValue: 0
+        required property int number
         Layout.fillHeight: true
         Layout.fillWidth: true
         Layout.preferredWidth: 40
         visibleItemCount: 5
         focusPolicy: Qt.StrongFocus
+        onActiveFocusChanged: if (activeFocus) picker.wheelFocused(number)
         onMovingChanged: if (!moving) picker.turned()
         Keys.onUpPressed: { currentIndex = (currentIndex + count - 1) % count; picker.turned() }
         Keys.onDownPressed: { currentIndex = (currentIndex + 1) % count; picker.turned() }
@@ -80,10 +90,10 @@ RowLayout {
         }
     }
 
-    Wheel { id: day; model: 31; firstValue: 1 }
-    Wheel { id: month; model: 12; texts: picker.monthNames; Layout.minimumWidth: 64 }
-    Wheel { id: year; model: 200; texts: Array.from({ length: 200 }, (x, i) => "" + (1900 + i)); Layout.minimumWidth: 64 }
-    Wheel { id: hour; model: 24; visible: picker.withTime }
-    Wheel { id: minute; model: 60; visible: picker.withTime }
-    Wheel { id: second; model: 60; visible: picker.withTime }
+    Wheel { id: day; number: 0; model: 31; firstValue: 1 }
+    Wheel { id: month; number: 1; model: 12; texts: picker.monthNames; Layout.minimumWidth: 64 }
+    Wheel { id: year; number: 2; model: 200; texts: Array.from({ length: 200 }, (x, i) => "" + (1900 + i)); Layout.minimumWidth: 64 }
+    Wheel { id: hour; number: 3; model: 24; visible: picker.withTime }
+    Wheel { id: minute; number: 4; model: 60; visible: picker.withTime }
+    Wheel { id: second; number: 5; model: 60; visible: picker.withTime }
 }

@@ -16,6 +16,7 @@ Page {
         title: Edit.title
         leading: ToolButton { text: qsTr("Cancel"); font.capitalization: Font.MixedCase; onClicked: Edit.close() }
         ToolButton {
+            id: saveButton
             text: qsTr("Save")
             font.capitalization: Font.MixedCase
             font.bold: true
@@ -24,7 +25,7 @@ Page {
             Shortcut {
                 sequences: [StandardKey.Save]
                 enabled: page.StackView.status === StackView.Active
-                onActivated: parent.clicked()
+                onActivated: saveButton.clicked()
             }
         }
     }

@@ -18,6 +18,7 @@
 #include "Isolation.h"
 #include "TestSupport.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 #include <QAccessible>
@@ -413,15 +414,42 @@ TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
         QAccessibleInterface* a = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
         return a ? a->text(QAccessible::Name) : QString();
     };
-    int tabs = 0;
-    while (!focusedName().contains("Original Date") && tabs < 12) {
-        QTest::keyClick(window, Qt::Key_Tab);
-        ++tabs;
-    }
-    ASSERT_TRUE(focusedName().contains("Original Date")) << "Tab never reached the original date";
+    const auto tabTo = [&](const std::function<bool(QQuickItem*)>& wanted) {
+        for (int tabs = 0; tabs < 12; ++tabs) {
+            if (window->activeFocusItem() && wanted(window->activeFocusItem())) return true;
+            QTest::keyClick(window, Qt::Key_Tab);
+        }
+        return false;
+    };
+    ASSERT_TRUE(tabTo([&](QQuickItem*) { return focusedName().contains("Original Date"); }))
+        << "Tab never reached the original date";
     QTest::keyClick(window, Qt::Key_Return);
     settle();
     EXPECT_EQ(stack->property("depth").toInt(), 2);
+
+    // Return on the own date opens the wheels; a wheel keeps the keys while the page redraws
+    // after each turn, so two presses move the day by two.
+    QObject* dates = models->edit->property("dateScreen").value<QObject*>();
+    ASSERT_TRUE(dates);
+    ASSERT_TRUE(tabTo([](QQuickItem* item) { return item->property("cellData").toMap().value("kind") == "date"; }));
+    QTest::keyClick(window, Qt::Key_Return);
+    settle();
+    ASSERT_TRUE(tabTo([](QQuickItem* item) { return item->inherits("QQuickTumbler"); })) << "no wheel takes the keys";
+    const QDateTime before = dates->property("pickerDate").toDateTime();
+    QTest::keyClick(window, Qt::Key_Down);
+    settle();
+    QTest::keyClick(window, Qt::Key_Down);
+    settle();
+    EXPECT_EQ(before.daysTo(dates->property("pickerDate").toDateTime()), 2);
+
+    // Back on the edit page, Ctrl+S asks how to save.
+    QTest::keyClick(window, Qt::Key_Escape);
+    settle();
+    ASSERT_EQ(stack->property("depth").toInt(), 1);
+    QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
+    auto* sheet = window->findChild<QObject*>("saveSheet");
+    ASSERT_TRUE(sheet);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->property("visible").toBool(); }, 5000)) << "Ctrl+S opened no save question";
     window->close();
 }
 
