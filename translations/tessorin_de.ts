@@ -84,7 +84,9 @@
     <message numerus="yes">
         <source>%1, %n item(s)</source>
         <translation>
-            <numerusform>%1, %n Objekt</numerusform><numerusform>%1, %n Objekte</numerusform></translation>
+            <numerusform>%1, %n Objekt</numerusform>
+            <numerusform>%1, %n Objekte</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -106,7 +108,7 @@
         <translation>Fotomediathek nicht verfügbar</translation>
     </message>
     <message>
-        <source>Please check to see if device settings doesn't allow photo library access</source>
+        <source>Please check to see if device settings doesn&apos;t allow photo library access</source>
         <translation>Bitte prüfen Sie, ob die Einstellungen des Geräts den Zugriff auf die Fotomediathek verhindern.</translation>
     </message>
     <message>
@@ -712,6 +714,10 @@
         <source>Cancel</source>
         <translation>Abbrechen</translation>
     </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
 </context>
 <context>
     <name>LocationModifierViewModel</name>
@@ -1262,7 +1268,7 @@
         <translation>Dateityp:</translation>
     </message>
     <message>
-        <source>Author's Job Title</source>
+        <source>Author&apos;s Job Title</source>
         <translation>Berufsbezeichnung des Autors</translation>
     </message>
     <message>
@@ -1286,7 +1292,7 @@
         <translation>Quelle</translation>
     </message>
     <message>
-        <source>Editor's Description</source>
+        <source>Editor&apos;s Description</source>
         <translation>Beschreibung des Bearbeiters</translation>
     </message>
     <message>

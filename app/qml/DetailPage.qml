@@ -139,12 +139,13 @@ Page {
         Overlay.modal: Dimmer {}
         property alias text: alertText.text
         footer: DialogButtonBox {
-            Button {
+            SheetButton {
+                id: alertOk
                 text: qsTr("Ok")
-                flat: true
                 DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole
             }
         }
+        onOpened: alertOk.forceActiveFocus(Qt.TabFocusReason)
         Label { id: alertText; wrapMode: Text.Wrap; width: Math.min(300, page.width - 80) }
     }
     Connections {

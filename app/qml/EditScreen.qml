@@ -94,6 +94,8 @@ Popup {
         padding: 12
         property var question: ({ message: "", actions: [] })
         onAboutToShow: question = Edit.saveAlert()
+        // The first answer has the keys: Return saves a new picture.
+        onOpened: if (saveActions.count > 0) saveActions.itemAt(0).forceActiveFocus(Qt.TabFocusReason)
         background: CardBackground {}
         contentItem: ColumnLayout {
             spacing: 6
@@ -105,13 +107,12 @@ Popup {
                 color: Theme.secondaryText
             }
             Repeater {
+                id: saveActions
                 model: saveSheet.question.actions
-                Button {
+                SheetButton {
                     required property var modelData
                     Layout.fillWidth: true
-                    flat: true
                     text: modelData.title
-                    font.capitalization: Font.MixedCase
                     font.bold: modelData.mode < 0
                     onClicked: { saveSheet.close(); if (modelData.mode >= 0) Edit.save(modelData.mode) }
                 }

@@ -20,9 +20,11 @@ Item {
         title: action
         Label { id: confirmText; wrapMode: Text.WordWrap; width: parent.width }
         footer: DialogButtonBox {
-            Button { text: qsTr("Cancel"); DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
-            Button { text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole; Material.foreground: Theme.destructive }
+            SheetButton { text: qsTr("Cancel"); DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            SheetButton { id: deleteButton; text: confirmDelete.action; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole; Material.foreground: Theme.destructive }
         }
+        // Delete then Return trashes, as the Delete key promises; the item can come back.
+        onOpened: deleteButton.forceActiveFocus(Qt.TabFocusReason)
         onAccepted: ToolBar.confirmDelete()
     }
     Dialog {
@@ -32,7 +34,10 @@ Item {
         width: Math.min(parent.width - 40, 320)
         modal: true
         Overlay.modal: Dimmer {}
-        standardButtons: Dialog.Ok
+        footer: DialogButtonBox {
+            SheetButton { id: toolAlertOk; text: qsTr("Ok"); DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+        }
+        onOpened: toolAlertOk.forceActiveFocus(Qt.TabFocusReason)
         Label { id: toolAlertText; wrapMode: Text.WordWrap; width: parent.width }
     }
     Connections {
@@ -60,17 +65,18 @@ Item {
         modal: true
         Overlay.modal: Dimmer {}
         closePolicy: Popup.NoAutoClose
+        onOpened: if (addedActions.count > 0) addedActions.itemAt(0).forceActiveFocus(Qt.TabFocusReason)
         Column {
             width: parent.width
             spacing: 4
             Label { id: addedText; wrapMode: Text.WordWrap; width: parent.width }
             Repeater {
+                id: addedActions
                 model: added.actions
-                delegate: Button {
+                delegate: SheetButton {
                     required property int index
                     required property string modelData
                     width: parent.width
-                    flat: true
                     text: modelData
                     Material.foreground: Theme.tint
                     onClicked: { added.close(); Detail.chooseAdded(index) }

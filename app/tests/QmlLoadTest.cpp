@@ -449,7 +449,10 @@ TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
     QTest::keyClick(window, Qt::Key_S, Qt::ControlModifier);
     auto* sheet = window->findChild<QObject*>("saveSheet");
     ASSERT_TRUE(sheet);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->property("visible").toBool(); }, 5000)) << "Ctrl+S opened no save question";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sheet->property("visible").toBool(); }, 5000)) << "Ctrl+S opened no save question";
+    // Its first answer has the keys, so Return saves a new picture.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->activeFocusItem() && window->activeFocusItem()->property("text") == "New Picture"; }, 2000))
+        << (window->activeFocusItem() ? window->activeFocusItem()->metaObject()->className() : "nothing") << " has the keys";
     window->close();
 }
 
