@@ -1,23 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A row that opens or chooses something, in a form or a sheet: reached by Tab like the switches
-// and fields beside it, run by Enter, Return or Space, and ringed while it has the keyboard.
-// (The style's rows take no focus, so the keyboard passed over every date, place and option.)
+// and fields beside it, run by Enter, Return or Space. (The style's rows take no focus, so the
+// keyboard passed over every date, place and option.)
 import QtQuick
 import QtQuick.Controls
-import Tessorin
 
 ItemDelegate {
     id: row
     focusPolicy: Qt.StrongFocus
     Keys.onReturnPressed: row.clicked()
     Keys.onEnterPressed: row.clicked()
-
-    Rectangle {
-        anchors.fill: parent
-        z: 1
-        color: "transparent"
-        border.width: 2
-        border.color: Theme.tint
-        visible: row.visualFocus
-    }
 }

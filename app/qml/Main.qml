@@ -61,6 +61,7 @@ ApplicationWindow {
     }
 
     LibraryDialogs {}
+    FocusRing { window: window }
 
     // The edit screen, over everything; Ctrl+E opens it on the item in view.
     EditScreen {}

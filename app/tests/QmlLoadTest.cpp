@@ -423,6 +423,13 @@ TEST_F(QmlLoadTest, TheKeyboardAloneOpensAnAlbumAndAnItem) {
     };
     ASSERT_TRUE(tabTo([&](QQuickItem*) { return focusedName().contains("Original Date"); }))
         << "Tab never reached the original date";
+    // The ring shows where the keys are.
+    auto* ring = window->findChild<QQuickItem*>("focusRing");
+    ASSERT_TRUE(ring);
+    QQuickItem* focused = window->activeFocusItem();
+    EXPECT_TRUE(ring->isVisible());
+    EXPECT_EQ(ring->mapRectToScene(QRectF(0, 0, ring->width(), ring->height())),
+              focused->mapRectToScene(QRectF(0, 0, focused->width(), focused->height())));
     QTest::keyClick(window, Qt::Key_Return);
     settle();
     EXPECT_EQ(stack->property("depth").toInt(), 2);
