@@ -159,7 +159,7 @@ Page {
                     text: row.cellData.title
                     elide: Text.ElideRight
                     font.pixelSize: 16
-                    color: row.cellData.dimmed ? Theme.separator : Theme.text
+                    color: row.cellData.dimmed ? Theme.secondaryText : Theme.text
                 }
                 Label {
                     text: row.cellData.detail

@@ -95,7 +95,7 @@ Page {
                     text: choice.row.value
                     wrapMode: Text.WordWrap
                     font.pixelSize: 13
-                    color: choice.row.dimmed ? Theme.separator : Theme.text
+                    color: choice.row.dimmed ? Theme.secondaryText : Theme.text
                 }
             }
             onClicked: {
