@@ -83,10 +83,10 @@ protected:
         return dir;
     }
     // A corpus JPEG as `name` in the folder.
-    QString photo(const QString& name) {
+    QString photo(const QString& name, const QString& source = "jpeg/Canon_40D.jpg") {
         const QString path = folder() + "/" + name;
         QFile::remove(path);
-        EXPECT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", path));
+        EXPECT_TRUE(QFile::copy(corpusDir() + "/" + source, path));
         return path;
     }
     // Every file of the folder with its bytes.
@@ -204,7 +204,8 @@ TEST_F(SidecarTest, RawFileInPlaceGetsANewSidecarAndKeepsItsBytes) {
 }
 
 // A sidecar the reader refuses is left out of what the photo reads and never rewritten; a
-// read-only folder is not written into. Every file stays as it was, and nothing is added.
+// read-only folder is not written into; a sidecar can't take away the photo's own place. Every
+// file stays as it was, and nothing is added.
 TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryFile) {
     QByteArray deep = "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
                       "<rdf:Description xmlns:dc='http://purl.org/dc/elements/1.1/'>";
@@ -219,6 +220,8 @@ TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryF
         QByteArray sidecar;  // empty: none
         bool readOnly;
         const char* message;
+        QStringList wish = {"--set", "Headline=Changed"};
+        QString source = "jpeg/Canon_40D.jpg";
     };
     const QList<Case> cases{
         {"not XML", "\x89PNG\r\n\x1a\n this is no XML at all", false, "is not well-formed XML"},
@@ -227,19 +230,21 @@ TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryF
         {"deep nesting", deep, false, "nests deeper than 64 levels"},
         {"read-only folder", {}, true, "read-only"},
         {"read-only folder with a sidecar", sidecarText(5, "kept"), true, "read-only"},
+        {"the photo's own place taken away", {}, false, "a sidecar can't take away what the photo holds itself",
+         {"--no-location"}, "jpeg/gps/DSCN0010.jpg"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString path = photo("IMG_3.jpg");
+        const QString path = photo("IMG_3.jpg", c.source);
         for (const QString& f : QDir(folder()).entryList({"*.xmp"}, QDir::Files)) QFile::remove(folder() + "/" + f);
         if (!c.sidecar.isEmpty()) writeFile(path + ".xmp", c.sidecar);
         const QMap<QString, QByteArray> files = snapshot();
         if (c.readOnly) ASSERT_EQ(chmod(QFile::encodeName(folder()).constData(), 0555), 0);
 
         const QJsonObject props = propsOf(path);
-        EXPECT_EQ(props.value("{TIFF}").toObject().value("Make").toString(), "Canon");
+        EXPECT_EQ(props.value("{TIFF}").toObject().value("Make").toString(), exiftoolTags(path).value("IFD0:Make").toString());
         EXPECT_EQ(props.contains("{XMP Sidecar}"), c.readOnly && !c.sidecar.isEmpty());
-        const ProcessResult r = cli({"edit", "--sidecar", "--set", "Headline=Changed", path});
+        const ProcessResult r = cli(QStringList{"edit", "--sidecar"} + c.wish + QStringList{path});
         EXPECT_EQ(r.exitCode, 1) << r.out.toStdString();
         EXPECT_TRUE(r.err.contains(c.message)) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains("nothing was saved")) << r.err.toStdString();

@@ -9,6 +9,7 @@
 #include <exiv2/convert.hpp>
 
 #include <QDir>
+#include <algorithm>
 #include <QFile>
 #include <QFileInfo>
 
@@ -191,18 +192,19 @@ std::optional<QByteArray> rewriteSidecar(const QByteArray& existing, const Prope
         Exiv2::ExifData exif = exifBefore;
         Exiv2::IptcData iptc;
         applyChanges(before, changes, MetadataBlocks{exif, iptc, xmp});
-        Exiv2::ExifData changed;
-        bool gpsChanged = false;
-        for (const Exiv2::Exifdatum& d : exif) {
+        const auto differs = [&](const Exiv2::Exifdatum& d) {
             const auto old = exifBefore.findKey(Exiv2::ExifKey(d.key()));
-            if (old != exifBefore.end() && old->toString() == d.toString()) continue;
-            changed.add(d);
-            gpsChanged = gpsChanged || d.groupName() == "GPSInfo";
-        }
-        // A coordinate converts with its reference: the place goes over whole.
-        if (gpsChanged)
-            for (const Exiv2::Exifdatum& d : exif)
-                if (d.groupName() == "GPSInfo" && changed.findKey(Exiv2::ExifKey(d.key())) == changed.end()) changed.add(d);
+            return old == exifBefore.end() || old->toString() != d.toString();
+        };
+        // A coordinate converts with its reference, which `before` may have had from the photo
+        // and so was not written: a changed place goes over whole, as wished.
+        const QVariant place = changes.value(kCGImagePropertyGPSDictionary);
+        const bool placeChanged = place.typeId() == QMetaType::QVariantMap &&
+            std::any_of(exif.begin(), exif.end(), [&](const Exiv2::Exifdatum& d) { return d.groupName() == "GPSInfo" && differs(d); });
+        if (placeChanged) applyChanges({}, {{kCGImagePropertyGPSDictionary, place}}, MetadataBlocks{exif, iptc, xmp});
+        Exiv2::ExifData changed;
+        for (const Exiv2::Exifdatum& d : exif)
+            if (differs(d) || (placeChanged && d.groupName() == "GPSInfo")) changed.add(d);
         for (const Exiv2::Exifdatum& d : exifBefore) {
             if (exif.findKey(Exiv2::ExifKey(d.key())) != exif.end()) continue;
             // A removed tag: its XMP homes are found by converting it alone.
