@@ -15,6 +15,8 @@
 #include "IptcKeys.h"
 #include "ImageWriter.h"
 #include "Library.h"
+#include "Settings.h"
+#include "Sidecars.h"
 #include "TSAsset.h"
 #include "TSError.h"
 #include "TemplateModel.h"
@@ -42,13 +44,14 @@ const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
     {"--no-date", "", false}, {"--no-tags", "", false},       {"--in-place", "", false}, {"--keep-original", "", false},
     {"--render", "", false},  {"--template", "", true}, {"--library", "", true},
     {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},    {"--geotag-offset", "", true},
-    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant", "", false}};
+    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant", "", false}, {"--sidecar", "", false}};
 
 struct Target {
     QString outputDir;
     bool inPlace = false;
     bool keepOriginal = false;
     bool render = false;
+    bool sidecar = false;  // the changes go to each photo's XMP sidecar
     QString libraryMode;  // "new" or "modify": saved into the photo library
 };
 
@@ -120,6 +123,22 @@ void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
                       });
         return;
     }
+    // A photo that can't take the changes in place keeps them in its sidecar, and says why.
+    bool toSidecar = target.sidecar;
+    if (!toSidecar && target.inPlace) {
+        if (const auto why = Sidecars::whyNotInPhoto(path, asset->imageData())) {
+            outcome.out += path + ": " + *why + "; the changes go to its XMP sidecar\n";
+            toSidecar = true;
+        }
+    }
+    if (toSidecar) {
+        QStringList sidecars;
+        if (auto failure = modifier.saveToSidecars(Settings::value(SettingsKey::sidecarBaseName).toBool(), sidecars))
+            return fail(*failure);
+        outcome.out += path + " -> " + sidecars.value(0) + ": " + photo.tags->changedTags().join(", ") + "\n";
+        outcome.wrote = true;
+        return;
+    }
     modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
     modifier.render = target.render;
     const QString backup = backupPath(path);
@@ -163,7 +182,9 @@ Outcome readFile(const QString& path, const Target& target, std::shared_ptr<TSAs
         outcome.movie = true;
         return outcome;
     }
-    if (!imageio::canWrite(format)) return fail("can't write metadata into " + imageio::formatName(format) + " files");
+    // Raw files take their changes in a sidecar, asked for or in place of the file.
+    if (!imageio::canWrite(format) && !target.sidecar && !target.inPlace)
+        return fail("can't write metadata into " + imageio::formatName(format) + " files");
     if (!read->metaData().metaDataDic()) return fail("no image metadata could be read");
     asset = std::move(read);
     return outcome;
@@ -272,6 +293,8 @@ int editCommand(const QStringList& rawArgs) {
             target.keepOriginal = true;
         } else if (a == "--render") {
             target.render = true;
+        } else if (a == "--sidecar") {
+            target.sidecar = true;
         }
     }
     if (!target.libraryMode.isEmpty()) {
@@ -287,6 +310,8 @@ int editCommand(const QStringList& rawArgs) {
             }
             parsed.operands = paths;
         }
+    } else if (target.sidecar) {
+        if (target.inPlace || !target.outputDir.isEmpty() || target.render) return usage("--sidecar goes alone");
     } else if (target.inPlace == !target.outputDir.isEmpty()) return usage("give either -o DIR or --in-place");
     if (target.render && target.inPlace) return usage("--render writes to -o DIR");
     if (target.keepOriginal && !target.inPlace) return usage("--keep-original goes with --in-place");

@@ -63,7 +63,7 @@ const QList<std::pair<QString, QString>>& texts() {
                         "pixel size.\n\n"
                         "  --extract DIR       write the auxiliary images into DIR under those names\n") + jsonHelp + fileOptionsHelp},
         {"edit",
-         QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR | --library new)\n"
+         QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR | --sidecar | --library new)\n"
                         "       tessorin-cli edit [WISHES] --library modify ID...\n\n"
                         "Rewrites the files with the wishes applied, one line per file of what\n"
                         "changed; only the metadata change. Movies are written anew into DIR.\n\n"
@@ -86,7 +86,11 @@ const QList<std::pair<QString, QString>>& texts() {
                         "  --strip private|location|dates          remove private data, the place or the dates\n"
                         "target:\n"
                         "  -o DIR              write the new files into DIR\n"
-                        "  --in-place          replace the files (photos only)\n"
+                        "  --in-place          replace the files (photos only); a raw file or a read-only\n"
+                        "                      one keeps the changes in its XMP sidecar instead\n"
+                        "  --sidecar           keep the changes in each photo's XMP sidecar (NAME.EXT.xmp\n"
+                        "                      or NAME.xmp, the one it has, else a new NAME.EXT.xmp);\n"
+                        "                      the photo stays as it is\n"
                         "  --keep-original     keep the original beside it as NAME_original.EXT\n"
                         "  --render            draw the photo anew, upright, as JPEG, into -o DIR\n"
                         "  --library new       save each photo as a new item of the photo library, in its\n"

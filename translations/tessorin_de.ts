@@ -581,6 +581,14 @@
         <source>No changes to save.</source>
         <translation>Es gibt keine Änderungen zu sichern.</translation>
     </message>
+    <message>
+        <source>Saved in XMP sidecars, the photos left as they are:</source>
+        <translation>In XMP-Begleitdateien gesichert, die Fotos bleiben, wie sie sind:</translation>
+    </message>
+    <message>
+        <source>Saved in XMP Sidecars</source>
+        <translation>In XMP-Begleitdateien gesichert</translation>
+    </message>
 </context>
 <context>
     <name>ExifTableView</name>
@@ -1034,6 +1042,22 @@
     <message>
         <source>Save in Tessorin album</source>
         <translation>Im Album „Tessorin“ sichern</translation>
+    </message>
+    <message>
+        <source>Save changes in</source>
+        <translation>Änderungen sichern in</translation>
+    </message>
+    <message>
+        <source>the photo</source>
+        <translation>dem Foto</translation>
+    </message>
+    <message>
+        <source>an XMP sidecar</source>
+        <translation>einer XMP-Begleitdatei</translation>
+    </message>
+    <message>
+        <source>Name new sidecars NAME.xmp</source>
+        <translation>Neue Begleitdateien NAME.xmp nennen</translation>
     </message>
 </context>
 <context>

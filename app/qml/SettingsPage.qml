@@ -79,7 +79,9 @@ Page {
             width: ListView.view.width
             height: 48
             background: Rectangle { color: row.down ? Theme.fill : Theme.card }
-            onClicked: kind === "switch" ? SettingsScreen.setSwitch(tag, !on) : SettingsScreen.select(tag)
+            onClicked: kind === "disclosure" ? SettingsScreen.select(tag) : SettingsScreen.setSwitch(tag, kind === "choice" || !on)
+            Accessible.checkable: kind === "choice"
+            Accessible.checked: kind === "choice" && on === true
 
             contentItem: RowLayout {
                 spacing: 12
@@ -104,6 +106,12 @@ Page {
                     checkable: false
                     checked: row.on === true
                     onClicked: SettingsScreen.setSwitch(row.tag, !row.on)
+                }
+                Label {
+                    visible: row.kind === "choice" && row.on === true
+                    text: "✓"
+                    color: Theme.tint
+                    font.pixelSize: 18
                 }
                 Image {
                     visible: row.kind === "disclosure"

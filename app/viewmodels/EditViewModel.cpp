@@ -15,6 +15,8 @@
 #include "LocationModifierViewModel.h"
 #include "Log.h"
 #include "RotationModifierViewModel.h"
+#include "Settings.h"
+#include "Sidecars.h"
 #include "TSAlbum.h"
 #include "TSFilesAlbum.h"
 #include "TSPhotoAlbum.h"
@@ -488,7 +490,9 @@ bool EditViewModel::uneditable() const {
     library::Library lib(libraryFolders());
     for (const auto& a : assets_)
         if (a->isVideo()) return true;
-        else if (const auto item = lib.assetForPath(a->path()); !item || !item->canPerformEditOperation(1)) return true;
+        else if (const auto item = lib.assetForPath(a->path()); !item) return true;
+        // A photo that can't be rewritten in place keeps its changes in its sidecar.
+        else if (!item->canPerformEditOperation(1) && !Sidecars::whyNotInPhoto(a->path(), a->imageData())) return true;
     return false;
 }
 
@@ -525,13 +529,34 @@ void EditViewModel::savePhotos(int mode) {
         emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error getting image data"));
         return;
     }
+    // "Modify" keeps the changes in the photos' XMP sidecars when the setting says so, and those
+    // of photos that can't take them (raw files, read-only ones) in any case, telling why.
+    QList<ModifyingPhotoAsset> inSidecars;
+    QStringList notices;
+    if (mode == int(SaveMode::modify)) {
+        const bool always = Settings::value(SettingsKey::saveChangesIn).toString() == QLatin1String("sidecar");
+        for (qsizetype i = 0; i < photos.size();) {
+            const auto why = always ? std::nullopt : Sidecars::whyNotInPhoto(photos[i].tsAsset->path(), photos[i].tsAsset->imageData());
+            if (!always && !why) {
+                ++i;
+                continue;
+            }
+            if (why) notices << QFileInfo(photos[i].tsAsset->path()).fileName() + ": " + *why;
+            inSidecars << photos.takeAt(i);
+        }
+    }
     auto modifier = std::make_shared<ExifModifier>(photos);
+    auto sidecarModifier = std::make_shared<ExifModifier>(inSidecars);
     if (batch_.any()) {
         const BatchWishes batch = batch_;
         modifier->eachPhoto = [batch](ModifyingPhotoAsset& p) {
             for (const QString& problem : applyBatch(*p.tags, batch)) Log::info(p.tsAsset->path() + ": " + problem);
         };
+        sidecarModifier->eachPhoto = modifier->eachPhoto;
     }
+    const QString notice = notices.isEmpty() ? QString()
+                                             : QCoreApplication::translate("EditViewModel", "Saved in XMP sidecars, the photos left as they are:") +
+                                                   "\n" + notices.join('\n');
     // The wishes are applied on the saving thread too, to a copy: the screen's stay as they are
     // for a save that changed nothing.
     auto wishes = std::make_shared<UserSettings>(*settings_);
@@ -540,10 +565,18 @@ void EditViewModel::savePhotos(int mode) {
         emit alert(QString(), QCoreApplication::translate("EditViewModel", "Error writing data to file"));
         return;
     }
-    setActivity(QCoreApplication::translate("EditViewModel", "Saving Photo..."), int(photos.size()));
+    setActivity(QCoreApplication::translate("EditViewModel", "Saving Photo..."), int(photos.size() + inSidecars.size()));
     prepareAdding(mode);
     QPointer<EditViewModel> self(this);
-    modifier->progress = [self](int done) {
+    const int sidecarCount = int(inSidecars.size());
+    modifier->progress = [self, sidecarCount](int done) {
+        QMetaObject::invokeMethod(self, [self, done = done + sidecarCount] {
+            if (!self) return;
+            self->progressDone_ = done;
+            emit self->activityChanged();
+        }, Qt::QueuedConnection);
+    };
+    sidecarModifier->progress = [self](int done) {
         QMetaObject::invokeMethod(self, [self, done] {
             if (!self) return;
             self->progressDone_ = done;
@@ -552,19 +585,32 @@ void EditViewModel::savePhotos(int mode) {
     };
     runOffThread<Result>(
         this,
-        [modifier, wishes, mode, folder, folders = libraryFolders()] {
+        [modifier, sidecarModifier, wishes, mode, folder, notice, folders = libraryFolders()] {
+            // A copy each: the wishes are applied anew to every photo.
+            UserSettings forSidecars = *wishes;
             modifier->modify(*wishes);
-            if (!modifier->anyChanged()) {
+            sidecarModifier->modify(forSidecars);
+            if (!modifier->anyChanged() && !sidecarModifier->anyChanged()) {
                 removeFolder(folder);
                 return Result{{}, std::nullopt, true};
             }
             // The library is opened on the thread that uses it.
             library::Library lib(folders);
+            Result r;
+            if (sidecarModifier->anyChanged()) {
+                QStringList sidecars;
+                if (auto failure = sidecarModifier->saveToSidecars(Settings::value(SettingsKey::sidecarBaseName).toBool(), sidecars))
+                    return Result{{}, failure};
+                for (const auto& photo : sidecarModifier->modifing)
+                    if (const auto item = lib.assetForPath(photo.tsAsset->path())) r.urls << item->localIdentifier;
+                r.notice = notice;
+            }
+            if (!modifier->anyChanged()) return r;
             modifier->library = &lib;
             if (!folder.isEmpty()) modifier->filesDirectory = folder;
-            Result r;
             modifier->save(SaveMode(mode), [&r](const QStringList& urls, const std::optional<QString>& message) {
-                r = {urls, message};
+                r.urls << urls;
+                r.message = message;
             });
             if (r.message) removeFolder(folder);
             return r;
@@ -644,6 +690,7 @@ void EditViewModel::ended(int mode, const Result& r) {
         return;
     }
     if (mode == int(SaveMode::newItem) && !r.urls.isEmpty()) emit newItemSaved(r.urls.last());
+    if (!r.notice.isEmpty()) emit alert(QCoreApplication::translate("EditViewModel", "Saved in XMP Sidecars"), r.notice);
     emit saved(mode, r.urls);
     close();
 }

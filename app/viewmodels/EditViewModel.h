@@ -136,6 +136,7 @@ private:
         QStringList urls;
         std::optional<QString> message;
         bool nothingChanged = false;
+        QString notice;  // told after a save that went well: changes kept in sidecars by default
     };
     void requestAsset();
     void setActivity(const QString& text, int total = 0);

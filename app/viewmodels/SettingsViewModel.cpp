@@ -23,6 +23,13 @@ const QList<SettingsViewModel::Row>& SettingsViewModel::rows() {
          QStringLiteral("photo.fill.on.rectangle.fill")},
         {6, 0, QCoreApplication::translate("SettingsViewModel", "Modified Images"), QCoreApplication::translate("SettingsViewModel", "Save in Tessorin album"),
          QStringLiteral("saveInTessorin"), QStringLiteral("tag.circle")},
+        // "Modify" writes into the photo, or into its XMP sidecar and leaves the photo as it is.
+        {7, 0, QCoreApplication::translate("SettingsViewModel", "Save changes in"), QCoreApplication::translate("SettingsViewModel", "the photo"),
+         SettingsKey::saveChangesIn, QStringLiteral("photo.fill.on.rectangle.fill"), QStringLiteral("photo")},
+        {7, 1, QCoreApplication::translate("SettingsViewModel", "Save changes in"), QCoreApplication::translate("SettingsViewModel", "an XMP sidecar"),
+         SettingsKey::saveChangesIn, QStringLiteral("doc.text"), QStringLiteral("sidecar")},
+        {7, 2, QCoreApplication::translate("SettingsViewModel", "Save changes in"), QCoreApplication::translate("SettingsViewModel", "Name new sidecars NAME.xmp"),
+         SettingsKey::sidecarBaseName, QStringLiteral("tag"), {}},
     };
     return table;
 }
@@ -37,9 +44,15 @@ QVariant SettingsViewModel::data(const QModelIndex& index, int role) const {
     case SectionTitleRole: return row.sectionTitle;
     case Qt::DisplayRole:
     case TextRole: return row.text;
-    case KindRole: return row.key.isEmpty() ? QStringLiteral("disclosure") : QStringLiteral("switch");
+    case KindRole: return row.key.isEmpty() ? QStringLiteral("disclosure") : row.choice.isEmpty() ? QStringLiteral("switch") : QStringLiteral("choice");
     case SymbolRole: return row.symbol;
-    case OnRole: return row.key.isEmpty() ? QVariant() : QVariant(Settings::value(row.key).toBool());
+    case OnRole: {
+        if (row.key.isEmpty()) return {};
+        const QVariant value = Settings::value(row.key);
+        if (row.choice.isEmpty()) return value.toBool();
+        // Unset, the first choice of the setting holds.
+        return value.isValid() ? value.toString() == row.choice : row.row == 0;
+    }
     case TagRole: return row.tag();
     default: return {};
     }
@@ -54,6 +67,13 @@ void SettingsViewModel::setSwitch(int tag, bool on) {
     for (int i = 0; i < rows().size(); ++i) {
         const Row& row = rows()[i];
         if (row.tag() != tag || row.key.isEmpty()) continue;
+        if (!row.choice.isEmpty()) {
+            if (!on) return;  // a choice is left by choosing another
+            Settings::setValue(row.key, row.choice);
+            Log::info(QStringLiteral("Choice: %1 is %2").arg(row.key, row.choice));
+            emit dataChanged(index(0), index(int(rows().size()) - 1), {OnRole});
+            return;
+        }
         Settings::setValue(row.key, on);
         Log::info(QStringLiteral("Switch: %1 is %2").arg(tag).arg(on ? "true" : "false"));
         emit dataChanged(index(i), index(i), {OnRole});

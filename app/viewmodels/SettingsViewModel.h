@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// The settings screen: one table of sections of one row each, a disclosure to the about page
-// and a switch per setting. A switch is named by its tag, section + row × 100.
+// The settings screen: one table of titled sections, a disclosure to the about page, a switch per
+// setting and a row per choice of a setting with several. A row is named by its tag,
+// section + row × 100.
 #include <QAbstractListModel>
 
 class SettingsViewModel : public QAbstractListModel {
@@ -17,6 +18,7 @@ public:
         QString text;
         QString key;  // empty for a disclosure
         QString symbol;
+        QString choice = {};  // the value this row chooses for `key`; empty for a switch
         int tag() const { return section + row * 100; }
     };
 
@@ -28,7 +30,8 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    // A switch was flipped: the key is written and the change logged. Unknown tags do nothing.
+    // A switch was flipped, or a choice chosen (`on` true): the key is written and the change
+    // logged. Unknown tags do nothing.
     Q_INVOKABLE void setSwitch(int tag, bool on);
     // A disclosure row was chosen.
     Q_INVOKABLE void select(int tag);

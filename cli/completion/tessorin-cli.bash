@@ -58,7 +58,7 @@ _tessorin_cli() {
         resources) opts="--extract $files" ;;
         edit) opts="--date --digitized-date --location --orientation --set --remove --no-location
                     --no-date --no-tags -o --in-place --keep-original --render --template --shift --zone
-                    --keep-instant --geotag --geotag-offset --max-gap --strip $files" ;;
+                    --keep-instant --geotag --geotag-offset --max-gap --strip --sidecar $files" ;;
         *) return 0 ;;
     esac
     if [[ $cur == -* ]]; then

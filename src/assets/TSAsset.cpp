@@ -4,6 +4,7 @@
 #include "FileTypes.h"
 #include "ImageProperties.h"
 #include "Log.h"
+#include "Sidecar.h"
 #include "VideoLoading.h"
 
 #include <QFileInfo>
@@ -85,7 +86,12 @@ void TSAsset::parse(const QString& function) {
     // A movie by its bytes is a movie whatever its name says.
     if (!isVideo() && imageio::detectFormat(bytes) == imageio::Format::Movie) ddStore().mediaType = MediaType::video;
     // Movies have no image properties; their rows come from the movie reader.
-    if (!bytes.isEmpty() && !isVideo()) metaData_ = TSMetaData(bytes);
+    if (!bytes.isEmpty() && !isVideo()) {
+        auto properties = TSMetaData::metadata(bytes);
+        // What the photo's XMP sidecar says wins over what the photo says of itself.
+        if (properties && !path_.isEmpty()) imageio::addSidecar(path_, *properties);
+        metaData_ = TSMetaData::fromProperties(std::move(properties));
+    }
     ddStore_->set(TSKey::FILE_SIZE, bytes.isEmpty() ? QStringLiteral("0") : filetypes::fileSizeText(bytes.size()));
     ddStore_->fill(metaData_);
     if (isVideo()) loadVideo();

@@ -5,6 +5,8 @@
 #include "Library.h"
 #include "Log.h"
 #include "PropertyKeys.h"
+#include "Sidecar.h"
+#include "Sidecars.h"
 #include "Settings.h"
 #include "TSError.h"
 #include "WriteCheck.h"
@@ -106,14 +108,49 @@ bool ExifModifier::anyChanged() const {
     return false;
 }
 
+namespace {
+
+// The dictionary a photo is saved with: its wished one, or with nothing wished (all tags
+// dropped) what is left of what it read.
+imageio::PropertyDict finalDictionary(const ModifyingPhotoAsset& photo, bool render) {
+    if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) return *photo.tags->metaData;
+    return render ? imageio::PropertyDict{} : photo.tags->strippedFallback();
+}
+
+// What a sidecar can be held to of `dict`: a sidecar only adds and overrides, so a tag the photo
+// holds itself stays whatever the sidecar says. Single tags the wishes clear (as a new place
+// clears the old one's altitude) are left out of the comparison; nothing when a whole group or a
+// top-level value the photo holds was to go (no place, no tags), which only the photo can lose.
+std::optional<imageio::PropertyDict> sidecarWishes(const imageio::PropertyDict& dict, const imageio::PropertyDict& own) {
+    const auto removal = [](const QVariant& v) { return !v.isValid() || v.isNull(); };
+    imageio::PropertyDict out;
+    for (auto it = dict.begin(); it != dict.end(); ++it) {
+        const QVariantMap held = own.value(it.key()).toMap();
+        if (removal(it.value())) {
+            if (!held.isEmpty() || (own.contains(it.key()) && !removal(own.value(it.key())))) return std::nullopt;
+            out.insert(it.key(), it.value());
+            continue;
+        }
+        if (it.value().typeId() != QMetaType::QVariantMap) {
+            out.insert(it.key(), it.value());
+            continue;
+        }
+        QVariantMap group = it.value().toMap();
+        for (auto g = group.begin(); g != group.end();)
+            g = removal(g.value()) && held.contains(g.key()) ? group.erase(g) : std::next(g);
+        out.insert(it.key(), group);
+    }
+    return out;
+}
+
+}  // namespace
+
 QList<ModifyingPhotoAsset> ExifModifier::rewrite() {
     QList<ModifyingPhotoAsset> done;
     for (auto& photo : modifing) {
         // Pixels drawn upright need no turning any more.
         if (render) photo.tags->setOrientationTag(QStringLiteral("1"));
-        imageio::PropertyDict dict;
-        if (photo.tags->metaData && !photo.tags->metaData->isEmpty()) dict = *photo.tags->metaData;
-        else if (!render) dict = photo.tags->strippedFallback();
+        const imageio::PropertyDict dict = finalDictionary(photo, render);
         photo.tags->destMutable = dict;
         imageio::PropertyDict readBack;
         ModifyingPhotoAsset written = ImageModifier::modifiedAsset(render, photo, &readBack);
@@ -126,6 +163,44 @@ QList<ModifyingPhotoAsset> ExifModifier::rewrite() {
         if (progress) progress(int(done.size()));
     }
     return done;
+}
+
+std::optional<QString> ExifModifier::saveToSidecars(bool baseName, QStringList& sidecars) {
+    int done = 0;
+    for (auto& photo : modifing) {
+        const QString path = photo.tsAsset->path();
+        const imageio::SidecarFiles files = imageio::findSidecar(path);
+        const QString target = files.found.isEmpty() ? imageio::newSidecarPath(path, baseName) : files.found;
+        const QString name = QFileInfo(target).fileName();
+        const auto failed = [&](const QString& why) {
+            Log::error("📝 " + target + ": " + why);
+            return QStringLiteral("Can't save the changes in %1: %2; nothing was saved").arg(name, why);
+        };
+        if (!Sidecars::writable(target)) return failed(QStringLiteral("the sidecar or its folder is read-only"));
+        QByteArray existing;
+        QString why;
+        // A sidecar the reader refuses (not XML, a bomb) is never handed to exiv2 to be rewritten.
+        if (!files.found.isEmpty() && !imageio::readSidecar(target, &why, &existing)) return failed("it " + why);
+        const imageio::PropertyDict dict = finalDictionary(photo, false);
+        photo.tags->destMutable = dict;
+        const imageio::PropertyDict before = photo.tags->fallbackData.value_or(imageio::PropertyDict{});
+        const auto bytes = imageio::rewriteSidecar(existing, before, dict, QFileInfo(path).suffix(), &why);
+        if (!bytes) return failed(why);
+        // Read back as the reader will: the photo's own values with the new sidecar laid over them.
+        const auto packet = imageio::parseXmpPacket(*bytes, &why);
+        if (!packet) return failed("the written sidecar " + why);
+        const imageio::PropertyDict own = imageio::readProperties(photo.tsAsset->imageData()).value_or(imageio::PropertyDict{});
+        imageio::PropertyDict read = own;
+        imageio::laySidecarOver(*packet, target, read);
+        const auto wished = sidecarWishes(dict, own);
+        if (!wished) return failed(QStringLiteral("a sidecar can't take away what the photo holds itself"));
+        if (const auto difference = WriteCheck::readBackDifference(before, *wished, imageio::Rewritten(), read))
+            return failed("the written sidecar differs from the wishes: " + *difference);
+        if (!fileio::writeDurably(target, *bytes, &why)) return failed(why);
+        sidecars << target;
+        if (progress) progress(++done);
+    }
+    return std::nullopt;
 }
 
 void ExifModifier::save(SaveMode mode, const Completion& onCompletition) {

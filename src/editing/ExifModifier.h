@@ -52,6 +52,11 @@ public:
     // The files road: each photo's bytes under its own name in `filesDirectory`, through a
     // temporary file and a rename. A message on the first failure; files written before stay.
     std::optional<QString> dataToTempFile(const QList<ModifyingPhotoAsset>& assets, QStringList& urls) const;
+    // The sidecar road: each photo's changes in its XMP sidecar (the one it has, else a new
+    // NAME.EXT.xmp, or NAME.xmp with `baseName`), the photo's bytes untouched. Each sidecar is
+    // read back and compared with the wishes before it replaces anything. `sidecars` gets the
+    // paths written; a message on the first failure, and the sidecars written before stay.
+    std::optional<QString> saveToSidecars(bool baseName, QStringList& sidecars);
     // The library roads: each photo as a new item in the application's album, or as an edit of
     // the library item it was read from. A message on the first failure.
     std::optional<QString> saveNewImages(const QList<ModifyingPhotoAsset>& assets, QStringList& identifiers) const;

@@ -24,7 +24,7 @@ QString formatName(Format format);
 std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* error = nullptr);
 // The same from a file, reading only the parts that hold metadata where the container allows
 // (a JPEG up to its scan; a HEIF's boxes and metadata items). The answer is what readProperties
-// gives for the whole file. `bytesRead`, when given, receives how many bytes were read (a mapped
+// gives for the whole file, with the file's XMP sidecar, if any, laid over it (Sidecar.h). `bytesRead`, when given, receives how many bytes were read (a mapped
 // whole file counts in full).
 std::optional<PropertyDict> readFileProperties(const QString& path, QString* error = nullptr,
                                                qint64* bytesRead = nullptr);

@@ -5,6 +5,7 @@
 #include "HeifContainer.h"
 #include "ImageProperties.h"
 #include "Rewritten.h"
+#include "Sidecar.h"
 #include "PropertyKeys.h"
 
 #include <exiv2/exiv2.hpp>
@@ -506,7 +507,9 @@ std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* err
     return readWithExiv2(bytes, format, bytes.size(), error);
 }
 
-std::optional<PropertyDict> readFileProperties(const QString& path, QString* error, qint64* bytesRead) {
+namespace {
+
+std::optional<PropertyDict> readOwnFileProperties(const QString& path, QString* error, qint64* bytesRead) {
     FilePieces file;
     if (!file.open(path, error)) return std::nullopt;
     const auto counted = [&](std::optional<PropertyDict> props) {
@@ -530,6 +533,14 @@ std::optional<PropertyDict> readFileProperties(const QString& path, QString* err
     if (!whole.open(path, error)) return counted(std::nullopt);
     auto props = readProperties(whole.bytes(), error);
     if (bytesRead) *bytesRead = file.bytesRead() + whole.bytes().size();
+    return props;
+}
+
+}  // namespace
+
+std::optional<PropertyDict> readFileProperties(const QString& path, QString* error, qint64* bytesRead) {
+    auto props = readOwnFileProperties(path, error, bytesRead);
+    if (props) addSidecar(path, *props);
     return props;
 }
 

@@ -26,7 +26,12 @@ constexpr Schema kSchemas[] = {
     {u"http://ns.adobe.com/exif/1.0/", u"exif", u"exif"},
     {u"http://cipa.jp/exif/1.0/", u"exifEX", u"exifEX"},
     {u"http://ns.adobe.com/exif/1.0/aux/", u"aux", u"aux"},
+    {u"http://ns.adobe.com/lightroom/1.0/", u"lr", u"lr"},
 };
+
+// Deeper than any packet a camera or a catalogue writes; the walk recurses once per level, so an
+// unbounded depth would be a stack overflow waiting for a crafted file.
+constexpr int kMaxDepth = 64;
 
 const Schema* schemaOf(QStringView uri) {
     for (const Schema& s : kSchemas)
@@ -43,21 +48,37 @@ class Walker {
 public:
     explicit Walker(QByteArrayView packet) : xml_(QByteArray::fromRawData(packet.data(), packet.size())) {}
 
-    std::optional<XmpPacket> run() {
+    std::optional<XmpPacket> run(QString* error) {
         while (!xml_.atEnd()) {
-            if (xml_.readNext() != QXmlStreamReader::StartElement) continue;
+            const auto token = xml_.readNext();
+            // XMP has no document type; one here is there to declare entities, perhaps a
+            // billion laughs, and is refused before any of them expands.
+            if (token == QXmlStreamReader::DTD) xml_.raiseError(QStringLiteral("declares a document type, which XMP never does"));
+            if (token != QXmlStreamReader::StartElement) continue;
             if (!isRdf(xml_.namespaceUri(), xml_.name(), u"RDF")) continue;
             // What follows the RDF element (padding, the packet's end) is not read.
             while (xml_.readNextStartElement())
                 if (isRdf(xml_.namespaceUri(), xml_.name(), u"Description")) description({});
                 else xml_.skipCurrentElement();
-            if (xml_.hasError() || duplicate_) return std::nullopt;
+            if (xml_.hasError()) return fail(error);
+            if (duplicate_) {
+                if (error) *error = QStringLiteral("names a property twice");
+                return std::nullopt;
+            }
             return std::move(out_);
         }
+        if (xml_.hasError()) return fail(error);
+        if (error) *error = QStringLiteral("holds no XMP (no rdf:RDF element)");
         return std::nullopt;
     }
 
 private:
+    std::optional<XmpPacket> fail(QString* error) const {
+        if (error)
+            *error = QStringLiteral("is not well-formed XML (line %1: %2)").arg(xml_.lineNumber()).arg(xml_.errorString());
+        return std::nullopt;
+    }
+
     // The key of property `name` in schema `uri` under `parent` (empty at the top).
     std::optional<QString> key(const QString& parent, QStringView uri, QStringView name) const {
         const Schema* s = schemaOf(uri);
@@ -77,8 +98,11 @@ private:
 
     // At a description's start: its attributes and children are properties under `parent`.
     void description(const QString& parent) {
+        if (depth_ == kMaxDepth) return xml_.raiseError(QStringLiteral("nests deeper than %1 levels").arg(kMaxDepth));
+        ++depth_;
         fields(parent);
         while (xml_.readNextStartElement()) property(parent);
+        --depth_;
     }
 
     // Attributes that are properties (not RDF's or XML's own) hold texts.
@@ -160,6 +184,7 @@ private:
     XmpPacket out_;
     QSet<QString> keys_;
     bool duplicate_ = false;
+    int depth_ = 0;
 };
 
 }  // namespace
@@ -188,6 +213,6 @@ const XmpProperty* XmpPacket::find(const QString& key) const {
     return nullptr;
 }
 
-std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet) { return Walker(packet).run(); }
+std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet, QString* error) { return Walker(packet).run(error); }
 
 }  // namespace imageio

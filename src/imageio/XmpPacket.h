@@ -33,8 +33,9 @@ struct XmpPacket {
     const XmpProperty* find(const QString& key) const;
 };
 
-// Nothing when the packet is no well-formed RDF/XML: such a packet gives no values at all.
+// Nothing when the packet is no well-formed RDF/XML, nests too deeply or declares a document type:
+// such a packet gives no values at all, and `error`, when given, receives why in words.
 // Properties of schemas the reader doesn't use are left out.
-std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet);
+std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet, QString* error = nullptr);
 
 }  // namespace imageio

@@ -7,6 +7,7 @@
 #include "Journal.h"
 #include "Log.h"
 #include "Settings.h"
+#include "Sidecar.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -126,10 +127,31 @@ const char insertFile[] =
     "INSERT OR REPLACE INTO files(path, asset, size, mtime, head, kind, readable, date, offset, lat, lon, alt, "
     "width, height, duration, subtypes, selfie, burst, content_id) VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)";
 
+// The sidecars of a folder's photos, from one listing of each folder.
+class SidecarLookup {
+public:
+    // The sidecar of `photoPath`, or empty.
+    QString of(const QString& photoPath) {
+        auto names = folders_.find(folderOf(photoPath));
+        if (names == folders_.end()) {
+            QSet<QString> found;
+            for (const QString& n : QDir(folderOf(photoPath)).entryList({QStringLiteral("*.xmp")}, QDir::Files)) found.insert(n);
+            names = folders_.insert(folderOf(photoPath), found);
+        }
+        if (names->isEmpty()) return {};
+        for (const QString& candidate : imageio::sidecarCandidates(photoPath))
+            if (names->contains(fileNameOf(candidate))) return candidate;
+        return {};
+    }
+
+private:
+    QHash<QString, QSet<QString>> folders_;
+};
+
 // Turns the rows of one asset into the asset the platform would show.
 // `date` receives the creation date in milliseconds, the key fetches sort on.
 Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> files,
-                QHash<QString, bool>& remoteFolders, const QTimeZone& local, qint64* date) {
+                QHash<QString, bool>& remoteFolders, SidecarLookup& sidecars, const QTimeZone& local, qint64* date) {
     // The main file first: a picture before a raw file before a movie, then by name.
     std::sort(files.begin(), files.end(), [](const FileRow* x, const FileRow* y) {
         auto rank = [](FileKind k) { return k == FileKind::image ? 0 : k == FileKind::raw ? 1 : 2; };
@@ -186,6 +208,12 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
             resource(ResourceType::alternatePhoto, f.path, f.size);
         }
     }
+    // A sidecar belongs to its photo; a raw file and its JPEG may share one NAME.xmp.
+    QStringList sidecarPaths;
+    for (const FileRow* f : files)
+        if (const QString s = f->kind == FileKind::video ? QString() : sidecars.of(f->path); !s.isEmpty() && !sidecarPaths.contains(s))
+            sidecarPaths << s;
+    for (const QString& s : sidecarPaths) resource(ResourceType::xmpSidecar, s, QFileInfo(s).size());
     return asset;
 }
 
@@ -241,6 +269,7 @@ QString resourceTypeText(int rawValue) {
     case 11: return QStringLiteral("Adjustment Base Live Photo");
     case 12: return QStringLiteral("Adjustment Base Video");
     case 19: return QStringLiteral("proxy");
+    case 100: return QStringLiteral("XMP Sidecar");
     default: return QStringLiteral("Unknown");
     }
 }
@@ -294,6 +323,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     // disk or a locked folder must not cost the user's marks.
     struct OnDisk { qint64 size, mtime; };
     QHash<QString, OnDisk> disk;
+    QHash<QString, qint64> sidecarTimes;  // the XMP sidecars seen, by path
     QStringList unreachable;
     auto isRoot = [&](const QString& dir) { return folders_.contains(dir); };
     std::function<void(const QString&, bool)> walk = [&](const QString& dir, bool into) {
@@ -310,6 +340,8 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         for (const QFileInfo& e : d.entryInfoList(filter, QDir::Name)) {
             if (e.isDir()) walk(e.absoluteFilePath(), true);
             else if (hasMediaName(e.fileName())) disk.insert(e.absoluteFilePath(), {e.size(), e.lastModified().toMSecsSinceEpoch()});
+            else if (e.suffix().compare(QLatin1String("xmp"), Qt::CaseInsensitive) == 0)
+                sidecarTimes.insert(e.absoluteFilePath(), e.lastModified().toMSecsSinceEpoch());
         }
     };
     auto inLibrary = [&](const QString& path) {
@@ -320,6 +352,17 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     for (const QString& f : deep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
     for (const QString& dir : std::as_const(shallowScope)) walk(dir, false);
     for (const QString& dir : std::as_const(deepScope)) walk(dir, true);
+    // A photo counts as changed when its sidecar does, or comes or goes: its time is the later of
+    // the two, so another program's rating or keywords in the sidecar are read like a change to
+    // the photo, and a photo moved with its sidecar is still known by size, time and first bytes.
+    if (!sidecarTimes.isEmpty()) {
+        for (auto it = disk.begin(); it != disk.end(); ++it)
+            for (const QString& candidate : imageio::sidecarCandidates(it.key()))
+                if (const auto s = sidecarTimes.constFind(candidate); s != sidecarTimes.cend()) {
+                    it->mtime = std::max(it->mtime, *s);
+                    break;
+                }
+    }
     auto inScope = [&](const QString& path) {
         const QString dir = QFileInfo(path).absolutePath();
         return shallowScope.contains(dir) ||
@@ -505,6 +548,7 @@ QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& date
     }
     QList<Asset> assets;
     QHash<QString, bool> remoteFolders;
+    SidecarLookup sidecars;
     QList<const FileRow*> group;
     auto flush = [&] {
         if (group.isEmpty()) return;
@@ -513,7 +557,7 @@ QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& date
         auto row = rows.constFind(id);
         if (inRoots && row != rows.cend()) {
             qint64 date = 0;
-            assets << makeAsset(id, *row, group, remoteFolders, local, &date);
+            assets << makeAsset(id, *row, group, remoteFolders, sidecars, local, &date);
             dates << date;
         }
         group.clear();

@@ -32,7 +32,8 @@ inline constexpr qint64 videoTimelapse = 1 << 18;
 enum class ResourceType {
     photo = 1, video = 2, audio = 3, alternatePhoto = 4, fullSizePhoto = 5, fullSizeVideo = 6,
     adjustmentData = 7, adjustmentBasePhoto = 8, pairedVideo = 9, fullSizePairedVideo = 10,
-    adjustmentBasePairedVideo = 11, adjustmentBaseVideo = 12, photoProxy = 19
+    adjustmentBasePairedVideo = 11, adjustmentBaseVideo = 12, photoProxy = 19,
+    xmpSidecar = 100  // ours: the XMP sidecar beside a photo, where other programs keep ratings and edits
 };
 
 struct Resource {

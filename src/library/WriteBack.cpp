@@ -8,6 +8,7 @@
 #include "Journal.h"
 #include "Library.h"
 #include "Log.h"
+#include "Sidecar.h"
 
 #include <QDir>
 #include <QFile>
@@ -33,6 +34,20 @@ bool copyAtomically(const QString& from, const QString& to, QString* error) {
     QFile target(to);
     if (target.open(QIODevice::ReadWrite)) target.setFileTime(QFileInfo(from).lastModified(), QFileDevice::FileModificationTime);
     return true;
+}
+
+// A photo renamed from `from` to `to` takes its sidecar along: NAME.EXT.xmp follows the new
+// extension (in the case it had); NAME.xmp fits both names and stays.
+void renameSidecar(const QString& from, const QString& to) {
+    const QStringList was = imageio::sidecarCandidates(from);
+    for (qsizetype i = 0; i + 2 < was.size(); ++i) {  // the last two are NAME.xmp
+        if (!QFileInfo::exists(was[i])) continue;
+        const QString will = to + was[i].right(4);  // ".xmp" as it was spelt
+        QString error;
+        if (QFileInfo::exists(will) || !fileio::renameDurably(was[i], will, &error))
+            Log::warning(QStringLiteral("🗂 The sidecar %1 can't follow its photo to %2 %3").arg(was[i], will, error));
+        return;
+    }
 }
 
 // One change of the index, the journals of `roots` written before it commits.
@@ -149,7 +164,10 @@ bool Library::editInPlace(const QString& localIdentifier, const QByteArray& data
         scan();
         return false;
     }
-    if (target != current) QFile::remove(current);  // its copy is the kept original
+    if (target != current) {
+        QFile::remove(current);  // its copy is the kept original
+        renameSidecar(current, target);
+    }
     scan();
     return true;
 }
@@ -178,7 +196,10 @@ bool Library::revert(const QString& localIdentifier, QString* error) {
         if (error) *error = QStringLiteral("The library's index can't be updated: %1").arg(index_->lastError());
         return false;
     }
-    if (target != rendered) QFile::remove(rendered);  // the edit's render; the original is back
+    if (target != rendered) {
+        QFile::remove(rendered);  // the edit's render; the original is back
+        renameSidecar(rendered, target);
+    }
     QDir(QFileInfo(original).absolutePath()).removeRecursively();
     scan();
     return true;

@@ -25,6 +25,10 @@ namespace SettingsKey {
 inline constexpr char hiddenSections[] = "HiddenSections";
 inline constexpr char reviewWorthyActionCount[] = "reviewWorthyActionCount";
 inline constexpr char lastReviewRequestAppVersion[] = "lastReviewRequestAppVersion";
+// Where saved changes go: "photo" (also when unset) or "sidecar", the photo's XMP sidecar.
+inline constexpr char saveChangesIn[] = "saveChangesIn";
+// A new sidecar is named NAME.xmp instead of NAME.EXT.xmp.
+inline constexpr char sidecarBaseName[] = "sidecarBaseName";
 }  // namespace SettingsKey
 
 class Settings {

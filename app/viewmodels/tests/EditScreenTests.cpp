@@ -3,6 +3,7 @@
 // switches, the selected items, the date and orientation screens, the save question, and saves
 // in every mode read back by exiftool, exiv2 and ffprobe.
 #include "Albums.h"
+#include "CameraFiles.h"
 #include "AppModels.h"
 #include "DateModifierViewModel.h"
 #include "DetailViewModel.h"
@@ -438,6 +439,48 @@ TEST_F(EditSaves, ModifyEditsTheLibraryItemsAndRevertBringsThemBack) {
         ASSERT_TRUE(lib.revert(savedIds[i]));
         EXPECT_EQ(readFile(lib.asset(savedIds[i])->mainPath()), originals[i]);
     }
+}
+
+// "Modify" keeps a raw file's changes in its sidecar and says so; with "Save changes in: an XMP
+// sidecar", a JPEG's too. The photos' bytes stay as they were.
+TEST_F(EditSaves, ModifyKeepsChangesInSidecarsForRawFilesAndWhenTheSettingSaysSo) {
+    const QString raw = libraryFolder + "/RAW_1.CR3";
+    const QByteArray rawBytes = canonCr3(readFile(corpusDir() + "/tiff/IMG_1361.dng"));
+    {
+        QFile f(raw);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(rawBytes);
+    }
+    const QString jpeg = copy("jpeg/Canon_40D.jpg", true);
+    const QByteArray jpegBytes = readFile(jpeg);
+    const auto expectSidecar = [](const QString& sidecar) {
+        const QJsonObject tags = exiftoolJson(sidecar, {"-n", "-G1"}).toObject();
+        EXPECT_EQ(tags["XMP-exif:DateTimeOriginal"].toString(), "2021:06:01 12:34:56") << sidecar.toStdString();
+        EXPECT_NEAR(tags["XMP-exif:GPSLatitude"].toDouble(), 45.5, 1e-6);
+        EXPECT_NEAR(tags["XMP-exif:GPSLongitude"].toDouble(), 9.2, 1e-6);
+    };
+
+    openOn({raw});
+    QStringList actions;
+    for (const QVariant& a : screen.saveAlert()["actions"].toList()) actions << a.toMap()["title"].toString();
+    EXPECT_TRUE(actions.contains("Modify"));
+    wish();
+    alerts.clear();
+    screen.save(1);
+    ASSERT_TRUE(idle());
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].title, "Saved in XMP Sidecars");
+    EXPECT_TRUE(alerts[0].message.contains("RAW_1.CR3: Tessorin can't write metadata into CR3 files")) << alerts[0].message.toStdString();
+    EXPECT_EQ(readFile(raw), rawBytes);
+    expectSidecar(raw + ".xmp");
+
+    Settings::setValue(SettingsKey::saveChangesIn, "sidecar");
+    openOn({jpeg});
+    wish();
+    save(1);
+    EXPECT_EQ(readFile(jpeg), jpegBytes);
+    expectSidecar(jpeg + ".xmp");
+    EXPECT_FALSE(library::Library().asset(savedIds.value(0)).value_or(library::Asset{}).isEdited());
 }
 
 TEST_F(EditSaves, SaveToFilesOffersTheFilesAndDeletesThemAfterwards) {

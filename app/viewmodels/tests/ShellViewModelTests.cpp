@@ -372,8 +372,9 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
         tags << row.tag();
         keys << row.key;
     }
-    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6}));
-    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "showLivePhotos", "video", "", "saveInTessorin"}));
+    EXPECT_EQ(tags, (QList<int>{0, 1, 2, 3, 4, 5, 6, 7, 107, 207}));
+    EXPECT_EQ(keys, (QStringList{"", "mostRecentFirst", "human", "showLivePhotos", "video", "", "saveInTessorin",
+                                 "saveChangesIn", "saveChangesIn", "sidecarBaseName"}));
     EXPECT_EQ(cell(settings, 2, SettingsViewModel::OnRole), true);
     EXPECT_EQ(cell(settings, 0, SettingsViewModel::KindRole), "disclosure");
 
@@ -394,6 +395,20 @@ TEST_F(ShellTest, SettingsSwitchesByTag) {
     // Tags of no switch change nothing.
     for (int tag : {0, 5, 102, -1}) settings.setSwitch(tag, false);
     EXPECT_EQ(QSettings(Settings::organisation, Settings::application).allKeys(), (QStringList{"human", "video"}));
+
+    // "Save changes in": the photo until an XMP sidecar is chosen; one choice holds at a time.
+    EXPECT_EQ(cell(settings, 7, SettingsViewModel::KindRole), "choice");
+    EXPECT_EQ(cell(settings, 7, SettingsViewModel::OnRole), true);
+    EXPECT_EQ(cell(settings, 8, SettingsViewModel::OnRole), false);
+    settings.setSwitch(107, true);
+    EXPECT_EQ(Settings::value("saveChangesIn"), "sidecar");
+    EXPECT_EQ(cell(settings, 7, SettingsViewModel::OnRole), false);
+    EXPECT_EQ(cell(settings, 8, SettingsViewModel::OnRole), true);
+    settings.setSwitch(107, false);  // left only by choosing the other
+    EXPECT_EQ(Settings::value("saveChangesIn"), "sidecar");
+    settings.setSwitch(7, true);
+    EXPECT_EQ(Settings::value("saveChangesIn"), "photo");
+    EXPECT_EQ(cell(settings, 9, SettingsViewModel::KindRole), "switch");
 
     QSignalSpy about(&settings, &SettingsViewModel::aboutRequested);
     settings.select(0);
