@@ -246,8 +246,7 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
         const Box* movie = nullptr;
         for (const Box& box : heif.top)
             if (box.type == "mpvd" && box.offset >= oldMetaEnd) movie = &box;
-        const auto stillWish = changes.find(kMotionPhotoDictionary);
-        const bool still = stillWish != changes.end() && (!stillWish->isValid() || stillWish->isNull());
+        const bool still = removesMotionPhoto(changes);
         const qint64 tail = (movie ? movie->offset : source.size()) - oldMetaEnd;
         if (iloc.offsetSize == 0) iloc.offsetSize = 4;
         if (iloc.lengthSize == 0) iloc.lengthSize = 4;

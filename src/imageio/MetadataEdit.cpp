@@ -502,6 +502,10 @@ static void eraseMotionPhotoKeys(Exiv2::XmpData& xmp) {
     });
 }
 
+bool removesMotionPhoto(const PropertyDict& changes) {
+    return changes.contains(kMotionPhotoDictionary) && Editor::allRemoved(changes.value(kMotionPhotoDictionary));
+}
+
 void applyChanges(const PropertyDict& before, const PropertyDict& changes, MetadataBlocks blocks) {
     Editor e{before, blocks};
     // A dictionary that removes every entry removes the XMP and IPTC blocks whole, with the
@@ -516,8 +520,7 @@ void applyChanges(const PropertyDict& before, const PropertyDict& changes, Metad
         eraseXmpIf(blocks.xmp, [](const std::string& key) { return !isMotionPhotoKey(key); });
         blocks.iptc.clear();
     }
-    if (changes.contains(kMotionPhotoDictionary) && Editor::allRemoved(changes.value(kMotionPhotoDictionary)))
-        eraseMotionPhotoKeys(blocks.xmp);
+    if (removesMotionPhoto(changes)) eraseMotionPhotoKeys(blocks.xmp);
     for (auto it = changes.begin(); it != changes.end(); ++it) {
         const QString& k = it.key();
         if ((k == kCGImagePropertyExifDictionary || k == kCGImagePropertyTIFFDictionary ||

@@ -18,11 +18,6 @@
 namespace imageio {
 namespace {
 
-bool stripsMotion(const PropertyDict& changes) {
-    const auto it = changes.find(kMotionPhotoDictionary);
-    return it != changes.end() && (!it->isValid() || it->isNull());
-}
-
 std::nullopt_t fail(QString* error, const QString& reason) {
     if (error) *error = reason;
     return std::nullopt;
@@ -113,7 +108,7 @@ std::optional<Rewritten> writeWithExiv2(const QByteArray& whole, Format format, 
     // What follows the scan, a motion photo's movie among it, is kept as it is: the movie's
     // place is counted from the end of the file or from its trailer, so it doesn't move. A
     // still made of a motion photo keeps all but the movie.
-    const auto motion = stripsMotion(changes) ? findMotionPhoto(whole) : std::nullopt;
+    const auto motion = removesMotionPhoto(changes) ? findMotionPhoto(whole) : std::nullopt;
     if (motion) keepWithoutMovie(result, whole, scanAt, *motion);
     else result.keep(scanAt, whole.size() - scanAt);
     return result;
