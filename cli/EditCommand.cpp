@@ -62,6 +62,11 @@ struct Wishes {
     std::optional<int> orientation;
     QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
     std::optional<TemplateModel> iptcTemplate;
+
+    bool any() const {
+        return date || digitizedDate || location || noLocation || noDate || noTags || orientation || !tags.isEmpty() ||
+               iptcTemplate;
+    }
 };
 
 void applyWishes(const Wishes& w, UserSettings& settings) {
@@ -95,7 +100,7 @@ struct Outcome {
 
 // One photo from its wishes to its file.
 void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
-               const Target& target, Outcome& outcome) {
+               const Target& target, Outcome& outcome, bool stillOnly) {
     const QString path = asset->path();
     auto fail = [&](const QString& why) {
         outcome.err += path + ": " + why + "\n";
@@ -108,7 +113,11 @@ void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, 
         modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
             for (const QString& problem : applyBatch(*p.tags, batch)) outcome.out += path + ": " + problem + "\n";
         };
-    modifier.modify(settings);
+    // A still made of a motion photo, and nothing else wished, is a cut rather than an edit: the
+    // tags a save sets on its way (the software, the date that follows the capture date, a blank
+    // comment dropped) stay as the file has them.
+    if (stillOnly) PrivacyStrip::strip(*photo.tags, PrivacyStrip::Kind::motion);
+    else modifier.modify(settings);
     if (!modifier.anyChanged()) {
         outcome.out += path + ": Nothing changed\n";
         return;
@@ -275,7 +284,7 @@ int editCommand(const QStringList& rawArgs) {
             batch.geotag.maxGapSeconds = *seconds;
         } else if (a == "--strip") {
             batch.strip = PrivacyStrip::parseKind(value);
-            if (!batch.strip) return usage("--strip takes private, location or dates");
+            if (!batch.strip) return usage("--strip takes private, location, dates or motion");
         } else if (a == "-o") {
             target.outputDir = value;
         } else if (a == "--library") {
@@ -333,6 +342,8 @@ int editCommand(const QStringList& rawArgs) {
     // A file size limit makes a write fail, reported like a full disk, instead of ending the run.
     std::signal(SIGXFSZ, SIG_IGN);
 
+    const bool stillOnly = batch.strip == PrivacyStrip::Kind::motion && !batch.shiftSeconds && !batch.zone &&
+                           !batch.trackLog && !wishes.any();
     int status = 0;
     QStringList movies;
     std::optional<UserSettings> settings;
@@ -352,7 +363,7 @@ int editCommand(const QStringList& rawArgs) {
     cli::inOrder<QString, Outcome>(*files, [&](const QString& path) {
         std::shared_ptr<TSAsset> asset;
         Outcome outcome = readFile(path, target, asset);
-        if (asset && settings) editPhoto(asset, *settings, batch, target, outcome);
+        if (asset && settings) editPhoto(asset, *settings, batch, target, outcome, stillOnly);
         return outcome;
     }, [&](const QString& path, Outcome& outcome) {
         if (outcome.movie) movies << path;

@@ -59,9 +59,10 @@ const QList<std::pair<QString, QString>>& texts() {
         {"resources",
          QStringLiteral("usage: tessorin-cli resources [OPTIONS] FILE... [--extract DIR]\n\n"
                         "Each file's resource and the auxiliary images inside it (depth and\n"
-                        "disparity maps, gain maps, mattes), one line each: label, file name, size,\n"
-                        "pixel size.\n\n"
-                        "  --extract DIR       write the auxiliary images into DIR under those names\n") + jsonHelp + fileOptionsHelp},
+                        "disparity maps, gain maps, mattes) and a motion photo's movie, one line\n"
+                        "each: label, file name, size, pixel size.\n\n"
+                        "  --extract DIR       write the auxiliary images and the movie into DIR\n"
+                        "                      under those names\n") + jsonHelp + fileOptionsHelp},
         {"edit",
          QStringLiteral("usage: tessorin-cli edit [WISHES] FILE... (-o DIR | --in-place [--keep-original] | --render -o DIR | --sidecar | --library new)\n"
                         "       tessorin-cli edit [WISHES] --library modify ID...\n\n"
@@ -83,7 +84,8 @@ const QList<std::pair<QString, QString>>& texts() {
                         "                                         local times or, with --keep-instant, the instant\n"
                         "  --geotag TRACK [--geotag-offset [+-]H:MM[:SS]] [--max-gap 5m]\n"
                         "                                         the place from a GPX, KML or NMEA log\n"
-                        "  --strip private|location|dates          remove private data, the place or the dates\n"
+                        "  --strip private|location|dates|motion   remove private data, the place, the dates\n"
+                        "                                          or a motion photo's movie\n"
                         "target:\n"
                         "  -o DIR              write the new files into DIR\n"
                         "  --in-place          replace the files (photos only); a raw file or a read-only\n"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `resources FILE... [--extract DIR]`: each file's resource and the auxiliary images inside it,
-// one line each (label, file name, size, pixel size); --extract writes the auxiliary images
-// into DIR under the names the resource list gives them.
+// `resources FILE... [--extract DIR]`: each file's resource and the auxiliary images and
+// motion photo movie inside it, one line each (label, file name, size, pixel size); --extract
+// writes them into DIR under the names the resource list gives them, the movie byte for byte.
 #include "Arguments.h"
 #include "Commands.h"
 #include "DurableFile.h"
@@ -13,6 +13,7 @@
 #include "FileTypes.h"
 #include "ImageProperties.h"
 #include "ImageDecoder.h"
+#include "MovieReader.h"
 #include "Resources.h"
 #include "TSResourceAuxiliary.h"
 
@@ -29,6 +30,14 @@ QString pixelSize(const QByteArray& bytes) {
     QSize size = QImageReader(&buffer).size();
     if (!size.isValid()) size = imageio::decodeImage(bytes).size();  // HEIF and AVIF
     return size.isValid() ? QString("%1 x %2").arg(size.width()).arg(size.height()) : QStringLiteral("--");
+}
+
+QString moviePixelSize(const QByteArray& movie) {
+    const auto info = media::readMovie(movie);
+    const auto video = info ? info->tracksOfType(QStringLiteral("vide")) : QList<media::Track>();
+    if (video.isEmpty()) return QStringLiteral("--");
+    const QSizeF size = media::presentationSize(video.first());
+    return QString("%1 x %2").arg(qRound(size.width())).arg(qRound(size.height()));
 }
 
 // Nothing, or why the file could not be written.
@@ -80,9 +89,22 @@ int resourcesCommand(const QStringList& rawArgs) {
             auxiliaries.append(QJsonObject{{"label", label(type)}, {"name", auxName}, {"bytes", data->size()}, {"pixelSize", auxSize}});
             if (!extractDir.isEmpty() && !failure) failure = writeInto(extractDir, auxName, *data);
         }
+        QJsonObject entry{{"file", path}, {"bytes", bytes.size()}, {"pixelSize", size}, {"auxiliaryImages", auxiliaries}};
+        QString brokenMovie;
+        if (const auto movie = embeddedMovie(bytes, name, &brokenMovie)) {
+            const QString movieSize = moviePixelSize(movie->data);
+            text += "  " + movie->label + "  " + movie->fileName + "  " + filetypes::fileSizeText(movie->data.size()) +
+                    "  " + movieSize + "\n";
+            QJsonObject m{{"label", movie->label}, {"name", movie->fileName}, {"bytes", movie->data.size()}, {"pixelSize", movieSize}};
+            if (movie->presentationTimestampUs) m.insert("presentationTimestampUs", *movie->presentationTimestampUs);
+            entry.insert("movie", m);
+            if (!extractDir.isEmpty() && !failure) failure = writeInto(extractDir, movie->fileName, movie->data);
+        } else if (!brokenMovie.isEmpty() && !failure) {
+            failure = brokenMovie;
+        }
         if (!out.on()) printOut(text);
         if (failure) status.fail(path, *failure, &out);
-        else out.add({{"file", path}, {"bytes", bytes.size()}, {"pixelSize", size}, {"auxiliaryImages", auxiliaries}});
+        else out.add(entry);
     }
     out.print();
     return status.code();

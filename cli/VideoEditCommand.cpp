@@ -23,9 +23,10 @@ QString changesText(const VideoWishes& w) {
     else if (w.location) out << "location " + iso6709Text(*w.location);
     if (w.shiftSeconds) out << QStringLiteral("dates shifted by %1 s").arg(*w.shiftSeconds);
     if (w.zone) out << "zone " + (w.zone->offsetSeconds ? TimeZones::offsetText(*w.zone->offsetSeconds) : w.zone->zoneName);
-    if (w.strip) out << (*w.strip == PrivacyStrip::Kind::location ? QStringLiteral("location removed")
-                         : *w.strip == PrivacyStrip::Kind::dates  ? QStringLiteral("dates removed")
-                                                                  : QStringLiteral("private data removed"));
+    if (w.strip && *w.strip != PrivacyStrip::Kind::motion)
+        out << (*w.strip == PrivacyStrip::Kind::location ? QStringLiteral("location removed")
+                : *w.strip == PrivacyStrip::Kind::dates  ? QStringLiteral("dates removed")
+                                                         : QStringLiteral("private data removed"));
     return out.join(", ");
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A live photo's movie, played once and silent over its still, as a preview of the moment; the
-// end (or a tap) hands back to the still.
+// A live photo's movie, played once and silent over its still, as a preview of the moment, from
+// the frame the still was taken from when the motion photo names it; the end (or a tap) hands
+// back to the still.
 import QtQuick
 import QtMultimedia
 import Tessorin
@@ -11,6 +12,7 @@ Item {
         source: Detail.liveVideoSource
         videoOutput: output
         Component.onCompleted: play()
+        onMediaStatusChanged: if (mediaStatus === MediaPlayer.LoadedMedia && Detail.liveStartMs > 0) setPosition(Detail.liveStartMs)
         onPlaybackStateChanged: if (playbackState === MediaPlayer.StoppedState) Detail.livePlaying = false
     }
     VideoOutput {

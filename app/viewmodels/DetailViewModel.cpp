@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DetailViewModel.h"
 
+#include "FileBytes.h"
 #include "Log.h"
+#include "Resources.h"
 #include "Settings.h"
 #include "TSPhotoAlbum.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -254,7 +257,34 @@ QUrl DetailViewModel::liveVideoSource() const {
     for (const library::Resource& r : asset->resources)
         if (r.type == library::ResourceType::pairedVideo || r.type == library::ResourceType::fullSizePairedVideo)
             return QUrl::fromLocalFile(r.path);
-    return {};
+    const EmbeddedLive* live = embeddedLive();
+    return live ? live->url : QUrl();
+}
+
+qint64 DetailViewModel::liveStartMs() const {
+    const EmbeddedLive* live = liveVideoSource().isEmpty() ? nullptr : embeddedLive();
+    return live ? live->startMs : 0;
+}
+
+const DetailViewModel::EmbeddedLive* DetailViewModel::embeddedLive() const {
+    const auto* photos = dynamic_cast<const TSPhotoAlbum*>(TSEnvironment::currentAlbum().get());
+    const library::Asset* asset = photos ? photos->currentLibraryAsset() : nullptr;
+    if (!asset || !(asset->mediaSubtypes & library::Subtype::photoLive)) return nullptr;
+    const QString path = asset->mainPath();
+    if (embeddedLive_.path == path && embeddedLive_.version == asset->version)
+        return embeddedLive_.url.isEmpty() ? nullptr : &embeddedLive_;
+    embeddedLive_ = {path, asset->version, {}, 0};
+    imageio::FileBytes file;
+    QString error;
+    std::optional<EmbeddedMovie> movie;
+    if (file.open(path, &error)) movie = embeddedMovie(file.bytes(), QFileInfo(path).fileName(), &error);
+    if (!movie) {
+        if (!error.isEmpty()) Log::error("No movie in the motion photo " + path + ": " + error);
+        return nullptr;
+    }
+    if (auto copy = dataToTempFile(movie->data, movie->fileName)) embeddedLive_.url = QUrl::fromLocalFile(*copy);
+    embeddedLive_.startMs = movie->presentationTimestampUs.value_or(0) / 1000;
+    return embeddedLive_.url.isEmpty() ? nullptr : &embeddedLive_;
 }
 
 void DetailViewModel::setLivePlaying(bool on) {

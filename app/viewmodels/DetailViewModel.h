@@ -39,8 +39,12 @@ class DetailViewModel : public QObject,
     Q_PROPERTY(bool overlayShown READ overlayShown NOTIFY barChanged)
     // The cloud download's progress, 0 to 1; below 0 when there is none to show.
     Q_PROPERTY(qreal cloudProgress READ cloudProgress NOTIFY cloudChanged)
-    // The live photo's movie of the item on view; empty for any other item.
+    // The live photo's movie of the item on view; empty for any other item. A motion photo's
+    // movie, which lives inside the photo, is copied out to a temporary file first.
     Q_PROPERTY(QUrl liveVideoSource READ liveVideoSource NOTIFY currentChanged)
+    // Where the movie plays from, in milliseconds: the frame the still was taken from, when the
+    // motion photo names it.
+    Q_PROPERTY(qint64 liveStartMs READ liveStartMs NOTIFY currentChanged)
     // The movie plays over the still: once at a tap on the live badge or the strip's live mark,
     // and when the full-screen view opens while "showLivePhotos" is on.
     Q_PROPERTY(bool livePlaying READ livePlaying WRITE setLivePlaying NOTIFY livePlayingChanged)
@@ -108,6 +112,7 @@ public:
     Q_INVOKABLE void previous();
 
     QUrl liveVideoSource() const;
+    qint64 liveStartMs() const;
     bool livePlaying() const { return livePlaying_; }
     void setLivePlaying(bool on);
 
@@ -171,6 +176,15 @@ private:
     bool barEnabled_ = true;
     bool overlayShown_ = false;
     bool livePlaying_ = false;
+    // The movie copied out of the motion photo last asked for: the file and version it came from.
+    struct EmbeddedLive {
+        QString path;
+        qint64 version = -1;
+        QUrl url;
+        qint64 startMs = 0;
+    };
+    mutable EmbeddedLive embeddedLive_;
+    const EmbeddedLive* embeddedLive() const;
     qreal cloudProgress_ = -1;
     TSAlbumId albumId_;
     std::optional<AddedDialog> addedDialog_;

@@ -43,7 +43,7 @@ _tessorin_cli() {
         --ext) COMPREPLY=($(compgen -W "jpg jpeg tif tiff dng png webp heic heif avif cr3 mov mp4 m4v" -- "$cur")); return 0 ;;
         --orientation) COMPREPLY=($(compgen -W "1 2 3 4 5 6 7 8" -- "$cur")); return 0 ;;
         --template | --geotag) COMPREPLY=($(compgen -f -- "$cur")); compopt -o filenames 2> /dev/null; return 0 ;;
-        --strip) COMPREPLY=($(compgen -W "private location dates" -- "$cur")); return 0 ;;
+        --strip) COMPREPLY=($(compgen -W "private location dates motion" -- "$cur")); return 0 ;;
         --date | --digitized-date | --location | --set | --remove | --search | --shift | --zone | --geotag-offset | --max-gap) return 0 ;;
     esac
 

@@ -26,10 +26,18 @@ std::optional<Kind> parseKind(const QString& text) {
     if (text == QLatin1String("location")) return Kind::location;
     if (text == QLatin1String("dates")) return Kind::dates;
     if (text == QLatin1String("private")) return Kind::personal;
+    if (text == QLatin1String("motion")) return Kind::motion;
     return std::nullopt;
 }
 
 void strip(TagsPhotoModifier& tags, Kind kind) {
+    if (kind == Kind::motion) {
+        if (tags.metaData && tags.metaData->value(kMotionPhotoDictionary).typeId() == QMetaType::QVariantMap) {
+            tags.metaData->insert(kMotionPhotoDictionary, nullValue());
+            tags.changed = true;
+        }
+        return;
+    }
     if (kind == Kind::location || kind == Kind::personal) {
         bool any = false;
         for (const QVariant& v : std::as_const(tags.gpsData)) any = any || (v.isValid() && !v.isNull());

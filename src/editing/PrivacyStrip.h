@@ -14,9 +14,10 @@ enum class Kind {
     location,  // every GPS tag
     dates,     // every date and time, with their zones and sub-seconds
     personal,  // the place, serial numbers, owner names, unique ids, maker notes
+    motion,    // a motion photo's movie: the still stays, byte for byte
 };
 
-// "location", "dates", "private".
+// "location", "dates", "private", "motion".
 std::optional<Kind> parseKind(const QString& text);
 
 void strip(TagsPhotoModifier& tags, Kind kind);

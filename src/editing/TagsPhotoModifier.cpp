@@ -166,7 +166,9 @@ void TagsPhotoModifier::removeAllTags() {
     }
     PropertyDict result;
     for (auto it = metaData->begin(); it != metaData->end(); ++it) {
-        if (it.value().typeId() == QMetaType::QVariantMap) {
+        if (it.key() == kMotionPhotoDictionary) {  // a motion photo's movie is no tag
+            result.insert(it.key(), it.value());
+        } else if (it.value().typeId() == QMetaType::QVariantMap) {
             QVariantMap cleared = it.value().toMap();
             nullAll(cleared);
             result.insert(it.key(), cleared);
@@ -196,8 +198,11 @@ void TagsPhotoModifier::commit(bool removeGPS) {
 TagsPhotoModifier::PropertyDict TagsPhotoModifier::strippedFallback() const {
     PropertyDict out;
     if (!fallbackData) return out;
-    for (auto it = fallbackData->begin(); it != fallbackData->end(); ++it)
-        out.insert(it.key(), it.key() == kCGImagePropertyOrientation ? it.value() : nullValue());
+    // The orientation and a motion photo's movie are no tags: they stay.
+    for (auto it = fallbackData->begin(); it != fallbackData->end(); ++it) {
+        const bool kept = it.key() == kCGImagePropertyOrientation || it.key() == kMotionPhotoDictionary;
+        out.insert(it.key(), kept ? it.value() : nullValue());
+    }
     return out;
 }
 

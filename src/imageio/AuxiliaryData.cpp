@@ -2,6 +2,7 @@
 #include "AuxiliaryData.h"
 
 #include "ImageProperties.h"
+#include "XmpPacket.h"
 
 #include <QBuffer>
 #include <QHash>
@@ -22,8 +23,6 @@ const QString apdiNs = QStringLiteral("http://ns.apple.com/pixeldatainfo/1.0/");
 const QString depthDataNs = QStringLiteral("http://ns.apple.com/depthData/1.0/");
 const QString appleGainMapNs = QStringLiteral("http://ns.apple.com/HDRGainMap/1.0/");
 const QString adobeGainMapNs = QStringLiteral("http://ns.adobe.com/hdr-gain-map/1.0/");
-const QString containerNs = QStringLiteral("http://ns.google.com/photos/1.0/container/");
-const QString containerItemNs = QStringLiteral("http://ns.google.com/photos/1.0/container/item/");
 
 quint32 readU32(const char* p, bool bigEndian) {
     const auto* u = reinterpret_cast<const unsigned char*>(p);
@@ -173,24 +172,20 @@ bool decodeGrey(const QByteArray& stream, AuxiliaryDataInfo& info) {
 // The images of Google's container directory (depth maps, gain maps): they follow one another
 // at the end of the file, so each starts where the lengths of those behind it say.
 std::vector<std::pair<MpfImage, AuxiliaryDataType>> containerImages(const QByteArray& jpeg) {
-    std::vector<std::pair<qsizetype, std::optional<AuxiliaryDataType>>> items;
-    QXmlStreamReader reader(jpegXmp(jpeg));
-    while (!reader.atEnd() && reader.readNext() != QXmlStreamReader::Invalid) {
-        if (!reader.isStartElement()) continue;
-        const QXmlStreamAttributes attrs = reader.attributes();
-        if (!attrs.hasAttribute(containerItemNs, "Mime")) continue;
-        const QString semantic = attrs.value(containerItemNs, "Semantic").toString();
-        std::optional<AuxiliaryDataType> type;
-        if (semantic == "GainMap") type = AuxiliaryDataType::HDRGainMap;
-        else if (semantic == "Depth") type = AuxiliaryDataType::Depth;
-        items.emplace_back(attrs.value(containerItemNs, "Length").toLongLong(), type);
-    }
+    const std::optional<XmpPacket> xmp = parseXmpPacket(jpegXmp(jpeg));
+    const std::vector<ContainerItem> items = xmp ? containerDirectory(*xmp) : std::vector<ContainerItem>();
     std::vector<std::pair<MpfImage, AuxiliaryDataType>> found;
     qsizetype end = jpeg.size();
-    for (auto it = items.rbegin(); it != items.rend() && std::next(it) != items.rend(); ++it) {
-        if (it->first <= 0 || it->first > end) break;
-        end -= it->first;
-        if (it->second) found.insert(found.begin(), {MpfImage{end, it->first}, *it->second});
+    for (size_t k = items.size(); k-- > 1;) {
+        bool lengthOk = false, paddingOk = false;
+        const qsizetype length = items[k].length.value_or(QString()).toLongLong(&lengthOk);
+        const qsizetype padding = items[k].padding.value_or(QStringLiteral("0")).toLongLong(&paddingOk);
+        if (!lengthOk || !paddingOk || length <= 0 || padding < 0 || padding > end || length > end - padding) break;
+        end -= padding + length;
+        std::optional<AuxiliaryDataType> type;
+        if (items[k].semantic == u"GainMap") type = AuxiliaryDataType::HDRGainMap;
+        else if (items[k].semantic == u"Depth") type = AuxiliaryDataType::Depth;
+        if (type) found.insert(found.begin(), {MpfImage{end, length}, *type});
     }
     return found;
 }

@@ -241,7 +241,13 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
         ItemLocations iloc = heif.iloc;
         for (const auto& [id, infe] : added) iloc.items.push_back(Location{id, 0, 0, 0, {}});
         const qint64 oldMetaEnd = heif.meta->end();
-        const qint64 tail = source.size() - oldMetaEnd;
+        // A motion photo's movie box stays last, behind the new 'mdat', where its directory
+        // (counted from the end of the file) finds it; a still made of it leaves the box out.
+        const Box* movie = nullptr;
+        for (const Box& box : heif.top)
+            if (box.type == "mpvd" && box.offset >= oldMetaEnd) movie = &box;
+        const bool still = removesMotionPhoto(changes);
+        const qint64 tail = (movie ? movie->offset : source.size()) - oldMetaEnd;
         if (iloc.offsetSize == 0) iloc.offsetSize = 4;
         if (iloc.lengthSize == 0) iloc.lengthSize = 4;
         const qint64 roughEnd = source.size() + newExif.size() + newXmp.size() + 4096 + qint64(added.size()) * 64;
@@ -345,7 +351,7 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
         }
         // A last box that ran "to the end of the file" must now say its size, or it would swallow the new one.
         for (const Box& box : heif.top) {
-            if (box.offset < oldMetaEnd || box.end() != source.size()) continue;
+            if (box.offset < oldMetaEnd || box.end() != source.size() || movie) continue;
             Cursor c{source, box.offset, box.end()};
             if (c.read(4) == 0) {
                 if (box.size > 0xffffffffLL) throw Broken("a last box too large to close");
@@ -355,6 +361,10 @@ std::optional<Rewritten> rewriteHeif(const QByteArray& source, const PropertyDic
             }
         }
         result.add(boxBytes("mdat", newExif + newXmp));
+        if (movie) {
+            const qint64 from = still ? movie->end() : movie->offset;
+            result.keep(from, source.size() - from);
+        }
         return result;
     } catch (const std::exception& e) {
         if (error) *error = QString::fromLocal8Bit(e.what());

@@ -2,6 +2,7 @@
 #include "MetadataEdit.h"
 
 #include "Exiv2Convert.h"
+#include "MotionPhoto.h"
 #include "PropertyKeys.h"
 
 #include <exiv2/tags.hpp>
@@ -12,6 +13,8 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <regex>
+#include <set>
 
 // exiv2 0.27 hands out std::auto_ptr; it still works, it is only deprecated.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -475,16 +478,49 @@ static void eraseWholeGroup(const QString& group, MetadataBlocks& b) {
     }
 }
 
+// A motion photo's keys go with its movie. Its container directory may list other images
+// (gain maps, depth maps) too: then only the movie's entry goes.
+static void eraseMotionPhotoKeys(Exiv2::XmpData& xmp) {
+    std::set<std::string> items, movies;
+    static const std::regex item(R"(^Xmp\.Container\.Directory\[(\d+)\]/.*)");
+    for (const Exiv2::Xmpdatum& d : xmp) {
+        std::smatch m;
+        const std::string key = d.key();
+        if (!std::regex_match(key, m, item)) continue;
+        items.insert(m[1]);
+        if (key.size() > 9 && key.compare(key.size() - 9, 9, ":Semantic") == 0 && d.toString() == "MotionPhoto")
+            movies.insert(m[1]);
+    }
+    const bool others = items.size() > movies.size() + 1;
+    eraseXmpIf(xmp, [&](const std::string& key) {
+        if (key.rfind("Xmp.GCamera.MotionPhoto", 0) == 0 || key.rfind("Xmp.GCamera.MicroVideo", 0) == 0) return true;
+        if (key.rfind("Xmp.Container.Directory", 0) != 0) return false;
+        if (!others) return true;
+        for (const std::string& n : movies)
+            if (key.rfind("Xmp.Container.Directory[" + n + "]", 0) == 0) return true;
+        return false;
+    });
+}
+
+bool removesMotionPhoto(const PropertyDict& changes) {
+    return changes.contains(kMotionPhotoDictionary) && Editor::allRemoved(changes.value(kMotionPhotoDictionary));
+}
+
 void applyChanges(const PropertyDict& before, const PropertyDict& changes, MetadataBlocks blocks) {
     Editor e{before, blocks};
     // A dictionary that removes every entry removes the XMP and IPTC blocks whole, with the
-    // fields no key names.
-    bool everything = !changes.isEmpty();
-    for (const QVariant& v : changes) everything = everything && Editor::allRemoved(v);
+    // fields no key names; but where a motion photo's movie is stays said, as long as it stays.
+    bool everything = false;
+    for (auto it = changes.begin(); it != changes.end(); ++it) {
+        if (it.key() == kMotionPhotoDictionary) continue;
+        everything = Editor::allRemoved(it.value());
+        if (!everything) break;
+    }
     if (everything) {
-        blocks.xmp.clear();
+        eraseXmpIf(blocks.xmp, [](const std::string& key) { return !isMotionPhotoKey(key); });
         blocks.iptc.clear();
     }
+    if (removesMotionPhoto(changes)) eraseMotionPhotoKeys(blocks.xmp);
     for (auto it = changes.begin(); it != changes.end(); ++it) {
         const QString& k = it.key();
         if ((k == kCGImagePropertyExifDictionary || k == kCGImagePropertyTIFFDictionary ||

@@ -19,6 +19,9 @@ struct MetadataBlocks {
     bool keepImageStructure = false; // TIFF files: tags that describe the pixels are never touched
 };
 
+// Whether `changes` make a motion photo a still: {MotionPhoto} removed, whole or field by field.
+bool removesMotionPhoto(const PropertyDict& changes);
+
 // `before` is what the reader made of the source; values equal to it are left as they are.
 // Throws what exiv2 throws for a value it refuses.
 void applyChanges(const PropertyDict& before, const PropertyDict& changes, MetadataBlocks blocks);

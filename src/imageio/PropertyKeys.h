@@ -16,6 +16,9 @@ TS_KEY(kCGImagePropertyIPTCDictionary, "{IPTC}")
 TS_KEY(kCGImagePropertyJFIFDictionary, "{JFIF}")
 // Ours: no reader fills it; a removal under this key takes the XMP edit history (xmpMM) out.
 TS_KEY(kXMPHistoryDictionary, "{XMPHistory}")
+// Ours: a motion photo's movie (Kind, VideoLength, PresentationTimestampUs). A removal under
+// this key makes the photo a still: its movie and the XMP that places it go.
+TS_KEY(kMotionPhotoDictionary, "{MotionPhoto}")
 TS_KEY(kCGImagePropertyPNGDictionary, "{PNG}")
 TS_KEY(kCGImagePropertyWebPDictionary, "{WebP}")
 TS_KEY(kCGImagePropertyHEICSDictionary, "{HEICS}")

@@ -4,6 +4,7 @@
 #include "FileBytes.h"
 #include "HeifContainer.h"
 #include "ImageProperties.h"
+#include "MotionPhoto.h"
 #include "Rewritten.h"
 #include "Sidecar.h"
 #include "PropertyKeys.h"
@@ -446,6 +447,43 @@ std::optional<QByteArray> jpegBeforeScan(FilePieces& file) {
     }
 }
 
+// A motion photo's movie, as the group {MotionPhoto}: what kind, how long, where it plays from.
+// A broken claim adds nothing: the photo still reads, as a still.
+void addMotionPhoto(const QByteArray& file, PropertyDict& top) {
+    const std::optional<MotionPhoto> motion = findMotionPhoto(file);
+    if (!motion) return;
+    PropertyDict group{{QStringLiteral("Kind"), kindName(motion->kind)}, {QStringLiteral("VideoLength"), motion->length}};
+    if (motion->presentationTimestampUs) group.insert(QStringLiteral("PresentationTimestampUs"), *motion->presentationTimestampUs);
+    top.insert(kMotionPhotoDictionary, group);
+}
+
+// Whether a file read by pieces may hold a motion photo's movie, from what was read anyway and
+// a few bytes more: Google's camera schema in a JPEG's segments, a Samsung trailer's end, or a
+// movie box behind a HEIF's 'meta'. Only then is the file mapped to find it.
+bool mayHoldMotionPhoto(FilePieces& file, Format format, const QByteArray& head) {
+    if (format == Format::Jpeg) {
+        char tail[4];
+        return head.contains("http://ns.google.com/photos/1.0/camera/") ||
+               (file.size() >= 4 && file.read(file.size() - 4, tail, 4) == 4 && std::memcmp(tail, "SEFT", 4) == 0);
+    }
+    qint64 at = 0;
+    for (int count = 0; at + 8 <= file.size() && count < 64; ++count) {
+        char h[16];
+        const qint64 got = file.read(at, h, qMin<qint64>(16, file.size() - at));
+        if (got < 8) return false;
+        uint64_t size = 0;
+        for (int i = 0; i < 4; ++i) size = size << 8 | uint8_t(h[i]);
+        if (size == 1 && got == 16) {
+            size = 0;
+            for (int i = 8; i < 16; ++i) size = size << 8 | uint8_t(h[i]);
+        }
+        if (std::memcmp(h + 4, "mpvd", 4) == 0) return true;
+        if (size < 8 || size > uint64_t(file.size() - at)) return false;
+        at += qint64(size);
+    }
+    return false;
+}
+
 }  // namespace
 
 Format detectFormat(const QByteArray& b) {
@@ -503,8 +541,10 @@ std::optional<PropertyDict> readProperties(const QByteArray& bytes, QString* err
     default: break;
     }
     initExiv2();  // also for HEIF: its Exif and XMP blocks are decoded by exiv2
-    if (format == Format::Heif || format == Format::Avif) return readHeifBoxes(bytes, error);
-    return readWithExiv2(bytes, format, bytes.size(), error);
+    auto props = format == Format::Heif || format == Format::Avif ? readHeifBoxes(bytes, error)
+                                                                  : readWithExiv2(bytes, format, bytes.size(), error);
+    if (props && (format == Format::Jpeg || format == Format::Heif)) addMotionPhoto(bytes, *props);
+    return props;
 }
 
 namespace {
@@ -519,13 +559,19 @@ std::optional<PropertyDict> readOwnFileProperties(const QString& path, QString* 
     if (file.size() > 0) {
         const Format format = detectFormat(file.head(4096));
         initExiv2();
-        if (format == Format::Jpeg) {
-            if (auto prefix = jpegBeforeScan(file)) {
-                return counted(readWithExiv2(*prefix, format, file.size(), error));
+        std::optional<PropertyDict> props;
+        std::optional<QByteArray> prefix;
+        if (format == Format::Jpeg && (prefix = jpegBeforeScan(file))) props = readWithExiv2(*prefix, format, file.size(), error);
+        else if (format == Format::Heif || format == Format::Avif) props = readHeifBoxes(file, error);
+        if (props && format != Format::Avif && mayHoldMotionPhoto(file, format, prefix.value_or(QByteArray()))) {
+            FileBytes whole;
+            if (whole.open(path)) {
+                addMotionPhoto(whole.bytes(), *props);
+                if (bytesRead) *bytesRead = file.bytesRead() + whole.bytes().size();
+                return props;
             }
-        } else if (format == Format::Heif || format == Format::Avif) {
-            return counted(readHeifBoxes(file, error));
         }
+        if (prefix || format == Format::Heif || format == Format::Avif) return counted(std::move(props));
     }
     // The other containers may keep metadata behind the image data (TIFF directories, PNG and
     // WebP chunks after the pixels): mapped whole, only the pages their readers touch are read.

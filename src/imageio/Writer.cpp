@@ -4,6 +4,8 @@
 #include "HeifRewriter.h"
 #include "ImageWriter.h"
 #include "MetadataEdit.h"
+#include "MotionPhoto.h"
+#include "PropertyKeys.h"
 
 #include <exiv2/exiv2.hpp>
 
@@ -103,7 +105,12 @@ std::optional<Rewritten> writeWithExiv2(const QByteArray& whole, Format format, 
     if (format == Format::WebP && image->xmpData().empty()) return Rewritten(withoutWebPXmp(out));
     Rewritten result = Rewritten::from(whole);
     result.add(std::move(out));
-    result.keep(scanAt, whole.size() - scanAt);
+    // What follows the scan, a motion photo's movie among it, is kept as it is: the movie's
+    // place is counted from the end of the file or from its trailer, so it doesn't move. A
+    // still made of a motion photo keeps all but the movie.
+    const auto motion = removesMotionPhoto(changes) ? findMotionPhoto(whole) : std::nullopt;
+    if (motion) keepWithoutMovie(result, whole, scanAt, *motion);
+    else result.keep(scanAt, whole.size() - scanAt);
     return result;
 }
 

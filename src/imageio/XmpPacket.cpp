@@ -27,6 +27,10 @@ constexpr Schema kSchemas[] = {
     {u"http://cipa.jp/exif/1.0/", u"exifEX", u"exifEX"},
     {u"http://ns.adobe.com/exif/1.0/aux/", u"aux", u"aux"},
     {u"http://ns.adobe.com/lightroom/1.0/", u"lr", u"lr"},
+    // Google's camera schema and container directory: motion photos, depth and gain maps.
+    {u"http://ns.google.com/photos/1.0/camera/", u"GCamera", u"GCamera"},
+    {u"http://ns.google.com/photos/1.0/container/", u"Container", u"Container"},
+    {u"http://ns.google.com/photos/1.0/container/item/", u"Item", u"Item"},
 };
 
 // Deeper than any packet a camera or a catalogue writes; the walk recurses once per level, so an
@@ -214,5 +218,20 @@ const XmpProperty* XmpPacket::find(const QString& key) const {
 }
 
 std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet, QString* error) { return Walker(packet).run(error); }
+
+std::vector<ContainerItem> containerDirectory(const XmpPacket& xmp) {
+    std::vector<ContainerItem> items;
+    for (int i = 1;; ++i) {
+        const QString item = QStringLiteral("Xmp.Container.Directory[%1]/Container:Item/Item:").arg(i);
+        const auto field = [&](const char* name) -> std::optional<QString> {
+            const XmpProperty* p = xmp.find(item + QLatin1String(name));
+            return p ? std::optional(p->toString()) : std::nullopt;
+        };
+        const auto mime = field("Mime"), semantic = field("Semantic");
+        if (!mime && !semantic) break;
+        items.push_back({mime.value_or(QString()), semantic.value_or(QString()), field("Length"), field("Padding")});
+    }
+    return items;
+}
 
 }  // namespace imageio

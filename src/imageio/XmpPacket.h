@@ -13,6 +13,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <vector>
 
 namespace imageio {
 
@@ -37,5 +38,15 @@ struct XmpPacket {
 // such a packet gives no values at all, and `error`, when given, receives why in words.
 // Properties of schemas the reader doesn't use are left out.
 std::optional<XmpPacket> parseXmpPacket(QByteArrayView packet, QString* error = nullptr);
+
+// One entry of Google's container directory (Container:Directory): the files that follow the
+// primary image at the end of a JPEG or HEIF, each as long as its Length (the primary's runs to
+// the first of them), followed by Padding bytes. The numbers as the packet writes them.
+struct ContainerItem {
+    QString mime, semantic;
+    std::optional<QString> length, padding;
+};
+// The directory's entries in order, the primary image first; none without a directory.
+std::vector<ContainerItem> containerDirectory(const XmpPacket& xmp);
 
 }  // namespace imageio

@@ -113,6 +113,8 @@ void readImage(const imageio::PropertyDict& props, FileFacts& facts) {
     if (rendered == renderedPortrait || rendered == renderedPortraitHDR) facts.subtypes |= 1 << 4;
     if (exif.value(kCGImagePropertyExifUserComment).toString().trimmed() == QLatin1String("Screenshot"))
         facts.subtypes |= 1 << 2;
+    // A motion photo carries its movie inside: a live photo of one file.
+    if (props.value(kMotionPhotoDictionary).typeId() == QMetaType::QVariantMap) facts.subtypes |= 1 << 3;
     facts.selfie = exif.value(kCGImagePropertyExifLensModel).toString().contains(QLatin1String("front"), Qt::CaseInsensitive);
     facts.burst = apple.value(appleBurstUUID).toString();
     facts.contentIdentifier = apple.value(appleContentIdentifier).toString();

@@ -4,6 +4,7 @@
 #include "FileTypes.h"
 #include "ImageDecoder.h"
 #include "Log.h"
+#include "MotionPhoto.h"
 #include "TSAsset.h"
 #include "TSResourceAuxiliary.h"
 
@@ -29,6 +30,20 @@ QString auxiliaryFileName(const QString& fileName, AuxiliaryImageType type) {
     const QString base = dot > 0 ? fileName.left(dot) : fileName;
     const QString extension = dot > 0 ? fileName.mid(dot + 1) : QString();
     return base + "_" + squeezed + "." + extension;
+}
+
+std::optional<EmbeddedMovie> embeddedMovie(const QByteArray& bytes, const QString& fileName, QString* error) {
+    const std::optional<imageio::MotionPhoto> motion = imageio::findMotionPhoto(bytes, error);
+    if (!motion) return std::nullopt;
+    EmbeddedMovie movie;
+    movie.label = imageio::kindName(motion->kind);
+    movie.data = bytes.mid(motion->offset, motion->length);
+    movie.presentationTimestampUs = motion->presentationTimestampUs;
+    // QuickTime's own brand makes a .mov, every other an .mp4.
+    const QString extension = movie.data.mid(8, 4) == "qt  " ? QStringLiteral("mov") : QStringLiteral("mp4");
+    const qsizetype dot = fileName.lastIndexOf('.');
+    movie.fileName = (dot > 0 ? fileName.left(dot) : fileName) + "_" + QString(movie.label).remove(' ') + "." + extension;
+    return movie;
 }
 
 std::optional<QString> dataToTempFile(const QByteArray& data, const QString& fileName) {

@@ -90,6 +90,18 @@ QString resourcesTemporaryFolder();
 // extension ("IMG_0001.HEIC" and "Depth Map" give "IMG_0001_DepthMap.HEIC"; a name without
 // extension ends in a point).
 QString auxiliaryFileName(const QString& fileName, AuxiliaryImageType type);
+
+// A motion photo's movie, as the resource list shows it.
+struct EmbeddedMovie {
+    QString label;     // the layout: "Motion Photo", "MicroVideo", "Samsung Motion Photo"
+    QString fileName;  // the photo's name with the label squeezed in: "PXL_0001_MotionPhoto.mp4"
+    QByteArray data;   // the movie, byte for byte as the photo holds it
+    std::optional<qint64> presentationTimestampUs;
+};
+// The movie inside a photo's bytes; nothing for a still, nothing with the reason in `error`
+// when the photo's claim of a movie is broken.
+std::optional<EmbeddedMovie> embeddedMovie(const QByteArray& bytes, const QString& fileName, QString* error = nullptr);
+
 // Writes data to the temporary folder under that name, replacing an earlier file; the path,
 // or nothing (logged) when the write failed.
 std::optional<QString> dataToTempFile(const QByteArray& data, const QString& fileName);

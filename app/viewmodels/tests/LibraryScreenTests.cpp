@@ -12,6 +12,7 @@
 #include "GroupViewModel.h"
 #include "Isolation.h"
 #include "Library.h"
+#include "MotionPhotos.h"
 #include "Settings.h"
 #include "SettingsViewModel.h"
 #include "TSPhotoAlbum.h"
@@ -281,6 +282,24 @@ TEST_F(LibraryScreens, ToolbarOffersTheLibraryToolsAndTheyWorkEndToEnd) {
     QSignalSpy edit(&tools, &ToolBarModel::editRequested);
     tools.edit();
     EXPECT_EQ(edit.count(), 1);
+}
+
+TEST_F(LibraryScreens, AMotionPhotoIsALivePhotoWhoseMoviePlaysFromItsStill) {
+    const QString movie = testsupport::video("small_video.mp4");
+    testsupport::googleMotionPhoto(testsupport::corpusDir() + "/jpeg/BlueSquare.jpg", movie, root + "/PXL_0001.MP.jpg");
+    lib().scan();
+    settle();
+    int index = 0;
+    for (; index < 6 && currentName() != "PXL_0001.MP.jpg"; ++index) openAllPhotos(index);
+    ASSERT_EQ(currentName(), "PXL_0001.MP.jpg");
+    EXPECT_TRUE(photoAlbum()->currentLibraryAsset()->mediaSubtypes & library::Subtype::photoLive);
+    DetailViewModel& detail = *models->detail;
+    const QUrl source = detail.liveVideoSource();
+    ASSERT_TRUE(source.isLocalFile());
+    EXPECT_EQ(testsupport::readFile(source.toLocalFile()), testsupport::readFile(movie));
+    EXPECT_EQ(detail.liveStartMs(), 500);  // the 500000 µs the photo names
+    detail.setLivePlaying(true);
+    EXPECT_TRUE(detail.livePlaying());
 }
 
 TEST_F(LibraryScreens, AfterAnAddTheDialogOffersTheAlbumsWhereThePictureLanded) {

@@ -119,6 +119,7 @@ std::optional<QString> TagsVideoModifier::setZone(const TimeZones::ZoneWish& wis
 }
 
 void TagsVideoModifier::strip(PrivacyStrip::Kind kind) {
+    if (kind == PrivacyStrip::Kind::motion) return;  // a movie is no motion photo
     if (kind == PrivacyStrip::Kind::dates) {
         removeDate();
         return;

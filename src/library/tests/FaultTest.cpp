@@ -2,6 +2,7 @@
 // The index under another program's lock, and live photos paired by the identifier the camera
 // writes into both files rather than by name.
 #include "LibraryFixture.h"
+#include "MotionPhotos.h"
 
 #include <QProcess>
 #include <atomic>
@@ -113,6 +114,27 @@ TEST_F(LibraryFixture, LivePhotoPairsByContentIdentifierNotByName) {
     EXPECT_NE(assetOf(stranger).localIdentifier, assetOf(lone).localIdentifier);
     EXPECT_FALSE(assetOf(lone).mediaSubtypes & Subtype::photoLive);
     EXPECT_EQ(assetOf(stranger).mediaType, MediaType::video);
+}
+
+TEST_F(LibraryFixture, MotionPhotosAreLivePhotosOfOneFile) {
+    const QString mp4 = testsupport::video("small_video.mp4");
+    QDir().mkpath(root());
+    testsupport::googleMotionPhoto(testsupport::corpusDir() + "/jpeg/Canon_40D.jpg", mp4, root() + "/PXL_0001.MP.jpg");
+    testsupport::samsungMotionPhoto(testsupport::corpusDir() + "/jpeg/Nikon_D70.jpg", mp4, root() + "/20231114_221320.jpg");
+    // A movie length that reaches past the file: a still.
+    testsupport::googleMotionPhoto(testsupport::corpusDir() + "/jpeg/Canon_40D.jpg", mp4, root() + "/broken.jpg",
+                                   QFileInfo(mp4).size() * 10);
+    lib->scan();
+    EXPECT_EQ(lib->fetchAssets().count(), 3);
+    for (const QString name : {"PXL_0001.MP.jpg", "20231114_221320.jpg"}) {
+        const Asset live = assetOf(root() + "/" + name);
+        EXPECT_EQ(live.mediaType, MediaType::image);
+        EXPECT_TRUE(live.mediaSubtypes & Subtype::photoLive) << name.toStdString();
+        ASSERT_EQ(live.resources.size(), 1);
+        EXPECT_EQ(live.resources[0].type, ResourceType::photo);
+    }
+    EXPECT_FALSE(assetOf(root() + "/broken.jpg").mediaSubtypes & Subtype::photoLive);
+    EXPECT_EQ(lib->fetchAssets(QStringLiteral("smart:213")).count(), 2);
 }
 
 TEST_F(LibraryFixture, FetchSeesWhatAnotherProcessWroteToTheIndex) {
