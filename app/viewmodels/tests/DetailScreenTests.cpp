@@ -2,6 +2,7 @@
 // The detail screen's rules, driven through its view models over real files in a files album:
 // the detail table's rows and badges, the tag table's sections and their collapse state, the
 // toolbar's tools and toggles, the strip's heights, paging and zoom limits.
+#include "AppState.h"
 #include "DetailTableModel.h"
 #include "DetailViewModel.h"
 #include "ImageProperties.h"
@@ -49,7 +50,7 @@ class DetailScreenTest : public ::testing::Test {
 protected:
     void SetUp() override {
         TagTableModel::collapseState().clear();
-        TSEnvironment::isPad() = false;
+        appState().isPad = false;
         TSEnvironment::setCurrentAlbum(nullptr);
     }
     void TearDown() override { TSEnvironment::setCurrentAlbum(nullptr); }
@@ -396,7 +397,7 @@ TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum)
     DetailViewModel detail;
     detail.setScreenSize({390, 844});
     EXPECT_NEAR(detail.defaultHeight(), 844 * 0.5 - 0.15 * 844 - 44, 1e-9);
-    TSEnvironment::isPad() = true;
+    appState().isPad = true;
     detail.setScreenSize({1180, 820});
     EXPECT_NEAR(detail.defaultHeight(), 820 * 0.5 - 0.12 * 820 - 44, 1e-9);
     const qreal standard = detail.defaultHeight();
@@ -438,7 +439,7 @@ TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum)
 
     // Another window size brings the strip to that size's default.
     detail.setStripHeight(150);
-    TSEnvironment::isPad() = false;
+    appState().isPad = false;
     detail.setScreenSize({390, 844});
     EXPECT_NEAR(detail.stripHeight(), 844 * 0.5 - 0.15 * 844 - 44, 1e-9);
 }

@@ -23,14 +23,12 @@ protected:
     void SetUp() override {
         spin();
         hub.download = DownloadLevel::none;
-        TSEnvironment::isPad() = false;
         TSEnvironment::setCurrentAlbum(album);
         screen.ignored = {"rows"};
         hub.addObserver(&screen);
         album->addGroupObserver(&screen);
     }
     void TearDown() override {
-        TSEnvironment::isPad() = false;
         TSEnvironment::setCurrentAlbum(nullptr);
     }
 };
@@ -53,8 +51,7 @@ TEST_F(FilesAlbumTest, OnAPhoneNothingLoadsUntilAnItemIsChosen) {
 }
 
 TEST_F(FilesAlbumTest, OnAPadTheFirstItemLoadsAtOnce) {
-    TSEnvironment::isPad() = true;
-    album->loadBookmarks(files);
+    album->loadBookmarks(files, true);
     ASSERT_TRUE(album->currentAsset);
     EXPECT_EQ(album->displayedIndex, 0);
     EXPECT_EQ(album->currentAsset->path(), files[0]);
