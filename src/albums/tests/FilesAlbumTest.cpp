@@ -143,7 +143,7 @@ TEST_F(FilesAlbumTest, ImagesAreMadeOffTheGuiThreadAndHandedBackOnIt) {
             answers[i] = {image, degraded, QThread::currentThread() == QCoreApplication::instance()->thread()};
         });
     EXPECT_EQ(ids.size(), album->count() + 1);  // one identifier per request
-    ASSERT_TRUE(spinUntil([&] { return answers.size() == album->count() + 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answers.size() == album->count() + 1; }, 20000));
     for (int i = 0; i < 3; ++i) {
         SCOPED_TRACE(files[i].toStdString());
         EXPECT_FALSE(answers[i].image.isNull());
