@@ -4,7 +4,6 @@
 #include "ImageDecoder.h"
 #include "ImageProperties.h"
 #include "ImageWriter.h"
-#include "TSMetaVideo.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -106,18 +105,16 @@ TEST(StrippedCopy, WithoutLocationKeepsAllButThePlace) {
         const QJsonObject before = exiftoolJson(source, {"-G1", "-a", "-n"}).toObject();
         const QJsonObject after = exiftoolJson(path, {"-G1", "-a", "-n"}).toObject();
         ASSERT_TRUE(before.contains("GPS:GPSLatitude"));
-        for (auto it = before.begin(); it != before.end(); ++it) {
-            const QString group = it.key().section(':', 0, 0);
-            if (group == "GPS" || it.key().contains("GPS")) {
-                EXPECT_FALSE(after.contains(it.key())) << it.key().toStdString();
-            // Where the blocks sit and which XMP library wrote them may change; nothing else.
-            } else if (group != "System" && group != "File" && group != "ExifTool" && !group.startsWith("Composite") &&
-                       !QSet<QString>{"SourceFile", "IFD0:Software", "IFD1:ThumbnailOffset", "QuickTime:MediaDataOffset",
-                                      "QuickTime:MediaDataSize", "XMP-x:XMPToolkit"}
-                            .contains(it.key())) {
-                EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
-            }
-        }
+        for (auto it = before.begin(); it != before.end(); ++it)
+            if (it.key().contains("GPS")) EXPECT_FALSE(after.contains(it.key())) << it.key().toStdString();
+        // Where the blocks sit and which XMP library wrote them may change; nothing else.
+        expectOtherTagsKept(before, after, [](const QString& k, auto&&...) {
+            const QString group = k.section(':', 0, 0);
+            return k.contains("GPS") || group == "ExifTool" || group.startsWith("Composite") ||
+                   QSet<QString>{"IFD0:Software", "IFD1:ThumbnailOffset", "QuickTime:MediaDataOffset", "QuickTime:MediaDataSize",
+                                 "XMP-x:XMPToolkit"}
+                       .contains(k);
+        });
         EXPECT_EQ(imageio::decodeImage(items->data), imageio::decodeImage(readFile(source)));
     }
 }
@@ -215,12 +212,9 @@ TEST(ShareItems, NothingToShareAndBrokenItems) {
 TEST(ShareItems, VideoExports) {
     const auto item = itemAt(video("apple_meta.mov"));
     ASSERT_TRUE(item->ddStore().completed);
-    const auto dictionary = exportDictionary(item.get(), false);
-    ASSERT_TRUE(dynamic_cast<TSMetaVideoDictionary*>(dictionary.get()));
 
     const auto human = shareItems(ShareAction::hrShare, item.get(), false);
     ASSERT_TRUE(human);
-    EXPECT_EQ(human->text, dictionary->allText());
     EXPECT_TRUE(human->text.startsWith("**")) << human->text.toStdString();
     const auto raw = shareItems(ShareAction::rawShare, item.get(), false);
     ASSERT_TRUE(raw);
