@@ -4,6 +4,7 @@
 // (or the files given) offscreen and writes PNG pictures into DIR.
 #include "AppController.h"
 #include "AppModels.h"
+#include "AppState.h"
 #include "Log.h"
 #include "QmlSetup.h"
 #include "Recent.h"
@@ -110,13 +111,13 @@ int main(int argc, char** argv) {
     engine.load(QUrl(QStringLiteral("qrc:/qml/Main.qml")));
     if (engine.rootObjects().isEmpty()) return 1;
     // The library is read once the screens listen, so that its alert can show.
-    TSEnvironment::pendingQuickAction() = parser.isSet(lastPhoto);
+    appState().pendingQuickAction = parser.isSet(lastPhoto);
     models.openLibrary();
-    TSEnvironment::ramCheck(TSEnvironment::physicalMemory());
+    appState().maxImages = TSEnvironment::ramCheck(TSEnvironment::physicalMemory());
     models.app->openArguments(parser.positionalArguments());
     QObject::connect(&instance, &SingleInstance::argumentsReceived, &models, [&models, &engine](QStringList arguments) {
         if (arguments.removeAll(QStringLiteral("--last-photo")) > 0) {
-            TSEnvironment::pendingQuickAction() = true;
+            appState().pendingQuickAction = true;
             models.app->rebuildRoot();
         }
         models.app->openArguments(arguments);

@@ -2,6 +2,7 @@
 // The map: drawing the offline world map of a phone-sized view at world, country and city zoom,
 // and a photo's map row (offline map, cached tiles, pin, arrow and scale). bench/map.sh runs it
 // and sets the figures beside the goal of one frame, 16 ms.
+#include "HttpAnswer.h"
 #include "OfflineMap.h"
 #include "Settings.h"
 #include "TSMapView.h"
@@ -13,8 +14,6 @@
 #include <QImage>
 #include <QPainter>
 #include <QSettings>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -49,18 +48,10 @@ void BM_MapRowCachedTiles(benchmark::State& state) {
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     tile.save(&buffer, "PNG");
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost, 0);
-    QObject::connect(&server, &QTcpServer::newConnection, [&] {
-        while (QTcpSocket* s = server.nextPendingConnection())
-            QObject::connect(s, &QTcpSocket::readyRead, s, [&, s] {
-                if (!s->readAll().contains("\r\n\r\n")) return;
-                s->write("HTTP/1.1 200 OK\r\nContent-Type: image/png\r\nCache-Control: max-age=600\r\nContent-Length: " +
-                         QByteArray::number(png.size()) + "\r\n\r\n" + png);
-            });
-    });
-    Settings::setValue(TSMapView::standardTilesKey,
-                       QStringLiteral("http://127.0.0.1:%1/{z}/{x}/{y}.png").arg(server.serverPort()));
+    testsupport::HttpAnswer server("200 OK", png);
+    server.contentType = "image/png";
+    server.cacheControl = "max-age=600";
+    Settings::setValue(TSMapView::standardTilesKey, server.tileTemplate());
     TSMapView view;
     view.setSize(phone);
     view.setPlace({{"latitude", 45.4642}, {"longitude", 9.19}, {"title", "Milan"}, {"heading", 211.2}});

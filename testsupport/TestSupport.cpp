@@ -110,6 +110,17 @@ QJsonValue exiftoolJson(const QString& path, const QStringList& extraArgs) {
     return doc.array().first();
 }
 
+void expectOtherTagsKept(const QJsonObject& before, const QJsonObject& after, const TagFilter& mayDiffer) {
+    for (auto it = before.begin(); it != before.end(); ++it) {
+        const QString& tag = it.key();
+        if (tag == QLatin1String("SourceFile") || tag.startsWith(QLatin1String("System:")) || tag.startsWith(QLatin1String("File:")))
+            continue;
+        if (mayDiffer && mayDiffer(tag, it.value(), after.value(tag))) continue;
+        EXPECT_TRUE(after.value(tag) == it.value())
+            << tag.toStdString() << ": " << QJsonDocument(QJsonArray{it.value(), after.value(tag)}).toJson(QJsonDocument::Compact).toStdString();
+    }
+}
+
 QJsonObject ffprobe(const QString& path) {
     const ProcessResult r = run("ffprobe", {"-v", "error", "-show_format", "-show_streams", "-of", "json", path});
     return QJsonDocument::fromJson(r.out).object();

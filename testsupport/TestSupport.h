@@ -8,6 +8,7 @@
 #include <QJsonValue>
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 namespace testsupport {
 
@@ -34,6 +35,13 @@ ProcessResult run(const QString& program, const QStringList& args);
 
 // exiftool's reading of one file as JSON (-j -n -G1 style flags chosen by the caller).
 QJsonValue exiftoolJson(const QString& path, const QStringList& extraArgs = {"-n"});
+
+// Every tag exiftool read in `before` (keys grouped as with -G1) reads the same in `after`, but
+// for the file's own name, times and sizes on disk (SourceFile, System:, File:) and the tags
+// `mayDiffer` accepts: each caller names those with its reasons. A failure names the tag and
+// both readings.
+using TagFilter = std::function<bool(const QString& tag, const QJsonValue& before, const QJsonValue& after)>;
+void expectOtherTagsKept(const QJsonObject& before, const QJsonObject& after, const TagFilter& mayDiffer = {});
 
 // A date written out in full as the details show it under the tests' C locale, typed here rather
 // than taken from our formatter: "Friday, 30 May 2008 15:56:01".

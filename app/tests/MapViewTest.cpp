@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The map item drawn offscreen: the heading arrow's turn, the camera and style rules, moving
 // away and back, and tiles from a server on the loopback address over the offline map.
+#include "HttpAnswer.h"
 #include "Isolation.h"
 #include "Settings.h"
 #include "TSMapView.h"
@@ -10,8 +11,6 @@
 #include <QBuffer>
 #include <QImage>
 #include <QPainter>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 
 namespace {
@@ -128,25 +127,15 @@ TEST_F(MapViewTest, TilesFromTheServerCoverTheOfflineMap) {
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     red.save(&buffer, "PNG");
-    QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost, 0));
-    int requests = 0;
-    QObject::connect(&server, &QTcpServer::newConnection, [&] {
-        while (QTcpSocket* s = server.nextPendingConnection())
-            QObject::connect(s, &QTcpSocket::readyRead, s, [&, s] {
-                if (!s->readAll().contains("\r\n\r\n")) return;
-                ++requests;
-                s->write("HTTP/1.1 200 OK\r\nContent-Type: image/png\r\nCache-Control: max-age=600\r\nContent-Length: " +
-                         QByteArray::number(png.size()) + "\r\n\r\n" + png);
-            });
-    });
-    Settings::setValue(TSMapView::standardTilesKey,
-                       QStringLiteral("http://127.0.0.1:%1/{z}/{x}/{y}.png").arg(server.serverPort()));
+    testsupport::HttpAnswer server("200 OK", png);
+    server.contentType = "image/png";
+    server.cacheControl = "max-age=600";
+    Settings::setValue(TSMapView::standardTilesKey, server.tileTemplate());
     view_.setPlace({{"latitude", 45.5}, {"longitude", 9.2}});
     EXPECT_EQ(view_.attribution(), "");
     EXPECT_NE(draw().pixelColor(5, 295), QColor(Qt::red));  // nothing yet: the offline map
     EXPECT_TRUE(QTest::qWaitFor([&] { return draw().pixelColor(5, 295) == QColor(Qt::red); }, 10000));
-    EXPECT_LE(requests, 6);  // the tiles of the view, once each
+    EXPECT_LE(server.requests, 6);  // the tiles of the view, once each
 
     Settings::setValue(TSMapView::standardTilesKey, TileSource::openStreetMapTemplate);
     EXPECT_EQ(view_.attribution(), "© OpenStreetMap contributors");

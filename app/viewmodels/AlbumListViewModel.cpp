@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AlbumListViewModel.h"
 
+#include "AppState.h"
 #include "ModuleTexts.h"
 #include "Albums.h"
 #include "Folders.h"
@@ -165,11 +166,11 @@ void AlbumListViewModel::load() {
     buildLibrarySections();
     rebuild();
     emit nameFiltersChanged();
-    if (TSEnvironment::pendingQuickAction() && allPhotos_ && folders_.isEmpty()) {
+    if (appState().pendingQuickAction && allPhotos_ && folders_.isEmpty()) {
         selectEntry(0, 0);
         return;
     }
-    std::optional<QString>& pending = TSEnvironment::pendingUrlAlbumName();
+    std::optional<QString>& pending = appState().pendingUrlAlbumName;
     if (!pending) return;
     const QString wanted = pending->toLower();
     pending.reset();
@@ -220,8 +221,8 @@ void AlbumListViewModel::selectEntry(int section, int index) {
         TSEnvironment::setCurrentAlbum(album);
         // The quick action opens the item last viewed, or else the newest.
         int index = -1;
-        if (TSEnvironment::pendingQuickAction()) {
-            TSEnvironment::pendingQuickAction() = false;
+        if (appState().pendingQuickAction) {
+            appState().pendingQuickAction = false;
             const bool newestFirst = Settings::flag(SettingsFlag::mostRecentFirst);
             index = newestFirst ? 0 : int(allPhotosFetch_.count()) - 1;
             if (auto last = allPhotosFetch_.indexOf(Settings::value(TSPhotoAlbum::lastViewedKey).toString())) index = int(*last);
@@ -328,6 +329,6 @@ void AlbumListViewModel::openFilesAlbum() {
     // A new album for every visit, as for every pick: its position starts afresh.
     auto album = std::make_shared<TSFilesAlbum>();
     TSEnvironment::setCurrentAlbum(album);
-    album->loadBookmarks(pickedPaths_);
+    album->loadBookmarks(pickedPaths_, appState().isPad);
     emit albumOpened();
 }

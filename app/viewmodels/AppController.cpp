@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppController.h"
 
+#include "AppState.h"
 #include "Credits.h"
 #include "Log.h"
 #include "TSAlbum.h"
@@ -10,7 +11,7 @@
 
 AppController::AppController(QObject* parent) : QObject(parent) {}
 
-bool AppController::pad() const { return TSEnvironment::isPad(); }
+bool AppController::pad() const { return appState().isPad; }
 
 QString AppController::appName() { return QStringLiteral(TESSORIN_APP_NAME); }
 
@@ -32,8 +33,8 @@ QStringList AppController::dataCredits() const {
 
 void AppController::setWindowWidth(int width) {
     const bool wide = width >= padWidth;
-    if (wide == TSEnvironment::isPad()) return;
-    TSEnvironment::isPad() = wide;
+    if (wide == appState().isPad) return;
+    appState().isPad = wide;
     emit padChanged();
     if (wide && screens_.last() == QLatin1String("detail")) {
         screens_.removeLast();
@@ -96,8 +97,8 @@ std::optional<QString> AppController::host(const QString& link) {
 }
 
 void AppController::urlScheme(const QString& link) {
-    TSEnvironment::pendingUrlAlbumName() = host(link);
-    if (!TSEnvironment::pendingUrlAlbumName()) Log::debug(QStringLiteral("Invalid URL or album path missing"));
+    appState().pendingUrlAlbumName = host(link);
+    if (!appState().pendingUrlAlbumName) Log::debug(QStringLiteral("Invalid URL or album path missing"));
 }
 
 void AppController::openUrl(const QString& link) {

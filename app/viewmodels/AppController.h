@@ -33,7 +33,7 @@ public:
     Q_INVOKABLE QStringList libraryCredits() const;
     Q_INVOKABLE QStringList dataCredits() const;
 
-    // Follows the window: sets the tablet flag of the environment. A phone-sized window that
+    // Follows the window: sets the tablet flag of the app state. A phone-sized window that
     // becomes a split hands its stacked detail over to the right-hand side.
     Q_INVOKABLE void setWindowWidth(int width);
 

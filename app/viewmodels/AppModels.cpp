@@ -6,6 +6,7 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "Albums.h"
+#include "AppState.h"
 #include "ColorScheme.h"
 #include "Library.h"
 #include "Log.h"
@@ -61,7 +62,7 @@ AppModels::AppModels(QObject* parent)
     // A window grown to a tablet's width with the group on top shows its current item beside it
     // (with the detail on top, the detail is popped and the group appears again below).
     connect(app, &AppController::padChanged, this, [this] {
-        if (TSEnvironment::isPad() && app->screens().last() == QLatin1String("group")) group->appear();
+        if (appState().isPad && app->screens().last() == QLatin1String("group")) group->appear();
     });
     connect(app, &AppController::popped, this, [this](const QString& screen) {
         if (screen == QLatin1String("settings")) settings->close();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "DetailViewModel.h"
 
+#include "AppState.h"
 #include "FileBytes.h"
 #include "Log.h"
 #include "Resources.h"
@@ -45,7 +46,7 @@ qreal DetailViewModel::defaultHeight(const QSizeF& screen, bool pad) {
 }
 
 qreal DetailViewModel::defaultHeight() const {
-    return std::max(minimumHeight(), defaultHeight(screenSize_, TSEnvironment::isPad()));
+    return std::max(minimumHeight(), defaultHeight(screenSize_, appState().isPad));
 }
 
 void DetailViewModel::setAvailableHeight(qreal height) {

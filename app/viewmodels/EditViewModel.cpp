@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditViewModel.h"
 
+#include "AppState.h"
 #include "ModuleTexts.h"
 #include "AddingPicture.h"
 #include "Albums.h"
@@ -259,10 +260,10 @@ QStringList EditViewModel::thumbnails() const {
     return out;
 }
 
-QString EditViewModel::maxImagesText() const { return QCoreApplication::translate("EditViewModel", "max %1").arg(TSEnvironment::maxImages()); }
+QString EditViewModel::maxImagesText() const { return QCoreApplication::translate("EditViewModel", "max %1").arg(appState().maxImages); }
 bool EditViewModel::addVisible() const { return settings_ && !isVideo_; }
-bool EditViewModel::addEnabled() const { return addVisible() && assets_.size() + pending_.size() < TSEnvironment::maxImages(); }
-int EditViewModel::room() const { return qMax(0, int(TSEnvironment::maxImages() - assets_.size() - pending_.size())); }
+bool EditViewModel::addEnabled() const { return addVisible() && assets_.size() + pending_.size() < appState().maxImages; }
+int EditViewModel::room() const { return qMax(0, int(appState().maxImages - assets_.size() - pending_.size())); }
 
 void EditViewModel::setActivity(const QString& text, int total) {
     activity_ = text;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "GroupViewModel.h"
 
+#include "AppState.h"
 #include "ModuleTexts.h"
 #include "Formatter.h"
 #include "Settings.h"
@@ -106,7 +107,7 @@ void GroupViewModel::attach() {
 
 void GroupViewModel::appear() {
     if (!album_) return;
-    if (TSEnvironment::isPad()) show(album_->actualIndex());
+    if (appState().isPad) show(album_->actualIndex());
     else if (album_->hasValidIndex()) select(album_->actualIndex());
 }
 
@@ -121,7 +122,7 @@ void GroupViewModel::toggleView() {
 void GroupViewModel::show(int index) {
     if (!album_ || album_->isEmpty()) return;
     album_->setActualIndex(index);
-    if (TSEnvironment::isPad()) select(album_->actualIndex());
+    if (appState().isPad) select(album_->actualIndex());
     else emit detailRequested();
 }
 
@@ -144,7 +145,7 @@ void GroupViewModel::leave() {
 }
 
 void GroupViewModel::processedMetaData(const std::shared_ptr<TSAlbum>& album) {
-    if (TSEnvironment::isPad() && album && album == album_ && album->actualIndex() != selectedIndex_)
+    if (appState().isPad && album && album == album_ && album->actualIndex() != selectedIndex_)
         select(album->actualIndex());
 }
 

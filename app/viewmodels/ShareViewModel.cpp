@@ -88,7 +88,7 @@ void ShareViewModel::run(ShareAction action) {
     setMenuOpen(false);
     const auto album = TSEnvironment::currentAlbum();
     QString error;
-    auto items = sharing::shareItems(action, *album, &error);
+    auto items = sharing::shareItems(action, album->currentAsset.get(), album->needDownload(), &error);
     if (!items) {
         if (!error.isEmpty()) showError(error);
         return;

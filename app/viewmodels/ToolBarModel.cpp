@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 
 #include "Albums.h"
+#include "AppState.h"
 #include "AssetModifier.h"
 #include "Log.h"
 #include "Settings.h"
@@ -89,7 +90,7 @@ QString ToolBarModel::favoriteSymbol() const {
 
 QVariantList ToolBarModel::moreMenu() const {
     QVariantList menu;
-    if (TSEnvironment::isPad() && tools_.contains(QLatin1String("delete")))
+    if (appState().isPad && tools_.contains(QLatin1String("delete")))
         menu.append(QVariantMap{{"title", "Delete"}, {"symbol", "trash"}, {"checked", false}, {"action", true}});
     for (const MoreEntry& e : moreEntries)
         menu.append(QVariantMap{{"title", e.title}, {"symbol", e.symbol}, {"checked", Settings::flag(e.flag)}});
@@ -97,7 +98,7 @@ QVariantList ToolBarModel::moreMenu() const {
 }
 
 void ToolBarModel::toggleMore(int index) {
-    if (TSEnvironment::isPad() && tools_.contains(QLatin1String("delete"))) {
+    if (appState().isPad && tools_.contains(QLatin1String("delete"))) {
         if (index == 0) return requestDelete();
         --index;
     }

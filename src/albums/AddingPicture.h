@@ -4,6 +4,7 @@
 // new item landed: in the album on view, or else in all photos and the application's album,
 // which the screens offer to go to.
 #include "Library.h"
+#include "TSEnvironment.h"
 #include "TSSemaphore.h"
 
 #include <QCoro/QCoroTask>
@@ -35,7 +36,3 @@ public:
     // The index in the fetch after the change of the first inserted item, if it is there.
     static std::optional<int> indexTest(const library::ChangeDetails& details);
 };
-
-namespace TSEnvironment {
-AddingPicture& addingPicture();
-}

@@ -89,7 +89,7 @@ QString symbol(int smartSubtype) {
 
 namespace TSEnvironment {
 
-QString ramCheck(qint64 bytes) {
+int ramCheck(qint64 bytes) {
     const QString text = filetypes::fileSizeText(bytes);
     // The first piece ends at the decimal mark: 5.5 GB counts as 5.
     const QString first = text.split(QRegularExpression(QStringLiteral("[\\p{P}\\s]")), Qt::SkipEmptyParts).value(0);
@@ -97,9 +97,9 @@ QString ramCheck(qint64 bytes) {
     int n = first.toInt(&ok);
     if (!ok) n = 2;
     Log::info(QStringLiteral("RAM: %1 [%2]").arg(text).arg(n));
-    maxImages() = qMin(qint64(n) * 12, qint64(48));
-    Log::info(QStringLiteral("maxImages: %1").arg(maxImages()));
-    return text;
+    const int maxImages = int(qMin(qint64(n) * 12, qint64(48)));
+    Log::info(QStringLiteral("maxImages: %1").arg(maxImages));
+    return maxImages;
 }
 
 qint64 physicalMemory() { return qint64(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGE_SIZE); }

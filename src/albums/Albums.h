@@ -2,9 +2,9 @@
 #pragma once
 // What the album list shows of the photo library: the all-photos fetch, the user albums, the
 // smart albums and the album kinds this library never makes (events, synced, faces, imported,
-// shared), in that order, under the user's fetch options. Also the cap on selected items,
-// which follows the machine's memory.
+// shared), in that order, under the user's fetch options.
 #include "Library.h"
+#include "TSEnvironment.h"
 
 #include <QString>
 
@@ -30,14 +30,3 @@ QString allPhotosTitle(bool fullAccess);
 QString symbol(int smartSubtype);
 
 }  // namespace Albums
-
-namespace TSEnvironment {
-// Sets maxImages from the memory size as the desktop writes it ("7.99 GB"): the whole number
-// before the first punctuation, 12 a unit, at most 48. Returns the text it read.
-QString ramCheck(qint64 physicalMemory);
-// The machine's memory in bytes.
-qint64 physicalMemory();
-// The library the screens show, or null when there is none.
-library::Library* library();
-void setLibrary(library::Library* library);
-}  // namespace TSEnvironment

@@ -84,24 +84,4 @@ std::shared_ptr<TSMetaDataObservable> sharedObservable() {
     return shared;
 }
 
-int& maxImages() {
-    static int value = 24;
-    return value;
-}
-
-std::optional<QString>& pendingUrlAlbumName() {
-    static std::optional<QString> value;
-    return value;
-}
-
-bool& pendingQuickAction() {
-    static bool value = false;
-    return value;
-}
-
-bool& isPad() {
-    static bool value = false;
-    return value;
-}
-
 }  // namespace TSEnvironment

@@ -4,6 +4,7 @@
 // position. Moving the position builds the current TSAsset and starts its loading; observers
 // hear begin, then processed. Only one album is current at a time (TSEnvironment).
 #include "TSAsset.h"
+#include "TSEnvironment.h"
 
 #include <QDateTime>
 #include <QImage>
@@ -74,22 +75,3 @@ struct TSAlbumId {
     bool isSameAlbum(const TSAlbum& album) const;
     bool isSameIndex(const TSAlbum& album) const;
 };
-
-class TSMetaDataObservable;
-
-// The process-wide objects.
-namespace TSEnvironment {
-// Never null: with no album set, one shared empty album.
-std::shared_ptr<TSAlbum> currentAlbum();
-void setCurrentAlbum(std::shared_ptr<TSAlbum> album);
-TSMetaDataObservable& observable();
-std::shared_ptr<TSMetaDataObservable> sharedObservable();
-// The cap of selected items.
-int& maxImages();
-// The album named by a tessorin://NAME link, until the album list has acted on it.
-std::optional<QString>& pendingUrlAlbumName();
-// The "open the last item" action, until the screens have acted on it.
-bool& pendingQuickAction();
-// A tablet-sized window (split view) rather than a phone-sized one (navigation stack).
-bool& isPad();
-}  // namespace TSEnvironment

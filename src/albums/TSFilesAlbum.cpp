@@ -11,7 +11,7 @@
 #include <QThreadPool>
 #include <atomic>
 
-void TSFilesAlbum::loadBookmarks(const QStringList& paths) {
+void TSFilesAlbum::loadBookmarks(const QStringList& paths, bool loadFirst) {
     currentAsset.reset();
     displayedIndex = -1;
     precUrl.reset();
@@ -20,7 +20,7 @@ void TSFilesAlbum::loadBookmarks(const QStringList& paths) {
         return;
     }
     imageBookmarks = paths;
-    if (TSEnvironment::isPad()) setActualIndex(0);
+    if (loadFirst) setActualIndex(0);
     if (GroupObserver* group = lastGroupObserver()) group->reload(true);
     auto& observable = TSEnvironment::observable();
     observable.download = DownloadLevel::done;

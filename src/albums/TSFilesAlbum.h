@@ -11,8 +11,9 @@ public:
     QStringList imageBookmarks;
     std::optional<QString> precUrl;
 
-    // Fills the album; on a tablet the first item loads at once.
-    void loadBookmarks(const QStringList& paths);
+    // Fills the album; with `loadFirst` (a tablet, whose detail stands beside) the first item
+    // loads at once.
+    void loadBookmarks(const QStringList& paths, bool loadFirst = false);
     // The path at an index; nothing outside the list or for a file that is gone.
     std::optional<QString> imageUrl(int index) const;
 

@@ -16,9 +16,8 @@
 
 namespace sharing {
 
-std::unique_ptr<TSMetaDictProtocol> exportDictionary(const TSAlbum& album) {
-    const TSAsset* asset = album.currentAsset.get();
-    if (asset && !asset->isVideo()) return std::make_unique<TSMetaDictionay>(asset->metaData(), album.needDownload());
+std::unique_ptr<TSMetaDictProtocol> exportDictionary(const TSAsset* asset, bool needDownload) {
+    if (asset && !asset->isVideo()) return std::make_unique<TSMetaDictionay>(asset->metaData(), needDownload);
     if (asset && asset->metaVideo() && asset->ddStore().completed)
         return std::make_unique<TSMetaVideoDictionary>(asset->metaVideo());
     return std::make_unique<TSMetaDictionay>(TSMetaData(), true);
@@ -60,8 +59,7 @@ std::optional<ShareItems> textItems(const QString& text, const QString& fileName
 
 }  // namespace
 
-std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, QString* error) {
-    const TSAsset* asset = album.currentAsset.get();
+std::optional<ShareItems> shareItems(ShareAction action, const TSAsset* asset, bool needDownload, QString* error) {
     if (!asset) return std::nullopt;
     const QFileInfo file(asset->path());
     const QString base = file.completeBaseName().isEmpty() ? QStringLiteral("item") : file.completeBaseName();
@@ -96,11 +94,11 @@ std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, Q
     case ShareAction::shareDetails:
         return textItems(asset->ddStore().detailsText(), base + QStringLiteral("-details.txt"));
     case ShareAction::hrShare:
-        return textItems(exportDictionary(album)->allText(), base + QStringLiteral("-tags.txt"));
+        return textItems(exportDictionary(asset, needDownload)->allText(), base + QStringLiteral("-tags.txt"));
     case ShareAction::jsonShare:
-        return textItems(exportDictionary(album)->jsonText(), base + QStringLiteral("-tags.json"));
+        return textItems(exportDictionary(asset, needDownload)->jsonText(), base + QStringLiteral("-tags.json"));
     case ShareAction::rawShare:
-        return textItems(exportDictionary(album)->rawText(), base + QStringLiteral("-tags-raw.txt"));
+        return textItems(exportDictionary(asset, needDownload)->rawText(), base + QStringLiteral("-tags-raw.txt"));
     }
     return std::nullopt;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// What each action of the share menu hands on for the current item of an album: the file as it
+// What each action of the share menu hands on for the item on view: the file as it
 // is with its summary sentence, a copy without metadata, the details text, and the three exports
 // of all tags. The screens decide where the items go (clipboard, a saved file).
-#include "TSAlbum.h"
+#include "TSAsset.h"
 #include "TSMetaDictionay.h"
 
 #include <QByteArray>
@@ -25,18 +25,18 @@ struct ShareItems {
 
 inline const QString kStripError = QStringLiteral("Error while stripping Metadata");
 
-// The tag dictionary the exports come from: a photo's with the album's needDownload; a video's
+// The tag dictionary the exports come from: a photo's with its album's needDownload; a video's
 // once its tags are in and its store completed; otherwise one over nothing, needing download,
 // whose exports are all empty.
-std::unique_ptr<TSMetaDictProtocol> exportDictionary(const TSAlbum& album);
+std::unique_ptr<TSMetaDictProtocol> exportDictionary(const TSAsset* asset, bool needDownload);
 
 // The picture decoded, turned upright by `orientation` (HEIF and AVIF by their container), and
 // encoded as a JPEG of quality 100 that holds no tags; nothing when the bytes can't be decoded or
 // the JPEG can't be made.
 std::optional<QByteArray> strippedJpeg(const QByteArray& imageData, int orientation = 1);
 
-// What `action` shares of the album's current item. Nothing when there is nothing to share (no
-// current item, no data, an empty text); nothing with `error` set when making it failed.
-std::optional<ShareItems> shareItems(ShareAction action, const TSAlbum& album, QString* error = nullptr);
+// What `action` shares of the item on view (`needDownload` is its album's). Nothing when there is
+// nothing to share (no item, no data, an empty text); nothing with `error` set when making it failed.
+std::optional<ShareItems> shareItems(ShareAction action, const TSAsset* asset, bool needDownload, QString* error = nullptr);
 
 }  // namespace sharing

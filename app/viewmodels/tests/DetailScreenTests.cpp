@@ -2,6 +2,7 @@
 // The detail screen's rules, driven through its view models over real files in a files album:
 // the detail table's rows and badges, the tag table's sections and their collapse state, the
 // toolbar's tools and toggles, the strip's heights, paging and zoom limits.
+#include "AppState.h"
 #include "DetailTableModel.h"
 #include "DetailViewModel.h"
 #include "ImageProperties.h"
@@ -17,12 +18,12 @@
 #include <gtest/gtest.h>
 
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -36,20 +37,13 @@ public:
     void processedMetaData(const std::shared_ptr<TSAlbum>&) override { ++processed; }
 };
 
-bool waitFor(const std::function<bool()>& done) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 10000) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    return done();
-}
-
 QString corpus(const QString& name) { return corpusDir() + "/" + name; }
 
 class DetailScreenTest : public ::testing::Test {
 protected:
     void SetUp() override {
         TagTableModel::collapseState().clear();
-        TSEnvironment::isPad() = false;
+        appState().isPad = false;
         TSEnvironment::setCurrentAlbum(nullptr);
     }
     void TearDown() override { TSEnvironment::setCurrentAlbum(nullptr); }
@@ -66,7 +60,7 @@ protected:
         Counter counter;
         TSEnvironment::observable().addObserver(&counter);
         album.setActualIndex(index);
-        ASSERT_TRUE(waitFor([&] { return counter.processed > 0; }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return counter.processed > 0; }, 10000));
     }
 
     static QStringList column(const QAbstractItemModel& model, int role) {
@@ -412,10 +406,12 @@ TEST_F(DetailScreenTest, MoreMenuTogglesWriteTheirSettings) {
 TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum) {
     DetailViewModel detail;
     detail.setScreenSize({390, 844});
-    EXPECT_NEAR(detail.defaultHeight(), 844 * 0.5 - 0.15 * 844 - 44, 1e-9);
-    TSEnvironment::isPad() = true;
+    // Half the height less a phone's 15 % and the bar: 422 - 126.6 - 44.
+    EXPECT_NEAR(detail.defaultHeight(), 251.4, 1e-9);
+    appState().isPad = true;
     detail.setScreenSize({1180, 820});
-    EXPECT_NEAR(detail.defaultHeight(), 820 * 0.5 - 0.12 * 820 - 44, 1e-9);
+    // A tablet's 12 %: 410 - 98.4 - 44.
+    EXPECT_NEAR(detail.defaultHeight(), 267.6, 1e-9);
     const qreal standard = detail.defaultHeight();
     EXPECT_EQ(detail.stripHeight(), standard);
 
@@ -451,13 +447,13 @@ TEST_F(DetailScreenTest, StripSnapsToTwoHeightsAndOpensFullScreenPastTheMaximum)
     detail.offsetChanged(-1);
     EXPECT_TRUE(detail.fullScreen());
     // Behind the full-screen view the strip goes back to the default.
-    EXPECT_TRUE(waitFor([&] { return detail.stripHeight() == standard; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return detail.stripHeight() == standard; }, 10000));
 
     // Another window size brings the strip to that size's default.
     detail.setStripHeight(150);
-    TSEnvironment::isPad() = false;
+    appState().isPad = false;
     detail.setScreenSize({390, 844});
-    EXPECT_NEAR(detail.stripHeight(), 844 * 0.5 - 0.15 * 844 - 44, 1e-9);
+    EXPECT_NEAR(detail.stripHeight(), 251.4, 1e-9);
 }
 
 TEST_F(DetailScreenTest, StripReleasedOnTheSameIndexLoadsNothing) {
@@ -482,17 +478,17 @@ TEST_F(DetailScreenTest, StripReleasedOnTheSameIndexLoadsNothing) {
     detail.decelerationEnded((side + 10) * 2 - inset, inset, side);
     EXPECT_EQ(counter.begins, 1);
     EXPECT_FALSE(detail.barEnabled());
-    ASSERT_TRUE(waitFor([&] { return counter.processed == 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.processed == 1; }, 10000));
     EXPECT_EQ(album->actualIndex(), 2);
     EXPECT_TRUE(detail.barEnabled());
     EXPECT_FALSE(detail.overlayShown());
 
     // The keys page within the album, and no further.
     detail.next();
-    ASSERT_TRUE(waitFor([&] { return counter.processed == 2; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.processed == 2; }, 10000));
     EXPECT_EQ(detail.currentIndex(), 2);
     detail.previous();
-    ASSERT_TRUE(waitFor([&] { return counter.processed == 3; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return counter.processed == 3; }, 10000));
     EXPECT_EQ(detail.currentIndex(), 1);
     EXPECT_FALSE(detail.currentIsVideo());
     EXPECT_EQ(detail.currentSource().toLocalFile(), corpus("jpeg/Nikon_D70.jpg"));

@@ -7,6 +7,7 @@
 #include "Albums.h"
 #include "AppController.h"
 #include "AppModels.h"
+#include "AppState.h"
 #include "DetailViewModel.h"
 #include "EditViewModel.h"
 #include "GroupViewModel.h"
@@ -46,8 +47,8 @@ protected:
         add("jpeg/jolla.jpg", "d.jpg");
         add("jpeg/DSC_3079.jpg", "Trips/Paris/e.jpg");
         TSEnvironment::setCurrentAlbum(nullptr);
-        TSEnvironment::isPad() = false;
-        TSEnvironment::pendingQuickAction() = false;
+        appState().isPad = false;
+        appState().pendingQuickAction = false;
         Settings::setFlag(SettingsFlag::mostRecentFirst, false);
         models = std::make_unique<AppModels>();
         models->openLibrary({root}, false);
@@ -55,7 +56,7 @@ protected:
     void TearDown() override {
         models.reset();
         TSEnvironment::setCurrentAlbum(nullptr);
-        TSEnvironment::isPad() = false;
+        appState().isPad = false;
     }
 
     void add(const QString& corpus, const QString& relative) {
@@ -143,22 +144,22 @@ TEST_F(LibraryScreens, UnreadableFoldersGiveTheAlertAndChosenFoldersANewLibrary)
 }
 
 TEST_F(LibraryScreens, LinksQuickActionAndLibraryFilesOpenLibraryAlbums) {
-    TSEnvironment::pendingUrlAlbumName() = "TRIPS";
+    appState().pendingUrlAlbumName = "TRIPS";
     models->albumList->load();
     EXPECT_TRUE(models->albumList->inFolder());  // a folder of albums opens into the list
     models->albumList->upFolder();
-    TSEnvironment::pendingUrlAlbumName() = "paris";  // an album inside it
+    appState().pendingUrlAlbumName = "paris";  // an album inside it
     models->albumList->load();
     EXPECT_EQ(TSEnvironment::currentAlbum()->title(), "Paris");
 
     openAllPhotos(3);
     EXPECT_EQ(currentName(), "d.jpg");
     TSEnvironment::setCurrentAlbum(nullptr);
-    TSEnvironment::pendingQuickAction() = true;
+    appState().pendingQuickAction = true;
     QSignalSpy detail(models->app, &AppController::pushed);
     models->albumList->load();
     EXPECT_TRUE(detail.contains(QVariantList{"detail"}));  // on a phone the item opens at once
-    EXPECT_FALSE(TSEnvironment::pendingQuickAction());
+    EXPECT_FALSE(appState().pendingQuickAction);
     EXPECT_EQ(TSEnvironment::currentAlbum()->title(), "All Photos");
     EXPECT_EQ(currentName(), "d.jpg");  // the item last viewed
 
@@ -274,7 +275,7 @@ TEST_F(LibraryScreens, ToolbarOffersTheLibraryToolsAndTheyWorkEndToEnd) {
     EXPECT_EQ(lib().fetchAssets().count(), 4);
 
     // On a tablet "Delete" leads the more menu.
-    TSEnvironment::isPad() = true;
+    appState().isPad = true;
     EXPECT_EQ(tools.moreMenu().first().toMap()["title"], "Delete");
     tools.toggleMore(0);
     EXPECT_EQ(ask.count(), 2);
@@ -335,7 +336,7 @@ TEST_F(LibraryScreens, ANewItemSavedIsShownOrOfferedWhereItLanded) {
         adding.adding = true;
     };
     // The album on view doesn't hold it: the dialog offers all photos and, with the setting, our album.
-    TSEnvironment::pendingUrlAlbumName() = "paris";
+    appState().pendingUrlAlbumName = "paris";
     models->albumList->load();
     ASSERT_EQ(TSEnvironment::currentAlbum()->title(), "Paris");
     Settings::setFlag(SettingsFlag::saveInTessorin, true);

@@ -17,20 +17,13 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QGeoPositionInfoSource>
 #include <QGuiApplication>
 #include <QJsonObject>
+#include <QTest>
 
 namespace {
-
-bool waitUntil(const std::function<bool()>& done, int ms = 10000) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    return done();
-}
 
 HRLocation place(double lat, double lon, const QString& title) {
     HRLocation l;
@@ -69,7 +62,7 @@ TEST_F(LocationScreens, TypedCoordinatesAreNamedWithoutThePlaceSearch) {
     EXPECT_EQ(screen.placeholder(), "Search or insert an address");
     for (const QString& typed : {QStringLiteral("45.5 9.2"), QStringLiteral("45° 30' 0\" N 9° 12' 0\" E")}) {
         screen.search(typed);
-        ASSERT_TRUE(waitUntil([&] { return !screen.searchedLocations().isEmpty(); })) << typed.toStdString();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !screen.searchedLocations().isEmpty(); }, 10000)) << typed.toStdString();
         EXPECT_TRUE(screen.queryFragment().isEmpty());
         const HRLocation& found = screen.searchedLocations().first();
         EXPECT_EQ(found.location->coordinate, (GeoCoordinate{45.5, 9.2}));
@@ -89,7 +82,7 @@ TEST_F(LocationScreens, TypedCoordinatesAreNamedWithoutThePlaceSearch) {
     // The open sea has no name: nothing found, and the check falls back from the results.
     screen.tap(0, 0);
     screen.search("-48.8767 -123.3933");
-    EXPECT_TRUE(waitUntil([&] { return screen.checkedIndexPath() == LocationModifierViewModel::defaultIndexPath; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return screen.checkedIndexPath() == LocationModifierViewModel::defaultIndexPath; }, 10000));
     EXPECT_TRUE(screen.searchedLocations().isEmpty());
 }
 
@@ -170,7 +163,7 @@ TEST_F(LocationScreens, MapPicker) {
     bool done = false;
     QObject::connect(&picker, &MapPickerViewModel::done, [&] { done = true; });
     picker.finish();
-    ASSERT_TRUE(waitUntil([&] { return done; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return done; }, 10000));
     ASSERT_TRUE(delivered);
     EXPECT_TRUE(delivered->title->contains("Berlin")) << delivered->title->toStdString();
     EXPECT_EQ(delivered->location->coordinate, (GeoCoordinate{52.52, 13.405}));
@@ -228,9 +221,9 @@ TEST_F(LocationScreens, PlaceSearchAsksTheOnlineServiceWhenOneIsSet) {
     LocationModifierViewModel screen(noSource());
     screen.search("Piazza di Santa Maria in Trastevere 7, Roma");
     EXPECT_EQ(screen.queryFragment(), "Piazza di Santa Maria in Trastevere 7, Roma");
-    ASSERT_TRUE(waitUntil([&] {
+    ASSERT_TRUE(QTest::qWaitFor([&] {
         return !screen.searchedLocations().isEmpty() && screen.searchedLocations().first().location->coordinate == piazza;
-    }));
+    }, 10000));
     const HRLocation& street = screen.searchedLocations().first();
     EXPECT_EQ(street.title, "Trastevere, Roma, Italia (IT)");
     EXPECT_EQ(street.subtitle, "Trastevere, Piazza di Santa Maria in Trastevere 7, 00153 Roma, Lazio (IT)");
@@ -239,13 +232,13 @@ TEST_F(LocationScreens, PlaceSearchAsksTheOnlineServiceWhenOneIsSet) {
 
     // Typed coordinates are named, never searched for.
     screen.search("45.5 9.2");
-    ASSERT_TRUE(waitUntil([&] { return screen.checkedIndexPath() == LocationModifierViewModel::IndexPath{0, 0}; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return screen.checkedIndexPath() == LocationModifierViewModel::IndexPath{0, 0}; }, 10000));
     EXPECT_EQ(server.request().count("GET /nominatim/search?"), 1);
 
     // The map picker's search: a single answer moves the pin there.
     MapPickerViewModel picker;
     picker.search("Piazza di Santa Maria in Trastevere 7, Roma");
-    ASSERT_TRUE(waitUntil([&] { return picker.pin()["latitude"].toDouble() == piazza.latitude; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return picker.pin()["latitude"].toDouble() == piazza.latitude; }, 10000));
     EXPECT_DOUBLE_EQ(picker.pin()["longitude"].toDouble(), piazza.longitude);
 }
 

@@ -8,23 +8,16 @@
 #include "Isolation.h"
 #include "TestSupport.h"
 
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QTemporaryDir>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <atomic>
 
 namespace {
 
 using testsupport::corpusDir;
-
-bool waitFor(const std::function<bool()>& done) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 60000) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    return done();
-}
 
 class ResourcesScreenTest : public testsupport::IsolatedTest {
 protected:
@@ -37,13 +30,13 @@ protected:
         TSEnvironment::setCurrentAlbum(album_);
         album_->loadBookmarks({corpusDir() + "/" + name});
         album_->setActualIndex(0);
-        ASSERT_TRUE(waitFor([&] { return album_->currentAsset && album_->currentAsset->ddStore().completed; }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return album_->currentAsset && album_->currentAsset->ddStore().completed; }, 60000));
         // The check runs on the resource worker behind the metadata: a job queued after it has
         // run once it has, and its answer comes on the next turns of the loop.
         QCoreApplication::processEvents();
         std::atomic<bool> behind = false;
         ResourceActor::shared().enqueue([&behind] { behind = true; });
-        ASSERT_TRUE(waitFor([&] { return behind.load(); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return behind.load(); }, 60000));
         for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
         (void)vm;
     }
@@ -62,7 +55,7 @@ TEST_F(ResourcesScreenTest, PortraitOffersTheListWithItsMapsUnderTheFile) {
     vm.setOpen(true);
     EXPECT_EQ(vm.total(), 10);
     EXPECT_TRUE(vm.showProgress());
-    ASSERT_TRUE(waitFor([&] { return !vm.showProgress(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !vm.showProgress(); }, 60000));
     EXPECT_EQ(vm.progress(), 10);
 
     const QVariantList sections = vm.sections();
@@ -95,7 +88,7 @@ TEST_F(ResourcesScreenTest, PlainPhotoIsNotOfferedButItsListStillFills) {
     show(vm, "jpeg/Canon_40D.jpg");
     EXPECT_FALSE(vm.available());
     vm.setOpen(true);
-    ASSERT_TRUE(waitFor([&] { return vm.progress() == 10; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return vm.progress() == 10; }, 60000));
     const QVariantList rows = vm.sections().value(0).toMap()["rows"].toList();
     ASSERT_EQ(rows.size(), 1);
     vm.showMedia(rows[0].toMap()["url"].toUrl());

@@ -5,6 +5,7 @@
 #include "AlbumListViewModel.h"
 #include "AppController.h"
 #include "AppModels.h"
+#include "AppState.h"
 #include "ColorScheme.h"
 #include "GroupViewModel.h"
 #include "TagTableModel.h"
@@ -46,14 +47,14 @@ class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override {
         TSEnvironment::setCurrentAlbum(nullptr);
-        TSEnvironment::pendingUrlAlbumName().reset();
-        TSEnvironment::isPad() = false;
+        appState().pendingUrlAlbumName.reset();
+        appState().isPad = false;
         Log::addProvider(log_);
     }
     void TearDown() override {
         Log::removeProvider(log_);
         TSEnvironment::setCurrentAlbum(nullptr);
-        TSEnvironment::isPad() = false;
+        appState().isPad = false;
     }
     // Whether a line ending in this text was logged.
     bool logged(const QString& text) {
@@ -180,13 +181,13 @@ TEST_F(ShellTest, LinkHostOpensTheAlbumOfThatNameWhateverTheCase) {
     EXPECT_EQ(opened.count(), 1);
     EXPECT_EQ(models.app->screens(), (QStringList{"albums", "group"}));
     EXPECT_EQ(models.group->count(), 2);
-    EXPECT_FALSE(TSEnvironment::pendingUrlAlbumName().has_value()) << "acted on once";
+    EXPECT_FALSE(appState().pendingUrlAlbumName.has_value()) << "acted on once";
 
     // A name that matches nothing leaves the list on screen.
     models.app->openUrl(QStringLiteral("tessorin://Holidays"));
     EXPECT_EQ(opened.count(), 1);
     EXPECT_EQ(models.app->screens(), QStringList{"albums"});
-    EXPECT_FALSE(TSEnvironment::pendingUrlAlbumName().has_value());
+    EXPECT_FALSE(appState().pendingUrlAlbumName.has_value());
 
     // No host: logged, and the root is still rebuilt.
     models.app->openGroup();
@@ -346,7 +347,7 @@ TEST_F(ShellTest, ShowingAnItem) {
     EXPECT_EQ(detail.count(), 1);
 
     // A tablet shows the current item at once when the group appears, and marks what is shown.
-    TSEnvironment::isPad() = true;
+    appState().isPad = true;
     group.attach();
     EXPECT_EQ(group.selectedIndex(), 2);
     EXPECT_EQ(detail.count(), 1);

@@ -81,7 +81,7 @@ protected:
 TEST_F(AddingPictureTest, NewPictureInTheAlbumOnViewIsFoundThere) {
     current = lib->fetchAssets();
     auto task = save();
-    ASSERT_TRUE(spinUntil([&] { return resumed; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return resumed; }, 20000));
     // The oldest of three: first by date.
     EXPECT_EQ(adding.actualIndex, 0);
     EXPECT_FALSE(adding.allPhotosIndex);
@@ -94,7 +94,7 @@ TEST_F(AddingPictureTest, NewPictureOutsideTheAlbumOnViewIsFoundInAllPhotosAndTh
     // The application's album doesn't exist before the first save.
     EXPECT_FALSE(lib->album(library::Library::applicationAlbumTitle()));
     auto task = save();
-    ASSERT_TRUE(spinUntil([&] { return resumed; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return resumed; }, 20000));
     EXPECT_FALSE(adding.actualIndex);
     EXPECT_EQ(adding.allPhotosIndex, 0);
     EXPECT_EQ(adding.tessorinIndex, 0);

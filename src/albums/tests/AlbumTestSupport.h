@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QTest>
 #include <QThread>
 #include <functional>
 
@@ -49,15 +50,4 @@ inline void spin(int ms = 0) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         if (ms > 0) QThread::msleep(2);
     } while (clock.elapsed() < ms);
-}
-
-// Spins until `done` or a generous limit.
-inline bool spinUntil(const std::function<bool()>& done, int limitMs = 20000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < limitMs) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        QThread::msleep(1);
-    }
-    return done();
 }

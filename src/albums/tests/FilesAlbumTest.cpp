@@ -23,14 +23,12 @@ protected:
     void SetUp() override {
         spin();
         hub.download = DownloadLevel::none;
-        TSEnvironment::isPad() = false;
         TSEnvironment::setCurrentAlbum(album);
         screen.ignored = {"rows"};
         hub.addObserver(&screen);
         album->addGroupObserver(&screen);
     }
     void TearDown() override {
-        TSEnvironment::isPad() = false;
         TSEnvironment::setCurrentAlbum(nullptr);
     }
 };
@@ -53,8 +51,7 @@ TEST_F(FilesAlbumTest, OnAPhoneNothingLoadsUntilAnItemIsChosen) {
 }
 
 TEST_F(FilesAlbumTest, OnAPadTheFirstItemLoadsAtOnce) {
-    TSEnvironment::isPad() = true;
-    album->loadBookmarks(files);
+    album->loadBookmarks(files, true);
     ASSERT_TRUE(album->currentAsset);
     EXPECT_EQ(album->displayedIndex, 0);
     EXPECT_EQ(album->currentAsset->path(), files[0]);
@@ -146,7 +143,7 @@ TEST_F(FilesAlbumTest, ImagesAreMadeOffTheGuiThreadAndHandedBackOnIt) {
             answers[i] = {image, degraded, QThread::currentThread() == QCoreApplication::instance()->thread()};
         });
     EXPECT_EQ(ids.size(), album->count() + 1);  // one identifier per request
-    ASSERT_TRUE(spinUntil([&] { return answers.size() == album->count() + 1; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answers.size() == album->count() + 1; }, 20000));
     for (int i = 0; i < 3; ++i) {
         SCOPED_TRACE(files[i].toStdString());
         EXPECT_FALSE(answers[i].image.isNull());

@@ -135,7 +135,7 @@ TEST_F(ImageRequesterTest, ItemOnTheDiskIsReadWithoutTheDownloadPath) {
     lib.scan();
     item->asset = *lib.assetForPath(file);
     requester.dataRequest(item);
-    ASSERT_TRUE(spinUntil([&] { return item->received.has_value(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return item->received.has_value(); }, 20000));
     QFile original(file);
     ASSERT_TRUE(original.open(QIODevice::ReadOnly));
     ASSERT_TRUE(item->received->has_value());
@@ -155,7 +155,7 @@ TEST_F(ImageRequesterTest, SlowFileOnTheDeviceReportsRisingProgress) {
     item->asset.resources = {Resource{ResourceType::photo, "slow.jpg", path("slow.jpg"), size, true}};
     SlowSource source(path("slow.jpg"), size, 15);
     requester.dataRequest(item);
-    ASSERT_TRUE(spinUntil([&] { return item->received.has_value(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return item->received.has_value(); }, 20000));
     ASSERT_TRUE(item->received->has_value());
     EXPECT_EQ(**item->received, QByteArray(size, 'x'));
     spin(300);
@@ -174,7 +174,7 @@ TEST_F(ImageRequesterTest, ItemOffTheDeviceIsFetchedWithTheProgressBarShown) {
     SlowSource source(path("remote.jpg"), size, 30);
     requester.dataRequest(item);
     EXPECT_TRUE(requester.needDownload);
-    ASSERT_TRUE(spinUntil([&] { return item->received.has_value(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return item->received.has_value(); }, 20000));
     ASSERT_TRUE(item->received->has_value());
     EXPECT_EQ((*item->received)->size(), size);
     EXPECT_EQ(**item->received, QByteArray(size, 'x'));
@@ -193,12 +193,12 @@ TEST_F(ImageRequesterTest, CancelStopsTheReadingAndEndsTheCascade) {
     remoteItem(path("remote.jpg"), size);
     SlowSource source(path("remote.jpg"), size, 20);
     requester.dataRequest(item);
-    ASSERT_TRUE(spinUntil([&] { return source.written > 2 << 16; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return source.written > 2 << 16; }, 20000));
     requester.onProgressCanceled();
     EXPECT_TRUE(requester.stopDownload());
-    ASSERT_TRUE(spinUntil([&] { return hub.download == DownloadLevel::interrupted; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hub.download == DownloadLevel::interrupted; }, 20000));
     // The reader closed its end long before the source was through.
-    ASSERT_TRUE(spinUntil([&] { return source.readerClosed.load(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return source.readerClosed.load(); }, 20000));
     EXPECT_LT(source.written, size);
     spin(300);
     EXPECT_FALSE(item->received.has_value());
@@ -208,7 +208,7 @@ TEST_F(ImageRequesterTest, CancelStopsTheReadingAndEndsTheCascade) {
 TEST_F(ImageRequesterTest, ItemThatCantBeFetchedFailsWithTheReadersText) {
     remoteItem(path("gone.jpg"), 1000);
     requester.dataRequest(item);
-    ASSERT_TRUE(spinUntil([&] { return hub.download == DownloadLevel::failed; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return hub.download == DownloadLevel::failed; }, 20000));
     spin(50);
     EXPECT_FALSE(item->received.has_value());
     ASSERT_FALSE(screen.heard.isEmpty());
@@ -250,9 +250,9 @@ TEST_F(ImageRequesterTest, AlbumShowsProgressThenTheRowsOfAnItemOffTheDevice) {
     const auto forget = qScopeGuard([] { TSEnvironment::setCurrentAlbum(nullptr); });
     screen.ignored = {"rows"};
     album->setAlbum(library::FetchResult({remote}), 0, "Recents");
-    ASSERT_TRUE(spinUntil([&] { return album->needDownload(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return album->needDownload(); }, 20000));
     EXPECT_FALSE(album->currentAsset);
-    ASSERT_TRUE(spinUntil([&] { return album->currentAsset != nullptr; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return album->currentAsset != nullptr; }, 20000));
     EXPECT_FALSE(album->needDownload());
     const TSAsset& item = *album->currentAsset;
     EXPECT_EQ(item.imageData(), bytes);
@@ -260,7 +260,7 @@ TEST_F(ImageRequesterTest, AlbumShowsProgressThenTheRowsOfAnItemOffTheDevice) {
     EXPECT_EQ(item.ddStore().datas.value(TSKey::CAMERA), "Canon EOS 40D");
     EXPECT_EQ(item.libraryAsset()->localIdentifier, "remote-1");
 
-    ASSERT_TRUE(spinUntil([&] { return screen.heard.contains("processed"); })) << screen.heard.join(" | ").toStdString();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return screen.heard.contains("processed"); }, 20000)) << screen.heard.join(" | ").toStdString();
     const qsizetype processed = screen.heard.indexOf("processed");
     // The bar was on view while the item was on its way.
     QList<float> before;

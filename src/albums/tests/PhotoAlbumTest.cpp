@@ -88,7 +88,7 @@ TEST_F(PhotoAlbumTest, IndexesClampAndAnEmptyFetchHasNoItem) {
     album->setAlbum(lib->fetchAssets(), 0, "Recents");
     called = false;
     EXPECT_GT(album->requestImage(5, QSize(40, 40), [&](const QImage& image, bool) { got = image, called = true; }), 0);
-    ASSERT_TRUE(spinUntil([&] { return called; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return called; }, 20000));
     EXPECT_FALSE(got.isNull());  // the last item's first frame
     EXPECT_LE(qMax(got.width(), got.height()), 40);
 }

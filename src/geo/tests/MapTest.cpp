@@ -2,6 +2,7 @@
 #include "TileSource.h"
 #include "WebMercator.h"
 
+#include "HttpAnswer.h"
 #include "Isolation.h"
 
 #include <gtest/gtest.h>
@@ -9,8 +10,6 @@
 #include <QBuffer>
 #include <QEventLoop>
 #include <QImage>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -54,51 +53,19 @@ TEST(WebMercator, HeadingArrowTurnsByTheDirection) {
 
 namespace {
 
-// A tile server on the loopback address: answers each tile after a short wait with a PNG, the
-// given cache header and status, and counts what it saw.
-class TileServer {
-public:
-    QByteArray status = "200 OK";
-    QByteArray cacheControl = "max-age=3600";
-    QByteArray body;
-    int requests = 0;
-    int open = 0, maxOpen = 0;
-    QByteArray lastRequest;
-
-    TileServer() {
+// A tile server on the loopback address: answers each tile after a short wait with a green PNG
+// that may be kept an hour.
+struct TileServer : testsupport::HttpAnswer {
+    TileServer() : HttpAnswer("200 OK", {}) {
         QImage image(256, 256, QImage::Format_RGB32);
         image.fill(Qt::green);
         QBuffer b(&body);
         b.open(QIODevice::WriteOnly);
         image.save(&b, "PNG");
-        server_.listen(QHostAddress::LocalHost, 0);
-        QObject::connect(&server_, &QTcpServer::newConnection, [this] {
-            while (QTcpSocket* s = server_.nextPendingConnection()) {
-                auto* buffer = new QByteArray;
-                QObject::connect(s, &QObject::destroyed, [buffer] { delete buffer; });
-                QObject::connect(s, &QTcpSocket::readyRead, s, [this, s, buffer] {
-                    *buffer += s->readAll();
-                    while (buffer->contains("\r\n\r\n")) {
-                        const qsizetype end = buffer->indexOf("\r\n\r\n") + 4;
-                        lastRequest = buffer->left(end);
-                        buffer->remove(0, end);
-                        ++requests;
-                        maxOpen = std::max(maxOpen, ++open);
-                        QTimer::singleShot(30, s, [this, s] { answer(s); });
-                    }
-                });
-            }
-        });
+        contentType = "image/png";
+        cacheControl = "max-age=3600";
+        delayMs = 30;
     }
-    QString urlTemplate() const { return QStringLiteral("http://127.0.0.1:%1/{z}/{x}/{y}.png").arg(server_.serverPort()); }
-
-private:
-    void answer(QTcpSocket* s) {
-        --open;
-        s->write("HTTP/1.1 " + status + "\r\nContent-Type: image/png\r\nCache-Control: " + cacheControl +
-                 "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body);
-    }
-    QTcpServer server_;
 };
 
 // Asks for tiles until each has come or failed (10 s at most); counts the failures.
@@ -133,29 +100,29 @@ TEST_F(Tiles, FetchedTwoAtATimeWithOurNameAndKeptWhileFresh) {
     for (int x = 0; x < 4; ++x)
         for (int y = 0; y < 2; ++y) tiles.append({3, x, y});
     {
-        TileSource first(server_.urlTemplate(), cache_.path());
+        TileSource first(server_.tileTemplate(), cache_.path());
         EXPECT_EQ(fetch(first, tiles), 0);
         ASSERT_NE(first.tile({3, 2, 1}), nullptr);
         EXPECT_EQ(first.tile({3, 2, 1})->size(), QSize(256, 256));
     }
     EXPECT_EQ(server_.requests, 8);
     EXPECT_LE(server_.maxOpen, 2);
-    EXPECT_TRUE(server_.lastRequest.contains("GET /3/"));
-    EXPECT_TRUE(server_.lastRequest.contains("User-Agent: Tessorin/")) << server_.lastRequest.toStdString();
+    EXPECT_TRUE(server_.lastRequest().contains("GET /3/"));
+    EXPECT_TRUE(server_.lastRequest().contains("User-Agent: Tessorin/")) << server_.lastRequest().toStdString();
 
     // A second view of the same place, in a new map, is drawn from the disk cache.
-    TileSource second(server_.urlTemplate(), cache_.path());
+    TileSource second(server_.tileTemplate(), cache_.path());
     EXPECT_EQ(fetch(second, tiles), 0);
     EXPECT_EQ(server_.requests, 8);
 }
 
 TEST_F(Tiles, ExpiredTilesAreFetchedAgain) {
     server_.cacheControl = "max-age=1";
-    { TileSource first(server_.urlTemplate(), cache_.path()); EXPECT_EQ(fetch(first, {{5, 1, 1}}), 0); }
+    { TileSource first(server_.tileTemplate(), cache_.path()); EXPECT_EQ(fetch(first, {{5, 1, 1}}), 0); }
     QEventLoop wait;
     QTimer::singleShot(2100, &wait, &QEventLoop::quit);
     wait.exec();
-    TileSource second(server_.urlTemplate(), cache_.path());
+    TileSource second(server_.tileTemplate(), cache_.path());
     EXPECT_EQ(fetch(second, {{5, 1, 1}}), 0);
     EXPECT_EQ(server_.requests, 2);
 }
@@ -165,7 +132,7 @@ TEST_F(Tiles, AFailingServerLeavesTheOfflineMap) {
     // for again at once.
     server_.status = "503 Service Unavailable";
     server_.cacheControl = "no-store";
-    TileSource source(server_.urlTemplate(), cache_.path());
+    TileSource source(server_.tileTemplate(), cache_.path());
     EXPECT_EQ(fetch(source, {{2, 1, 1}}), 1);
     server_.status = "200 OK";
     server_.body = "<html>not a tile</html>";
@@ -188,5 +155,5 @@ TEST_F(Tiles, NoServerAndTheNotice) {
     TileSource osm(TileSource::openStreetMapTemplate, cache_.path());
     EXPECT_EQ(TileSource::attribution(osm.urlTemplate()), "© OpenStreetMap contributors");
     EXPECT_EQ(osm.url({4, 8, 5}).toString(), "https://tile.openstreetmap.org/4/8/5.png");
-    EXPECT_EQ(TileSource::attribution(server_.urlTemplate()), "");
+    EXPECT_EQ(TileSource::attribution(server_.tileTemplate()), "");
 }

@@ -92,9 +92,9 @@ TEST_F(LibraryFixture, LivePhotoPairsByContentIdentifierNotByName) {
     // The same identifier in a photo and a movie of other names; a second pair with two
     // different ones.
     const QString still = add("heif/IMG_5195.HEIC", "IMG_0001.HEIC");
-    const QString motion = path("lib/clip_0001.mov");
+    const QString motion = root() + "/clip_0001.mov";
     const QString lone = add("heif/IMG_5195.HEIC", "IMG_0002.HEIC");
-    const QString stranger = path("lib/clip_0002.mov");
+    const QString stranger = root() + "/clip_0002.mov";
     const QString source = testsupport::corpusDir() + "/video/apple_meta.mov";
     ASSERT_TRUE(run("exiftool", {"-q", "-overwrite_original", "-Apple:MediaGroupUUID=7C1D6F0A-PAIR", still}));
     ASSERT_TRUE(run("exiftool", {"-q", "-overwrite_original", "-Apple:MediaGroupUUID=7C1D6F0A-LONE", lone}));

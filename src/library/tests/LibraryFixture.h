@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// A library in a temporary folder, with the settings, data folder (and so the trash) of the
-// test's own.
+// A library in the test's own library folder, with the settings, data folder (and so the trash)
+// of the test's isolation.
 #include "Isolation.h"
 #include "Library.h"
 #include "TestSupport.h"
@@ -9,30 +9,23 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSettings>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <memory>
 
 class LibraryFixture : public testsupport::IsolatedTest {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(tmp.isValid());
-        // Named folders of the test's own, so tests can look into the data folder's trash.
-        isolation().setEnv("XDG_DATA_HOME", path("data").toUtf8());
-        isolation().setEnv("XDG_CONFIG_HOME", path("config").toUtf8());
-        isolation().setEnv("XDG_CACHE_HOME", path("cache").toUtf8());
-        isolation().setEnv("HOME", path("home").toUtf8());
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("config"));
-        QDir().mkpath(root());
-        QDir().mkpath(path("home"));
-        isolation().setEnv("TESSORIN_LIBRARY", root().toUtf8());
+        base_ = isolation().root();
+        ASSERT_TRUE(QFileInfo(database()).dir().exists()) << "the isolation makes the data folder";
+        ASSERT_EQ(qEnvironmentVariable("TESSORIN_LIBRARY"), root());
         reopen();
     }
     void TearDown() override { lib.reset(); }
 
-    QString path(const QString& relative) const { return tmp.path() + '/' + relative; }
-    QString root() const { return path("lib"); }
+    // A path in the isolation's folder: "data" is XDG_DATA_HOME (with the trash), "library" the
+    // library folder.
+    QString path(const QString& relative) const { return base_ + '/' + relative; }
+    QString root() const { return path("library"); }
     QString database() const { return path("data/library.sqlite"); }
     void reopen(QStringList folders = {}) {
         lib.reset();
@@ -54,6 +47,8 @@ protected:
         return a.value_or(library::Asset{});
     }
 
-    QTemporaryDir tmp;
     std::unique_ptr<library::Library> lib;
+
+private:
+    QString base_;
 };

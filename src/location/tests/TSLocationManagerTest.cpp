@@ -10,6 +10,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QNmeaPositionInfoSource>
+#include <QTest>
 #include <QTimer>
 
 #include <cmath>
@@ -52,17 +53,6 @@ protected:
             return source;
         });
     }
-
-    // Runs the event loop until `done` holds (10 s at most, unless told).
-    static bool waitFor(const std::function<bool()>& done, int timeoutMs = 10'000) {
-        QEventLoop loop;
-        QTimer tick;
-        QObject::connect(&tick, &QTimer::timeout, &loop, [&] { if (done()) loop.quit(); });
-        tick.start(5);
-        QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
-        if (!done()) loop.exec();
-        return done();
-    }
 };
 
 }  // namespace
@@ -73,7 +63,7 @@ TEST_F(LocationManager, AFixGetsItsCoordinateThenItsPlace) {
     QObject::connect(manager.get(), &TSLocationManager::changed, [&] { ++changes; });
     manager->start();
     EXPECT_TRUE(manager->locationAvailable());
-    ASSERT_TRUE(waitFor([&] { return manager->actualHRLocation() && manager->actualHRLocation()->title; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return manager->actualHRLocation() && manager->actualHRLocation()->title; }, 10000));
     const HRLocation& here = *manager->actualHRLocation();
     EXPECT_NEAR(here.location->coordinate.latitude, 41.8902, 1e-6);
     EXPECT_NEAR(here.location->coordinate.longitude, 12.4922, 1e-6);
@@ -89,9 +79,9 @@ TEST_F(LocationManager, AFixWithNoPlaceKeepsTheCoordinateText) {
     // The middle of the South Pacific: no town within reach, so no name, as when offline.
     auto manager = replaying(rmc(-48.8767, -123.3933, "101500.00"));
     manager->start();
-    ASSERT_TRUE(waitFor([&] { return manager->actualHRLocation().has_value(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return manager->actualHRLocation().has_value(); }, 10000));
     // Give the geocoder its turn: its empty answer must leave the coordinate text.
-    waitFor([] { return false; }, 500);
+    QTest::qWait(500);
     const HRLocation& here = *manager->actualHRLocation();
     EXPECT_FALSE(here.title);
     EXPECT_EQ(here.subtitle, hrl::coordinatesText(*here.location, true));

@@ -98,7 +98,7 @@ QJsonObject tagsOf(const QString& path) { return exiftoolJson(path, {"-n", "-G1"
 // every save), the software and modification date of the save, and what moves with the data.
 bool mayChange(const QString& tag) {
     static const QStringList fragments{"IPTC:", "XMP-", "IFD0:Artist", "IFD0:Copyright", "IFD0:ImageDescription",
-                                       "SourceFile", "System:", "File:", "ExifTool:", "Composite:", "Offset", "ImageStart",
+                                       "ExifTool:", "Composite:", "Offset", "ImageStart",
                                        "MediaData", "Software", "CreatorTool", "ModifyDate", "UserComment"};
     for (const QString& f : fragments)
         if (tag.contains(f)) return true;
@@ -145,21 +145,17 @@ TEST_F(IptcRoundTrip, EveryFieldOnThreePhotosAtOnce) {
         }
 
         const QJsonObject before = tagsOf(source);
-        for (auto it = before.begin(); it != before.end(); ++it) {
-            if (mayChange(it.key())) continue;
-            EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
-        }
-        // XMP and IIM the source had beyond our fields stay too.
-        for (auto it = before.begin(); it != before.end(); ++it) {
-            if (!(it.key().startsWith("XMP-") || it.key().startsWith("IPTC:")) || it.key().contains("Date") ||
-                it.key().contains("Time") || it.key() == "XMP-x:XMPToolkit" || it.key() == "XMP-xmp:CreatorTool")
-                continue;
-            bool ours = it.key() == "IPTC:CodedCharacterSet";
-            for (const Field& f : fields()) ours |= it.key() == f.exiftoolIim || it.key() == f.exiftoolXmp;
-            if (!ours) {
-                EXPECT_EQ(after.value(it.key()), it.value()) << it.key().toStdString();
-            }
-        }
+        expectOtherTagsKept(before, after, [](const QString& tag, auto&&...) { return mayChange(tag); });
+        // XMP and IIM the source had beyond our fields stay too, but for the dates every save
+        // drops and the XMP writer's names.
+        expectOtherTagsKept(before, after, [](const QString& tag, auto&&...) {
+            if (!(tag.startsWith("XMP-") || tag.startsWith("IPTC:")) || tag.contains("Date") || tag.contains("Time") ||
+                tag == "XMP-x:XMPToolkit" || tag == "XMP-xmp:CreatorTool")
+                return true;
+            bool ours = tag == "IPTC:CodedCharacterSet";
+            for (const Field& f : fields()) ours |= tag == f.exiftoolIim || tag == f.exiftoolXmp;
+            return ours;
+        });
     }
 }
 
