@@ -232,6 +232,9 @@ TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryF
         {"read-only folder with a sidecar", sidecarText(5, "kept"), true, "read-only"},
         {"the photo's own place taken away", {}, false, "a sidecar can't take away what the photo holds itself",
          {"--no-location"}, "jpeg/gps/DSCN0010.jpg"},
+        // exiftool: Canon_40D.jpg holds DateTimeOriginal 2008:05:30 15:56:01.
+        {"the photo's own date taken away", {}, false, "a sidecar can't take away what the photo holds itself",
+         {"--no-date"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

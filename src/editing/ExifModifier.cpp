@@ -118,9 +118,10 @@ imageio::PropertyDict finalDictionary(const ModifyingPhotoAsset& photo, bool ren
 }
 
 // What a sidecar can be held to of `dict`: a sidecar only adds and overrides, so a tag the photo
-// holds itself stays whatever the sidecar says. Single tags the wishes clear (as a new place
-// clears the old one's altitude) are left out of the comparison; nothing when a whole group or a
-// top-level value the photo holds was to go (no place, no tags), which only the photo can lose.
+// holds itself stays whatever the sidecar says. Single tags the wishes clear beside new values of
+// their group (as a new place clears the old one's altitude) are left out of the comparison;
+// nothing when the photo's own tags were only to go (no place, no date, a removed tag), which
+// only the photo can lose: saying they went would be a lie.
 std::optional<imageio::PropertyDict> sidecarWishes(const imageio::PropertyDict& dict, const imageio::PropertyDict& own) {
     const auto removal = [](const QVariant& v) { return !v.isValid() || v.isNull(); };
     imageio::PropertyDict out;
@@ -136,6 +137,12 @@ std::optional<imageio::PropertyDict> sidecarWishes(const imageio::PropertyDict& 
             continue;
         }
         QVariantMap group = it.value().toMap();
+        bool setsSome = false, dropsHeld = false;
+        for (auto g = group.begin(); g != group.end(); ++g) {
+            if (!removal(g.value())) setsSome = setsSome || held.value(g.key()) != g.value();
+            else dropsHeld = dropsHeld || held.contains(g.key());
+        }
+        if (dropsHeld && !setsSome) return std::nullopt;
         for (auto g = group.begin(); g != group.end();)
             g = removal(g.value()) && held.contains(g.key()) ? group.erase(g) : std::next(g);
         out.insert(it.key(), group);
