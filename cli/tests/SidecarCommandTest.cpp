@@ -242,7 +242,7 @@ TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryF
         for (const QString& f : QDir(folder()).entryList({"*.xmp"}, QDir::Files)) QFile::remove(folder() + "/" + f);
         if (!c.sidecar.isEmpty()) writeFile(path + ".xmp", c.sidecar);
         const QMap<QString, QByteArray> files = snapshot();
-        if (c.readOnly) ASSERT_EQ(chmod(QFile::encodeName(folder()).constData(), 0555), 0);
+        if (c.readOnly) { ASSERT_EQ(chmod(QFile::encodeName(folder()).constData(), 0555), 0); }
 
         const QJsonObject props = propsOf(path);
         EXPECT_EQ(props.value("{TIFF}").toObject().value("Make").toString(), exiftoolTags(path).value("IFD0:Make").toString());
@@ -252,7 +252,7 @@ TEST_F(SidecarTest, BadSidecarsAndReadOnlyFoldersAreRefusedInWordsAndLeaveEveryF
         EXPECT_TRUE(r.err.contains(c.message)) << r.err.toStdString();
         EXPECT_TRUE(r.err.contains("nothing was saved")) << r.err.toStdString();
 
-        if (c.readOnly) ASSERT_EQ(chmod(QFile::encodeName(folder()).constData(), 0755), 0);
+        if (c.readOnly) { ASSERT_EQ(chmod(QFile::encodeName(folder()).constData(), 0755), 0); }
         EXPECT_EQ(snapshot(), files);
     }
 }
