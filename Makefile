@@ -38,11 +38,13 @@ test: build build-asan test-tsan
 		ctest --output-on-failure -j $(JOBS)
 
 # The reader and writer tests, among them many threads reading and writing at once, under
-# ThreadSanitizer: only their binary is built.
+# ThreadSanitizer: only their binary is built. Some tests run exiftool through QProcess, whose
+# fork-and-exec ThreadSanitizer takes for a forked child that goes on to start threads, and
+# would kill the run at the next thread: die_after_fork=0.
 test-tsan: deps
 	cmake -S . -B $(TSAN_BUILD) -G Ninja $(LAUNCHER) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSORIN_TSAN=ON -DTESSORIN_BENCH=OFF $(CMAKE_FLAGS)
 	cmake --build $(TSAN_BUILD) -j $(JOBS) --target imageio_tests
-	TESSORIN_CORPUS=$(CURDIR)/../shared/corpus QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1 \
+	TESSORIN_CORPUS=$(CURDIR)/../shared/corpus QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1:die_after_fork=0 \
 		$(TSAN_BUILD)/bin/imageio_tests
 
 test-fast: build
