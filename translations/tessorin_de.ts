@@ -273,6 +273,17 @@
     </message>
 </context>
 <context>
+    <name>DetailTableModel</name>
+    <message>
+        <source>This image has no exif tags</source>
+        <translation>Dieses Bild hat keine Exif-Tags</translation>
+    </message>
+    <message>
+        <source>Screenshot</source>
+        <translation>Bildschirmfoto</translation>
+    </message>
+</context>
+<context>
     <name>DetailTableView</name>
     <message>
         <source>Copy</source>
@@ -1430,6 +1441,457 @@
     <message>
         <source>Camera Model</source>
         <translation>Kameramodell</translation>
+    </message>
+</context>
+<context>
+    <name>TagValues</name>
+    <message>
+        <source>Adobe RGB</source>
+        <translation>Adobe RGB</translation>
+    </message>
+    <message>
+        <source>Wide Gamut RGB</source>
+        <translation>Wide Gamut RGB</translation>
+    </message>
+    <message>
+        <source>ICC Profile</source>
+        <translation>ICC-Profil</translation>
+    </message>
+    <message>
+        <source>Uncalibrated</source>
+        <translation>Nicht kalibriert</translation>
+    </message>
+    <message>
+        <source>Not defined</source>
+        <translation>Nicht festgelegt</translation>
+    </message>
+    <message>
+        <source>Manual</source>
+        <translation>Manuell</translation>
+    </message>
+    <message>
+        <source>Program AE</source>
+        <translation>Programmautomatik</translation>
+    </message>
+    <message>
+        <source>Aperture priority</source>
+        <translation>Blendenvorwahl</translation>
+    </message>
+    <message>
+        <source>Shutter speed priority</source>
+        <translation>Zeitvorwahl</translation>
+    </message>
+    <message>
+        <source>Creative program (biased toward depth of field)</source>
+        <translation>Kreativprogramm (für große Schärfentiefe)</translation>
+    </message>
+    <message>
+        <source>Action program (biased toward fast shutter speed)</source>
+        <translation>Sportprogramm (für kurze Belichtungszeiten)</translation>
+    </message>
+    <message>
+        <source>Portrait mode (for closeup photos with the background out of focus)</source>
+        <translation>Porträt (Nahaufnahme mit unscharfem Hintergrund)</translation>
+    </message>
+    <message>
+        <source>Landscape mode (for landscape photos with the background in focus)</source>
+        <translation>Landschaft (mit scharfem Hintergrund)</translation>
+    </message>
+    <message>
+        <source>Bulb</source>
+        <translation>Langzeitbelichtung (Bulb)</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>Integral</translation>
+    </message>
+    <message>
+        <source>Center-weighted Average</source>
+        <translation>Mittenbetont integral</translation>
+    </message>
+    <message>
+        <source>Spot</source>
+        <translation>Spot</translation>
+    </message>
+    <message>
+        <source>MultiSpot</source>
+        <translation>Mehrfach-Spot</translation>
+    </message>
+    <message>
+        <source>Multi-segment (or Pattern) </source>
+        <translation>Mehrfeld (Matrix)</translation>
+    </message>
+    <message>
+        <source>Partial</source>
+        <translation>Selektiv</translation>
+    </message>
+    <message>
+        <source>Daylight</source>
+        <translation>Tageslicht</translation>
+    </message>
+    <message>
+        <source>Fluorescent</source>
+        <translation>Leuchtstofflampe</translation>
+    </message>
+    <message>
+        <source>Tungsten (incandescent light)</source>
+        <translation>Kunstlicht (Glühlampe)</translation>
+    </message>
+    <message>
+        <source>Flash</source>
+        <translation>Blitz</translation>
+    </message>
+    <message>
+        <source>Fine weather</source>
+        <translation>Sonnig</translation>
+    </message>
+    <message>
+        <source>Cloudy weather</source>
+        <translation>Bewölkt</translation>
+    </message>
+    <message>
+        <source>Shade</source>
+        <translation>Schatten</translation>
+    </message>
+    <message>
+        <source>Daylight fluorescent (D 5700 – 7100K)</source>
+        <translation>Tageslicht-Leuchtstofflampe (D 5700 – 7100K)</translation>
+    </message>
+    <message>
+        <source>Day white fluorescent (N 4600 – 5400K)</source>
+        <translation>Neutralweiße Leuchtstofflampe (N 4600 – 5400K)</translation>
+    </message>
+    <message>
+        <source>Cool white fluorescent (W 3900 – 4500K)</source>
+        <translation>Kaltweiße Leuchtstofflampe (W 3900 – 4500K)</translation>
+    </message>
+    <message>
+        <source>White fluorescent (WW 3200 – 3700K)</source>
+        <translation>Warmweiße Leuchtstofflampe (WW 3200 – 3700K)</translation>
+    </message>
+    <message>
+        <source>Standard light A</source>
+        <translation>Normlicht A</translation>
+    </message>
+    <message>
+        <source>Standard light B</source>
+        <translation>Normlicht B</translation>
+    </message>
+    <message>
+        <source>Standard light C</source>
+        <translation>Normlicht C</translation>
+    </message>
+    <message>
+        <source>ISO studio tungsten</source>
+        <translation>ISO-Studio-Kunstlicht</translation>
+    </message>
+    <message>
+        <source>other light source</source>
+        <translation>andere Lichtquelle</translation>
+    </message>
+    <message>
+        <source>Monochrome area</source>
+        <translation>Monochromer Flächensensor</translation>
+    </message>
+    <message>
+        <source>One-chip color area sensor</source>
+        <translation>Ein-Chip-Farbflächensensor</translation>
+    </message>
+    <message>
+        <source>Two-chip color area sensor</source>
+        <translation>Zwei-Chip-Farbflächensensor</translation>
+    </message>
+    <message>
+        <source>Three-chip color area sensor</source>
+        <translation>Drei-Chip-Farbflächensensor</translation>
+    </message>
+    <message>
+        <source>Color sequential area sensor</source>
+        <translation>Farbsequenzieller Flächensensor</translation>
+    </message>
+    <message>
+        <source>Monochrome linear</source>
+        <translation>Monochromer Zeilensensor</translation>
+    </message>
+    <message>
+        <source>Trilinear sensor</source>
+        <translation>Trilinearer Sensor</translation>
+    </message>
+    <message>
+        <source>Color sequential linear sensor</source>
+        <translation>Farbsequenzieller Zeilensensor</translation>
+    </message>
+    <message>
+        <source>Film Scanner</source>
+        <translation>Filmscanner</translation>
+    </message>
+    <message>
+        <source>Reflection Print Scanner</source>
+        <translation>Aufsichtsscanner</translation>
+    </message>
+    <message>
+        <source>A directly photographed image</source>
+        <translation>Direkt aufgenommenes Bild</translation>
+    </message>
+    <message>
+        <source>Normal process</source>
+        <translation>Normale Verarbeitung</translation>
+    </message>
+    <message>
+        <source>Custom process</source>
+        <translation>Eigene Verarbeitung</translation>
+    </message>
+    <message>
+        <source>Auto exposure</source>
+        <translation>Automatische Belichtung</translation>
+    </message>
+    <message>
+        <source>Manual exposure</source>
+        <translation>Manuelle Belichtung</translation>
+    </message>
+    <message>
+        <source>Auto bracket</source>
+        <translation>Belichtungsreihe</translation>
+    </message>
+    <message>
+        <source>Auto white balance</source>
+        <translation>Automatischer Weißabgleich</translation>
+    </message>
+    <message>
+        <source>Manual white balance</source>
+        <translation>Manueller Weißabgleich</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Landscape</source>
+        <translation>Landschaft</translation>
+    </message>
+    <message>
+        <source>Portrait</source>
+        <translation>Porträt</translation>
+    </message>
+    <message>
+        <source>Night scene</source>
+        <translation>Nachtaufnahme</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>Low gain up</source>
+        <translation>Geringe Verstärkung</translation>
+    </message>
+    <message>
+        <source>High gain up</source>
+        <translation>Hohe Verstärkung</translation>
+    </message>
+    <message>
+        <source>Low gain down</source>
+        <translation>Geringe Abschwächung</translation>
+    </message>
+    <message>
+        <source>High gain down</source>
+        <translation>Hohe Abschwächung</translation>
+    </message>
+    <message>
+        <source>Normal</source>
+        <translation>Normal</translation>
+    </message>
+    <message>
+        <source>Soft</source>
+        <translation>Weich</translation>
+    </message>
+    <message>
+        <source>Hard</source>
+        <translation>Hart</translation>
+    </message>
+    <message>
+        <source>Low saturation</source>
+        <translation>Geringe Sättigung</translation>
+    </message>
+    <message>
+        <source>High saturation</source>
+        <translation>Hohe Sättigung</translation>
+    </message>
+    <message>
+        <source>Macro</source>
+        <translation>Makro</translation>
+    </message>
+    <message>
+        <source>Close view</source>
+        <translation>Nah</translation>
+    </message>
+    <message>
+        <source>Distant view</source>
+        <translation>Fern</translation>
+    </message>
+    <message>
+        <source>Uncompressed</source>
+        <translation>Unkomprimiert</translation>
+    </message>
+    <message>
+        <source>Horizontal</source>
+        <translation>Horizontal</translation>
+    </message>
+    <message>
+        <source>Mirror horizontal</source>
+        <translation>Horizontal gespiegelt</translation>
+    </message>
+    <message>
+        <source>Rotate 180°</source>
+        <translation>Um 180° gedreht</translation>
+    </message>
+    <message>
+        <source>Mirror vertical</source>
+        <translation>Vertikal gespiegelt</translation>
+    </message>
+    <message>
+        <source>Mirror horizontal and rotate 270° CW</source>
+        <translation>Horizontal gespiegelt und um 270° im Uhrzeigersinn gedreht</translation>
+    </message>
+    <message>
+        <source>Rotate 90° CW</source>
+        <translation>Um 90° im Uhrzeigersinn gedreht</translation>
+    </message>
+    <message>
+        <source>Mirror horizontal and rotate 90° CW</source>
+        <translation>Horizontal gespiegelt und um 90° im Uhrzeigersinn gedreht</translation>
+    </message>
+    <message>
+        <source>Rotate 270° CW</source>
+        <translation>Um 270° im Uhrzeigersinn gedreht</translation>
+    </message>
+    <message>
+        <source>Inches</source>
+        <translation>Zoll</translation>
+    </message>
+    <message>
+        <source>Centimeters</source>
+        <translation>Zentimeter</translation>
+    </message>
+    <message>
+        <source>North latitude</source>
+        <translation>Nördliche Breite</translation>
+    </message>
+    <message>
+        <source>South latitude</source>
+        <translation>Südliche Breite</translation>
+    </message>
+    <message>
+        <source>East longitude</source>
+        <translation>Östliche Länge</translation>
+    </message>
+    <message>
+        <source>West longitude</source>
+        <translation>Westliche Länge</translation>
+    </message>
+    <message>
+        <source>Sea level</source>
+        <translation>Über dem Meeresspiegel</translation>
+    </message>
+    <message>
+        <source>Below Sea level</source>
+        <translation>Unter dem Meeresspiegel</translation>
+    </message>
+    <message>
+        <source>Measurement in progress</source>
+        <translation>Messung läuft</translation>
+    </message>
+    <message>
+        <source>Measurement Interoperability</source>
+        <translation>Messung ungültig</translation>
+    </message>
+    <message>
+        <source>2-dimensional measurement</source>
+        <translation>Zweidimensionale Messung</translation>
+    </message>
+    <message>
+        <source>3-dimensional measurement</source>
+        <translation>Dreidimensionale Messung</translation>
+    </message>
+    <message>
+        <source>Kilometers per hour</source>
+        <translation>Kilometer pro Stunde</translation>
+    </message>
+    <message>
+        <source>Miles per hour</source>
+        <translation>Meilen pro Stunde</translation>
+    </message>
+    <message>
+        <source>Knots</source>
+        <translation>Knoten</translation>
+    </message>
+    <message>
+        <source>True North</source>
+        <translation>Geografisch Nord</translation>
+    </message>
+    <message>
+        <source>Magnetic North</source>
+        <translation>Magnetisch Nord</translation>
+    </message>
+    <message>
+        <source>Kilometers</source>
+        <translation>Kilometer</translation>
+    </message>
+    <message>
+        <source>Miles</source>
+        <translation>Meilen</translation>
+    </message>
+    <message>
+        <source>Nautical Miles</source>
+        <translation>Seemeilen</translation>
+    </message>
+    <message>
+        <source>Measurement without differential correction</source>
+        <translation>Messung ohne Differenzialkorrektur</translation>
+    </message>
+    <message>
+        <source>Differential correction applied</source>
+        <translation>Mit Differenzialkorrektur</translation>
+    </message>
+    <message>
+        <source>Flash fired</source>
+        <translation>Blitz ausgelöst</translation>
+    </message>
+    <message>
+        <source>Flash did not fire</source>
+        <translation>Blitz nicht ausgelöst</translation>
+    </message>
+    <message>
+        <source>Strobe return light detected</source>
+        <translation>Reflexion erkannt</translation>
+    </message>
+    <message>
+        <source>Strobe return light not detected</source>
+        <translation>Reflexion nicht erkannt</translation>
+    </message>
+    <message>
+        <source>Auto mode</source>
+        <translation>Automatik</translation>
+    </message>
+    <message>
+        <source>Compulsory flash suppression</source>
+        <translation>Blitz aus</translation>
+    </message>
+    <message>
+        <source>Compulsory flash firing</source>
+        <translation>Blitz erzwungen</translation>
+    </message>
+    <message>
+        <source>No flash function</source>
+        <translation>Keine Blitzfunktion</translation>
+    </message>
+    <message>
+        <source>Red-eye reduction supported</source>
+        <translation>Rote-Augen-Reduzierung</translation>
     </message>
 </context>
 <context>

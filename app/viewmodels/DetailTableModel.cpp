@@ -127,7 +127,11 @@ QVariant DetailTableModel::data(const QModelIndex& index, int role) const {
     case KeyRole: return rawValue(k);
     case LabelRole: return moduletexts::tagLabel(rawValue(k));
     case ValueRole:
-        if (row == 1 && !s.hasExifMetadata && !isVideo()) return QStringLiteral("\nThis image has no exif tags");
+        if (row == 1 && !s.hasExifMetadata && !isVideo())
+            return '\n' + QCoreApplication::translate("DetailTableModel", "This image has no exif tags");
+        // The store names a screenshot's camera so.
+        if (k == TSKey::CAMERA && s.value(k).first == QLatin1String("Screenshot"))
+            return QCoreApplication::translate("DetailTableModel", "Screenshot");
         return s.value(k).first;
     case AlphaRole:
         if (row == 1 && !s.hasExifMetadata && !isVideo()) return 0.5;

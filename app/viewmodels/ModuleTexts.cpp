@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ModuleTexts.h"
 
+#include "PropertyKeys.h"
+#include "TSMeanings.h"
+
 #include <QCoreApplication>
+#include <QStringList>
 
 // Listed here so that lupdate finds them; the translation test checks that each module's names
 // are among them.
@@ -139,11 +143,141 @@
     QT_TRANSLATE_NOOP("TSKey", "Audio Coding:"),
 };
 
+// The words a tag's value decodes to (enumerations, the parts of the flash text).
+[[maybe_unused]] static const char* const kTagValues[] = {
+    QT_TRANSLATE_NOOP("TagValues", "Adobe RGB"),
+    QT_TRANSLATE_NOOP("TagValues", "Wide Gamut RGB"),
+    QT_TRANSLATE_NOOP("TagValues", "ICC Profile"),
+    QT_TRANSLATE_NOOP("TagValues", "Uncalibrated"),
+    QT_TRANSLATE_NOOP("TagValues", "Not defined"),
+    QT_TRANSLATE_NOOP("TagValues", "Manual"),
+    QT_TRANSLATE_NOOP("TagValues", "Program AE"),
+    QT_TRANSLATE_NOOP("TagValues", "Aperture priority"),
+    QT_TRANSLATE_NOOP("TagValues", "Shutter speed priority"),
+    QT_TRANSLATE_NOOP("TagValues", "Creative program (biased toward depth of field)"),
+    QT_TRANSLATE_NOOP("TagValues", "Action program (biased toward fast shutter speed)"),
+    QT_TRANSLATE_NOOP("TagValues", "Portrait mode (for closeup photos with the background out of focus)"),
+    QT_TRANSLATE_NOOP("TagValues", "Landscape mode (for landscape photos with the background in focus)"),
+    QT_TRANSLATE_NOOP("TagValues", "Bulb"),
+    QT_TRANSLATE_NOOP("TagValues", "unknown"),
+    QT_TRANSLATE_NOOP("TagValues", "Average"),
+    QT_TRANSLATE_NOOP("TagValues", "Center-weighted Average"),
+    QT_TRANSLATE_NOOP("TagValues", "Spot"),
+    QT_TRANSLATE_NOOP("TagValues", "MultiSpot"),
+    QT_TRANSLATE_NOOP("TagValues", "Multi-segment (or Pattern) "),
+    QT_TRANSLATE_NOOP("TagValues", "Partial"),
+    QT_TRANSLATE_NOOP("TagValues", "Daylight"),
+    QT_TRANSLATE_NOOP("TagValues", "Fluorescent"),
+    QT_TRANSLATE_NOOP("TagValues", "Tungsten (incandescent light)"),
+    QT_TRANSLATE_NOOP("TagValues", "Flash"),
+    QT_TRANSLATE_NOOP("TagValues", "Fine weather"),
+    QT_TRANSLATE_NOOP("TagValues", "Cloudy weather"),
+    QT_TRANSLATE_NOOP("TagValues", "Shade"),
+    QT_TRANSLATE_NOOP("TagValues", "Daylight fluorescent (D 5700 – 7100K)"),
+    QT_TRANSLATE_NOOP("TagValues", "Day white fluorescent (N 4600 – 5400K)"),
+    QT_TRANSLATE_NOOP("TagValues", "Cool white fluorescent (W 3900 – 4500K)"),
+    QT_TRANSLATE_NOOP("TagValues", "White fluorescent (WW 3200 – 3700K)"),
+    QT_TRANSLATE_NOOP("TagValues", "Standard light A"),
+    QT_TRANSLATE_NOOP("TagValues", "Standard light B"),
+    QT_TRANSLATE_NOOP("TagValues", "Standard light C"),
+    QT_TRANSLATE_NOOP("TagValues", "ISO studio tungsten"),
+    QT_TRANSLATE_NOOP("TagValues", "other light source"),
+    QT_TRANSLATE_NOOP("TagValues", "Monochrome area"),
+    QT_TRANSLATE_NOOP("TagValues", "One-chip color area sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Two-chip color area sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Three-chip color area sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Color sequential area sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Monochrome linear"),
+    QT_TRANSLATE_NOOP("TagValues", "Trilinear sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Color sequential linear sensor"),
+    QT_TRANSLATE_NOOP("TagValues", "Film Scanner"),
+    QT_TRANSLATE_NOOP("TagValues", "Reflection Print Scanner"),
+    QT_TRANSLATE_NOOP("TagValues", "A directly photographed image"),
+    QT_TRANSLATE_NOOP("TagValues", "Normal process"),
+    QT_TRANSLATE_NOOP("TagValues", "Custom process"),
+    QT_TRANSLATE_NOOP("TagValues", "Auto exposure"),
+    QT_TRANSLATE_NOOP("TagValues", "Manual exposure"),
+    QT_TRANSLATE_NOOP("TagValues", "Auto bracket"),
+    QT_TRANSLATE_NOOP("TagValues", "Auto white balance"),
+    QT_TRANSLATE_NOOP("TagValues", "Manual white balance"),
+    QT_TRANSLATE_NOOP("TagValues", "Standard"),
+    QT_TRANSLATE_NOOP("TagValues", "Landscape"),
+    QT_TRANSLATE_NOOP("TagValues", "Portrait"),
+    QT_TRANSLATE_NOOP("TagValues", "Night scene"),
+    QT_TRANSLATE_NOOP("TagValues", "None"),
+    QT_TRANSLATE_NOOP("TagValues", "Low gain up"),
+    QT_TRANSLATE_NOOP("TagValues", "High gain up"),
+    QT_TRANSLATE_NOOP("TagValues", "Low gain down"),
+    QT_TRANSLATE_NOOP("TagValues", "High gain down"),
+    QT_TRANSLATE_NOOP("TagValues", "Normal"),
+    QT_TRANSLATE_NOOP("TagValues", "Soft"),
+    QT_TRANSLATE_NOOP("TagValues", "Hard"),
+    QT_TRANSLATE_NOOP("TagValues", "Low saturation"),
+    QT_TRANSLATE_NOOP("TagValues", "High saturation"),
+    QT_TRANSLATE_NOOP("TagValues", "Macro"),
+    QT_TRANSLATE_NOOP("TagValues", "Close view"),
+    QT_TRANSLATE_NOOP("TagValues", "Distant view"),
+    QT_TRANSLATE_NOOP("TagValues", "Uncompressed"),
+    QT_TRANSLATE_NOOP("TagValues", "Horizontal"),
+    QT_TRANSLATE_NOOP("TagValues", "Mirror horizontal"),
+    QT_TRANSLATE_NOOP("TagValues", "Rotate 180°"),
+    QT_TRANSLATE_NOOP("TagValues", "Mirror vertical"),
+    QT_TRANSLATE_NOOP("TagValues", "Mirror horizontal and rotate 270° CW"),
+    QT_TRANSLATE_NOOP("TagValues", "Rotate 90° CW"),
+    QT_TRANSLATE_NOOP("TagValues", "Mirror horizontal and rotate 90° CW"),
+    QT_TRANSLATE_NOOP("TagValues", "Rotate 270° CW"),
+    QT_TRANSLATE_NOOP("TagValues", "Inches"),
+    QT_TRANSLATE_NOOP("TagValues", "Centimeters"),
+    QT_TRANSLATE_NOOP("TagValues", "North latitude"),
+    QT_TRANSLATE_NOOP("TagValues", "South latitude"),
+    QT_TRANSLATE_NOOP("TagValues", "East longitude"),
+    QT_TRANSLATE_NOOP("TagValues", "West longitude"),
+    QT_TRANSLATE_NOOP("TagValues", "Sea level"),
+    QT_TRANSLATE_NOOP("TagValues", "Below Sea level"),
+    QT_TRANSLATE_NOOP("TagValues", "Measurement in progress"),
+    QT_TRANSLATE_NOOP("TagValues", "Measurement Interoperability"),
+    QT_TRANSLATE_NOOP("TagValues", "2-dimensional measurement"),
+    QT_TRANSLATE_NOOP("TagValues", "3-dimensional measurement"),
+    QT_TRANSLATE_NOOP("TagValues", "Kilometers per hour"),
+    QT_TRANSLATE_NOOP("TagValues", "Miles per hour"),
+    QT_TRANSLATE_NOOP("TagValues", "Knots"),
+    QT_TRANSLATE_NOOP("TagValues", "True North"),
+    QT_TRANSLATE_NOOP("TagValues", "Magnetic North"),
+    QT_TRANSLATE_NOOP("TagValues", "Kilometers"),
+    QT_TRANSLATE_NOOP("TagValues", "Miles"),
+    QT_TRANSLATE_NOOP("TagValues", "Nautical Miles"),
+    QT_TRANSLATE_NOOP("TagValues", "Measurement without differential correction"),
+    QT_TRANSLATE_NOOP("TagValues", "Differential correction applied"),
+    QT_TRANSLATE_NOOP("TagValues", "Flash fired"),
+    QT_TRANSLATE_NOOP("TagValues", "Flash did not fire"),
+    QT_TRANSLATE_NOOP("TagValues", "Strobe return light detected"),
+    QT_TRANSLATE_NOOP("TagValues", "Strobe return light not detected"),
+    QT_TRANSLATE_NOOP("TagValues", "Auto mode"),
+    QT_TRANSLATE_NOOP("TagValues", "Compulsory flash suppression"),
+    QT_TRANSLATE_NOOP("TagValues", "Compulsory flash firing"),
+    QT_TRANSLATE_NOOP("TagValues", "No flash function"),
+    QT_TRANSLATE_NOOP("TagValues", "Red-eye reduction supported"),
+};
+
 namespace moduletexts {
 
 QString album(const QString& english) { return QCoreApplication::translate("Albums", english.toUtf8().constData()); }
 QString resource(const QString& english) { return QCoreApplication::translate("Resources", english.toUtf8().constData()); }
-QString editText(const QString& english) { return QCoreApplication::translate("UserSettings", english.toUtf8().constData()); }
+// The rotation text is an orientation's decoded value.
+QString editText(const QString& english) {
+    const QString own = QCoreApplication::translate("UserSettings", english.toUtf8().constData());
+    return own != english ? own : QCoreApplication::translate("TagValues", english.toUtf8().constData());
+}
 QString tagLabel(const QString& english) { return QCoreApplication::translate("TSKey", english.toUtf8().constData()); }
+
+QString tagValue(const QString& key, const QString& english) {
+    // Only decoded values: a caption that happens to read "Normal" stays the user's own word.
+    if (!TSMeanings::shared().decodes(key)) return english;
+    auto word = [](const QString& text) { return QCoreApplication::translate("TagValues", text.toUtf8().constData()); };
+    if (key != QLatin1String(kCGImagePropertyExifFlash)) return word(english);
+    QStringList parts = english.split(QStringLiteral(", "));
+    for (QString& part : parts) part = word(part);
+    return parts.join(QStringLiteral(", "));
+}
 
 }  // namespace moduletexts

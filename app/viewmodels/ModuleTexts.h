@@ -10,6 +10,9 @@ namespace moduletexts {
 QString album(const QString& english);
 QString resource(const QString& english);
 QString tagLabel(const QString& english);
+// A tag's value as the tag table shows it, where the value is a decoded word (flash, exposure
+// programme, orientation, ...) and not the photo's own text.
+QString tagValue(const QString& key, const QString& english);
 // The edit model's own texts for a row ("Unchanged", ...).
 QString editText(const QString& english);
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RotationModifierViewModel.h"
-#include <QCoreApplication>
 
+#include "ModuleTexts.h"
 #include "PropertyKeys.h"
 #include "Settings.h"
 #include "TSMeanings.h"
+
+#include <QCoreApplication>
 
 RotationModifierViewModel::RotationModifierViewModel(QObject* parent) : QObject(parent) {}
 
@@ -19,7 +21,7 @@ QString RotationModifierViewModel::meaning(int orientation) {
     const bool human = Settings::flag(SettingsFlag::human);
     const QString m = TSMeanings::shared().meaning(kCGImagePropertyTIFFOrientation, qint64(orientation), true);
     const QString text = m == QLatin1String("-vv-") || m == QString::number(orientation) ? QCoreApplication::translate("RotationModifierViewModel", "Unknown") : m;
-    return TSMeanings::valueText(text, human).value_or(text);
+    return moduletexts::tagValue(QString::fromLatin1(kCGImagePropertyTIFFOrientation), TSMeanings::valueText(text, human).value_or(text));
 }
 
 QVariantList RotationModifierViewModel::rows() const {

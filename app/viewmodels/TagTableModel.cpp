@@ -2,6 +2,7 @@
 #include "TagTableModel.h"
 
 #include "Log.h"
+#include "ModuleTexts.h"
 #include "TSAlbum.h"
 #include "TSMetaVideo.h"
 
@@ -93,7 +94,11 @@ QVariant TagTableModel::data(const QModelIndex& index, int role) const {
     case TitleRole: return metaDic_->sectionTitle(metaDic_->sectionKey(e.section));
     case OpenRole: return isOpen(e.section);
     case LabelRole: return e.kind == Kind::row ? metaDic_->row(e.section, e.row).first : QString();
-    case ValueRole: return e.kind == Kind::row ? metaDic_->row(e.section, e.row).second : QString();
+    case ValueRole: {
+        if (e.kind != Kind::row) return QString();
+        const auto [label, value] = metaDic_->row(e.section, e.row);
+        return moduletexts::tagValue(label, value);
+    }
     default: return {};
     }
 }
@@ -146,5 +151,6 @@ int TagTableModel::indexOfSection(int section) const {
 
 void TagTableModel::copy(int index) const {
     if (index < 0 || index >= entries_.size() || entries_[index].kind != Kind::row) return;
-    QGuiApplication::clipboard()->setText(metaDic_->row(entries_[index].section, entries_[index].row).second);
+    // The value as the row shows it.
+    QGuiApplication::clipboard()->setText(data(this->index(index), ValueRole).toString());
 }

@@ -211,6 +211,10 @@ std::optional<QString> TSMeanings::tableLookup(const QString& key, const QVarian
     return found.value();
 }
 
+bool TSMeanings::decodes(const QString& key) const {
+    return key == QLatin1String(kCGImagePropertyExifFlash) || meanings.meaningsDictionary.contains(key);
+}
+
 QString TSMeanings::meaning(const QString& key, const QVariant& value, bool human) const {
     if (key == kCGImagePropertyExifFlash && valuetext::isInteger(value)) return flashText(value.toLongLong());
     if (key.endsWith("Version") && valuetext::isArray(value)) {

@@ -29,6 +29,9 @@ public:
 
     // Always a text; "-vv-" is the last resort.
     QString meaning(const QString& key, const QVariant& value, bool human) const;
+    // Whether the meaning of the key's values is a word of this table (or the flash text), not
+    // the value's own text.
+    bool decodes(const QString& key) const;
 
     static std::optional<QString> valueText(const QVariant& value, bool human);
     static std::optional<QString> arrayText(const QVariantList& list, bool human);

@@ -9,6 +9,7 @@
 #include "IptcKeys.h"
 #include "Library.h"
 #include "TSKey.h"
+#include "TSMeanings.h"
 #include "Isolation.h"
 
 #include <gtest/gtest.h>
@@ -160,6 +161,13 @@ TEST_F(TranslationTest, TheModulesNamesAreTranslated) {
     for (int type = 1; type <= 12; ++type) expectTranslated("Resources", library::resourceTypeText(type));
     expectTranslated("Albums", Albums::allPhotosTitle(true));
     expectTranslated("Albums", Albums::allPhotosTitle(false));
+    // The words values decode to, as the tag table shows them.
+    static const QRegularExpression word(QStringLiteral("[a-z]{3}"));
+    for (const TagsMeaning& m : TSMeanings::shared().meanings.meaningsDictionary)
+        for (const QString& text : m.meanings)
+            if (word.match(text).hasMatch()) expectTranslated("TagValues", text);
+    for (qint64 flash = 0; flash < 128; ++flash)
+        for (const QString& part : TSMeanings::flashText(flash).split(", ")) expectTranslated("TagValues", part);
     library::Library lib({QDir(isolation().root()).filePath("photos")}, QDir(isolation().root()).filePath("library.sqlite"));
     for (const TSCollection& c : Albums::collections(lib)) expectTranslated("Albums", c.title);
 }
