@@ -39,6 +39,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # independent readers used as test oracles (never at run time)
   libimage-exiftool-perl exiv2 ffmpeg
+  # a session bus of the tests' own, where a stand-in portal tells the colour scheme
+  dbus-daemon
   # a second locale the tests run under, to show they depend on none
   locales
   # the command-line tool's manual page and shell completions, checked by the tests

@@ -55,6 +55,8 @@ Isolation::Isolation()
     setEnv("XDG_STATE_HOME", QFile::encodeName(makeFolder("state")));
     setEnv("XDG_RUNTIME_DIR", QFile::encodeName(makeFolder("runtime")));
     setEnv("TESSORIN_LIBRARY", QFile::encodeName(makeFolder("library")));
+    // Nor the desktop's session bus (its portal's colour scheme, say).
+    unsetEnv("DBUS_SESSION_BUS_ADDRESS");
     setSettingsPaths(config, systemConfig);
 
     setEnv("LC_ALL", "C.UTF-8");

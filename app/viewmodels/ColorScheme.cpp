@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ColorScheme.h"
 
+#include "Log.h"
 #include "Settings.h"
 
-#include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDBusVariant>
 #include <cmath>
 
 namespace {
@@ -26,7 +26,7 @@ uint unwrapped(QVariant v) {
 
 }  // namespace
 
-ColorScheme::ColorScheme(QObject* parent) : QObject(parent) { listenToPortal(); }
+ColorScheme::ColorScheme(QObject* parent, QDBusConnection bus) : QObject(parent) { listenToPortal(std::move(bus)); }
 
 bool ColorScheme::dark() const {
     const QString chosen = preference();
@@ -61,11 +61,11 @@ double ColorScheme::contrast(const QColor& a, const QColor& b) {
     return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
 }
 
-void ColorScheme::listenToPortal() {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+void ColorScheme::listenToPortal(QDBusConnection bus) {
     if (!bus.isConnected()) return;
-    bus.connect(portalService, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
-                SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
+    if (!bus.connect(portalService, portalPath, portalSettings, QStringLiteral("SettingChanged"), this,
+                     SLOT(portalSettingChanged(QDBusMessage))))
+        Log::warning("The desktop's colour scheme will not be followed as it changes: " + bus.lastError().message());
     // Asked without waiting: a desktop without the portal answers with an error, and the
     // screens stay light meanwhile.
     QDBusMessage read = QDBusMessage::createMethodCall(portalService, portalPath, portalSettings, QStringLiteral("Read"));
@@ -78,6 +78,8 @@ void ColorScheme::listenToPortal() {
     });
 }
 
-void ColorScheme::portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-    if (group == appearance && key == colorSchemeKey) setDesktopPreference(unwrapped(value.variant()));
+void ColorScheme::portalSettingChanged(const QDBusMessage& message) {
+    const QVariantList args = message.arguments();
+    if (args.size() == 3 && args[0].toString() == appearance && args[1].toString() == colorSchemeKey)
+        setDesktopPreference(unwrapped(args[2]));
 }

@@ -4,10 +4,10 @@
 // org.freedesktop.appearance color-scheme, read over D-Bus and followed as it changes) or as the
 // user overrides it in the settings ("system", "light", "dark").
 #include <QColor>
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QString>
-
-class QDBusVariant;
 
 class ColorScheme : public QObject {
     Q_OBJECT
@@ -34,7 +34,8 @@ public:
     // The portal's values: 0 no preference, 1 dark, 2 light.
     enum DesktopPreference { noPreference = 0, prefersDark = 1, prefersLight = 2 };
 
-    explicit ColorScheme(QObject* parent = nullptr);
+    // Listens to the portal on the given bus (the session's by default).
+    explicit ColorScheme(QObject* parent = nullptr, QDBusConnection bus = QDBusConnection::sessionBus());
 
     bool dark() const;
     QString preference() const;
@@ -64,9 +65,10 @@ signals:
     void changed();
 
 private slots:
-    void portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+    // Takes the whole message: a slot of (QString, QString, QDBusVariant) fails to connect in Qt 6.4.
+    void portalSettingChanged(const QDBusMessage& message);
 
 private:
     uint desktop_ = noPreference;
-    void listenToPortal();
+    void listenToPortal(QDBusConnection bus);
 };

@@ -22,8 +22,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QMimeDatabase>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QSignalSpy>
@@ -442,6 +447,57 @@ TEST_F(ShellTest, ColourSchemeFollowsTheDesktopUnlessTheUserChose) {
     EXPECT_FALSE(scheme.dark());
     scheme.setPreference("system");
     EXPECT_TRUE(scheme.dark());
+}
+
+// The desktop's portal as far as the colour scheme goes, on a bus of the test's own: Read answers
+// as the portal does (a variant in a variant), SettingChanged is sent by the test.
+class PortalStandIn : public QDBusVirtualObject {
+public:
+    uint scheme = ColorScheme::prefersDark;
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.interface() != QLatin1String("org.freedesktop.portal.Settings") || message.member() != QLatin1String("Read"))
+            return false;
+        bus.send(message.createReply(QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(scheme))))));
+        return true;
+    }
+};
+
+TEST_F(ShellTest, ColourSchemeFollowsThePortalAsItChanges) {
+    QTemporaryDir busFolder;
+    QProcess daemon;
+    daemon.start(QStringLiteral("dbus-daemon"),
+                 {"--session", "--nofork", "--print-address", "--address=unix:dir=" + busFolder.path()});
+    ASSERT_TRUE(daemon.waitForReadyRead(30'000)) << "dbus-daemon did not start";
+    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+    {
+        QDBusConnection desktop = QDBusConnection::connectToBus(address, QStringLiteral("desktop"));
+        ASSERT_TRUE(desktop.isConnected());
+        PortalStandIn portal;
+        const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+        ASSERT_TRUE(desktop.registerVirtualObject(path, &portal));
+        ASSERT_TRUE(desktop.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+
+        ColorScheme scheme(nullptr, QDBusConnection::connectToBus(address, QStringLiteral("app")));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return scheme.dark(); })) << "the portal's answer to Read";
+
+        auto tell = [&](const QString& group, const QVariant& value) {
+            QDBusMessage changed = QDBusMessage::createSignal(path, QStringLiteral("org.freedesktop.portal.Settings"),
+                                                              QStringLiteral("SettingChanged"));
+            changed << group << QStringLiteral("color-scheme") << QVariant::fromValue(QDBusVariant(value));
+            desktop.send(changed);
+        };
+        // GNOME's own key comes first and is not ours to read.
+        tell(QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("prefer-light"));
+        tell(QStringLiteral("org.freedesktop.appearance"), uint(ColorScheme::prefersLight));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !scheme.dark(); })) << "switched live";
+        tell(QStringLiteral("org.freedesktop.appearance"), uint(ColorScheme::prefersDark));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return scheme.dark(); }));
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("app"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("desktop"));
+    daemon.kill();
+    daemon.waitForFinished();
 }
 
 TEST_F(ShellTest, BothSchemesAreLegible) {
