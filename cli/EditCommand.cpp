@@ -1,29 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // tessorin-cli edit: the wishes of the edit screen from the command line, saved to files.
-#include "Arguments.h"
 #include "Commands.h"
+#include "EditOptions.h"
 #include "FileArgs.h"
 #include "MovieEdit.h"
 
-#include "BatchEdit.h"
-#include "DateShift.h"
-#include "DurableFile.h"
-#include "ExifModifier.h"
-#include "Workers.h"
-#include "Formatter.h"
-#include "HRLocation.h"
-#include "IptcKeys.h"
 #include "ImageWriter.h"
 #include "Library.h"
+#include "PhotoSave.h"
 #include "Settings.h"
 #include "Sidecars.h"
 #include "TSAsset.h"
-#include "TSError.h"
-#include "TemplateModel.h"
+#include "Workers.h"
 
 #include <QDir>
-#include <QSet>
 #include <QFileInfo>
+#include <QSet>
 #include <QUrl>
 
 #include <csignal>
@@ -37,61 +29,6 @@ std::function<int(const MovieEdit&)>& movieEditor() {
 
 int usage(const QString& problem) { return cli::usageError("edit", problem); }
 
-// Every option of `edit`, for photos and movies alike.
-const QList<cli::Option> editOptions = cli::fileOptions + QList<cli::Option>{
-    {"--date", "", true},     {"--digitized-date", "", true}, {"--location", "", true}, {"--orientation", "", true},
-    {"--set", "", true},      {"--remove", "", true},         {"-o", "", true},          {"--no-location", "", false},
-    {"--no-date", "", false}, {"--no-tags", "", false},       {"--in-place", "", false}, {"--keep-original", "", false},
-    {"--render", "", false},  {"--template", "", true}, {"--library", "", true},
-    {"--shift", "", true},    {"--zone", "", true},           {"--geotag", "", true},    {"--geotag-offset", "", true},
-    {"--max-gap", "", true},  {"--strip", "", true},          {"--keep-instant", "", false}, {"--sidecar", "", false}};
-
-struct Target {
-    QString outputDir;
-    bool inPlace = false;
-    bool keepOriginal = false;
-    bool render = false;
-    bool sidecar = false;  // the changes go to each photo's XMP sidecar
-    QString libraryMode;  // "new" or "modify": saved into the photo library
-};
-
-struct Wishes {
-    std::optional<QDateTime> date, digitizedDate;
-    std::optional<GeoLocation> location;
-    bool noLocation = false, noDate = false, noTags = false;
-    std::optional<int> orientation;
-    QList<std::pair<TSKey, QString>> tags;  // the removal mark deletes
-    std::optional<TemplateModel> iptcTemplate;
-
-    bool any() const {
-        return date || digitizedDate || location || noLocation || noDate || noTags || orientation || !tags.isEmpty() ||
-               iptcTemplate;
-    }
-};
-
-void applyWishes(const Wishes& w, UserSettings& settings) {
-    if (w.date) settings.setDate(*w.date, TSKey::EXIF_DATE);
-    if (w.digitizedDate) settings.setDate(*w.digitizedDate, TSKey::EXIF_DIGITIZED_DATE);
-    // Removing the dates means removing the tags themselves, as clearing the date rows does.
-    if (w.noDate)
-        for (TSKey k : {TSKey::EXIF_DATE, TSKey::EXIF_DIGITIZED_DATE}) settings.properties.set(kRemovalMark, coord(k)->key);
-    if (w.location) settings.setLocation(HRLocation{std::nullopt, std::nullopt, w.location, {}});
-    settings.switchers.set(Sections::location, w.noLocation);
-    settings.switchers.set(Sections::noTags, w.noTags);
-    if (w.orientation) settings.setOrientation(*w.orientation);
-    if (w.iptcTemplate) w.iptcTemplate->apply(settings);
-    for (const auto& [key, text] : w.tags) {
-        if (key == TSKey::IPTC_CREATOR_CONTACT_INFO) continue;
-        if (TSKeys::iptcContactKeys().contains(key)) settings.creatorContactInfo.properties.set(text, coord(key)->key);
-        else settings.properties.set(text, coord(key)->key);
-    }
-}
-
-QString backupPath(const QString& path) {
-    const QFileInfo info(path);
-    return info.dir().filePath(info.completeBaseName() + QStringLiteral("_original.") + info.suffix());
-}
-
 // What editing one file came to, told in the order the files were named.
 struct Outcome {
     QString out, err;  // lines for standard output and standard error
@@ -99,82 +36,46 @@ struct Outcome {
 };
 
 // One photo from its wishes to its file.
-void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& base, const BatchWishes& batch,
-               const Target& target, Outcome& outcome, bool stillOnly) {
+void editPhoto(const std::shared_ptr<TSAsset>& asset, const UserSettings& wishes, const BatchWishes& batch,
+               const EditTarget& target, Outcome& outcome, bool stillOnly) {
     const QString path = asset->path();
-    auto fail = [&](const QString& why) {
-        outcome.err += path + ": " + why + "\n";
-        outcome.failed = true;
-    };
-    UserSettings settings = base;
-    ModifyingPhotoAsset photo{asset, std::make_shared<TagsPhotoModifier>(asset->metaData()), asset->imageData(), 1};
-    ExifModifier modifier({photo});
-    if (batch.any())
-        modifier.eachPhoto = [&](ModifyingPhotoAsset& p) {
-            for (const QString& problem : applyBatch(*p.tags, batch)) outcome.out += path + ": " + problem + "\n";
-        };
-    // A still made of a motion photo, and nothing else wished, is a cut rather than an edit: the
-    // tags a save sets on its way (the software, the date that follows the capture date, a blank
-    // comment dropped) stay as the file has them.
-    if (stillOnly) PrivacyStrip::strip(*photo.tags, PrivacyStrip::Kind::motion);
-    else modifier.modify(settings);
-    if (!modifier.anyChanged()) {
+    PhotoSave save;
+    save.batch = batch;
+    save.motionCutOnly = stillOnly;
+    save.problem = [&outcome](const QString& photo, const QString& problem) { outcome.out += photo + ": " + problem + "\n"; };
+    const bool toLibrary = !target.libraryMode.isEmpty();
+    if (toLibrary) {
+        save.mode = target.libraryMode == "new" ? SaveMode::newItem : SaveMode::modify;
+        save.library = &cliLibrary();
+    } else {
+        save.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
+        save.render = target.render;
+        save.keepOriginals = target.inPlace && target.keepOriginal;
+    }
+    // A photo that can't take the changes in place keeps them in its sidecar, and says why.
+    const auto why = !toLibrary && !target.sidecar && target.inPlace ? Sidecars::whyNotInPhoto(path, asset->imageData())
+                                                                    : std::nullopt;
+    const bool toSidecar = target.sidecar || why;
+    const PhotoSave::Result result = toSidecar ? save.run(wishes, {}, {asset}) : save.run(wishes, {asset});
+    if (result.nothingChanged) {
         outcome.out += path + ": Nothing changed\n";
         return;
     }
-    if (!target.libraryMode.isEmpty()) {
-        modifier.library = &cliLibrary();
-        modifier.save(target.libraryMode == "new" ? SaveMode::newItem : SaveMode::modify,
-                      [&](const QStringList& ids, const std::optional<QString>& message) {
-                          if (message) fail(*message);
-                          else outcome.out += path + " -> " + ids.join(", ") + ": " + photo.tags->changedTags().join(", ") + "\n";
-                          outcome.wrote = !message;
-                      });
+    if (why) outcome.out += path + ": " + *why + "; the changes go to its XMP sidecar\n";
+    if (result.failure) {
+        outcome.err += path + ": " + *result.failure + "\n";
+        outcome.failed = true;
         return;
     }
-    // A photo that can't take the changes in place keeps them in its sidecar, and says why.
-    bool toSidecar = target.sidecar;
-    if (!toSidecar && target.inPlace) {
-        if (const auto why = Sidecars::whyNotInPhoto(path, asset->imageData())) {
-            outcome.out += path + ": " + *why + "; the changes go to its XMP sidecar\n";
-            toSidecar = true;
-        }
-    }
-    if (toSidecar) {
-        QStringList sidecars;
-        if (auto failure = modifier.saveToSidecars(Settings::value(SettingsKey::sidecarBaseName).toBool(), sidecars))
-            return fail(*failure);
-        outcome.out += path + " -> " + sidecars.value(0) + ": " + photo.tags->changedTags().join(", ") + "\n";
-        outcome.wrote = true;
-        return;
-    }
-    modifier.filesDirectory = target.inPlace ? QFileInfo(path).absolutePath() : target.outputDir;
-    modifier.render = target.render;
-    const QString backup = backupPath(path);
-    try {
-        const auto rewritten = modifier.rewrite();
-        if (target.inPlace && target.keepOriginal) {
-            if (QFileInfo::exists(backup) || !QFile::copy(path, backup)) return fail("can't keep the original as " + backup);
-            // The kept original is on the disk before the photo is replaced.
-            QFile kept(backup);
-            if (!kept.open(QIODevice::ReadOnly) || !fileio::syncFile(kept.handle()) || !fileio::syncFolderOf(backup))
-                return fail("can't keep the original as " + backup);
-        }
-        QStringList urls;
-        if (auto failure = modifier.dataToTempFile(rewritten, urls)) {
-            if (target.inPlace && target.keepOriginal) QFile::remove(backup);
-            return fail(*failure);
-        }
-        const QStringList changes = photo.tags->changedTags();
-        outcome.out += path + " -> " + QUrl(urls.value(0)).toLocalFile() + ": " + changes.join(", ") + "\n";
-        outcome.wrote = true;
-    } catch (const TSError& e) {
-        fail(e.message());
-    }
+    const QString to = toSidecar ? result.sidecars.value(0)
+                       : toLibrary ? result.written.join(", ")
+                                   : QUrl(result.written.value(0)).toLocalFile();
+    outcome.out += path + " -> " + to + ": " + result.changes.value(0).join(", ") + "\n";
+    outcome.wrote = true;
 }
 
 // Reads one named file and tells what it is; `asset` is only set for a photo that can be edited.
-Outcome readFile(const QString& path, const Target& target, std::shared_ptr<TSAsset>& asset) {
+Outcome readFile(const QString& path, const EditTarget& target, std::shared_ptr<TSAsset>& asset) {
     Outcome outcome;
     auto fail = [&](const QString& why) {
         outcome.err = path + ": " + why + "\n";
@@ -201,7 +102,7 @@ Outcome readFile(const QString& path, const Target& target, std::shared_ptr<TSAs
 
 // Whether the files can be edited side by side: no file is named twice, and no two of them are
 // saved under the same name in the output folder, which would make the last one win by chance.
-bool independent(const QStringList& files, const Target& target) {
+bool independent(const QStringList& files, const EditTarget& target) {
     if (!target.libraryMode.isEmpty()) return false;  // the library is written by one thread
     QSet<QString> paths, names;
     for (const QString& f : files) {
@@ -222,90 +123,13 @@ void setMovieEditor(std::function<int(const MovieEdit&)> editor) { movieEditor()
 int editCommand(const QStringList& rawArgs) {
     cli::Arguments parsed;
     if (auto rc = cli::parse("edit", rawArgs, editOptions, parsed)) return *rc;
-    Wishes wishes;
-    BatchWishes batch;
-    QString trackPath;
-    Target target;
-    MovieEdit movieEdit;
-    for (const auto& [a, value] : parsed.options) {
-        // Movies carry no IPTC and take no track log (said below); the rest they don't take is
-        // named to them.
-        static const QStringList photosOnly{"--recursive", "--list", "--ext", "--template",
-                                            "--geotag", "--geotag-offset", "--max-gap"};
-        static const QStringList forMovies{"--date",    "--location", "--shift", "--zone", "--keep-instant", "--strip",
-                                           "--no-date", "--no-location", "--no-tags", "-o", "--in-place"};
-        if (!photosOnly.contains(a) && !forMovies.contains(a) && !movieEdit.unsupported.contains(a))
-            movieEdit.unsupported << a;
-        if (a == "--date" || a == "--digitized-date") {
-            auto date = Formatter::exifDate(value);
-            if (!date) return usage("'" + value + "' is no date of the form yyyy:MM:dd HH:mm:ss");
-            (a == "--date" ? wishes.date : wishes.digitizedDate) = date;
-        } else if (a == "--location") {
-            auto loc = hrl::degreesLocation(value);
-            if (!loc) loc = hrl::decimalLocation(value);
-            if (!loc) return usage("'" + value + "' is no location");
-            wishes.location = loc;
-        } else if (a == "--orientation") {
-            bool ok = false;
-            const int n = value.toInt(&ok);
-            if (!ok || n < 1 || n > 8) return usage("the orientation is a number from 1 to 8");
-            wishes.orientation = n;
-        } else if (a == "--set" || a == "--remove") {
-            const qsizetype eq = value.indexOf('=');
-            if (a == "--set" && eq <= 0) return usage("--set takes KEY=VALUE");
-            const QString name = a == "--set" ? value.left(eq) : value;
-            auto key = EditKeys::editableKey(name);
-            if (!key) key = iptc::contactKey(name);
-            if (!key || key == TSKey::IPTC_CREATOR_CONTACT_INFO) return usage("'" + name + "' is no tag that can be edited");
-            wishes.tags << std::pair{*key, a == "--set" ? value.mid(eq + 1) : kRemovalMark};
-        } else if (a == "--template") {
-            QFile file(value);
-            const auto values = file.open(QIODevice::ReadOnly) ? TemplateModel::decode(file.readAll()) : std::nullopt;
-            if (!values) return usage("'" + value + "' is no template file");
-            wishes.iptcTemplate.emplace(TemplateModel::fromValues(*values));
-        } else if (a == "--shift" || a == "--geotag-offset") {
-            const auto seconds = DateShift::parseOffset(value);
-            if (!seconds) return usage("'" + value + "' is no offset of the form [+-][D ]H:MM[:SS]");
-            if (a == "--shift") batch.shiftSeconds = seconds;
-            else batch.geotag.clockOffsetSeconds = *seconds;
-        } else if (a == "--zone") {
-            const bool keep = batch.zone && batch.zone->keepInstant;
-            batch.zone = TimeZones::parseZone(value);
-            if (!batch.zone) return usage("'" + value + "' is no time zone (\"+02:00\", \"Europe/Rome\")");
-            batch.zone->keepInstant = keep;
-        } else if (a == "--keep-instant") {
-            if (!batch.zone) return usage("--keep-instant follows --zone");
-            batch.zone->keepInstant = true;
-        } else if (a == "--geotag") {
-            trackPath = value;
-        } else if (a == "--max-gap") {
-            const auto seconds = Geotagger::parseDuration(value);
-            if (!seconds) return usage("'" + value + "' is no duration (\"5m\", \"90s\", \"1h\")");
-            batch.geotag.maxGapSeconds = *seconds;
-        } else if (a == "--strip") {
-            batch.strip = PrivacyStrip::parseKind(value);
-            if (!batch.strip) return usage("--strip takes private, location, dates or motion");
-        } else if (a == "-o") {
-            target.outputDir = value;
-        } else if (a == "--library") {
-            if (value != "new" && value != "modify") return usage("--library takes new or modify");
-            target.libraryMode = value;
-        } else if (a == "--no-location") {
-            wishes.noLocation = true;
-        } else if (a == "--no-date") {
-            wishes.noDate = true;
-        } else if (a == "--no-tags") {
-            wishes.noTags = true;
-        } else if (a == "--in-place") {
-            target.inPlace = true;
-        } else if (a == "--keep-original") {
-            target.keepOriginal = true;
-        } else if (a == "--render") {
-            target.render = true;
-        } else if (a == "--sidecar") {
-            target.sidecar = true;
-        }
-    }
+    EditRequest request;
+    if (auto rc = readEditOptions(parsed, request)) return *rc;
+    const EditWishes& wishes = request.wishes;
+    BatchWishes& batch = request.batch;
+    const QString& trackPath = request.trackPath;
+    const EditTarget& target = request.target;
+    MovieEdit& movieEdit = request.movieEdit;
     if (!target.libraryMode.isEmpty()) {
         if (target.inPlace || !target.outputDir.isEmpty() || target.render) return usage("--library goes alone");
         if (target.libraryMode == "modify") {

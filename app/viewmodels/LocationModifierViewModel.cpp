@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LocationModifierViewModel.h"
 
-#include "Geocoder.h"
 #include "Log.h"
 #include "PlaceIndex.h"
 #include "Recent.h"
@@ -84,9 +83,9 @@ void LocationModifierViewModel::search(const QString& text) {
         // The offline place search answers at once; like a completer, it leaves the check alone.
         searched_ = placesNamed(text);
         // The online service, when one is set, answers later with streets and the towns above.
-        if (auto* geocoder = dynamic_cast<Geocoder*>(&TSGeocoder::geocoder()); geocoder && geocoder->isOnline()) {
+        if (GeocodingService& geocoder = TSGeocoder::geocoder(); geocoder.isOnline()) {
             QPointer<LocationModifierViewModel> self(this);
-            geocoder->search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+            geocoder.search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
                 if (!self || mine != self->searches_) return;
                 self->searched_ = fromMatches(found);
                 if (self->checked_.section == searched && self->checked_.row >= self->searched_.size()) self->checked_ = defaultIndexPath;

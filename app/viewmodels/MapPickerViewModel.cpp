@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MapPickerViewModel.h"
 
-#include "Geocoder.h"
 #include "LocationModifierViewModel.h"
 #include "TSGeocoder.h"
 
@@ -43,9 +42,9 @@ void MapPickerViewModel::search(const QString& text) {
         return setPin(l);
     }
     const quint64 mine = ++searches_;
-    if (auto* geocoder = dynamic_cast<Geocoder*>(&TSGeocoder::geocoder()); geocoder && geocoder->isOnline()) {
+    if (GeocodingService& geocoder = TSGeocoder::geocoder(); geocoder.isOnline()) {
         QPointer<MapPickerViewModel> self(this);
-        geocoder->search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+        geocoder.search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
             if (self && mine == self->searches_) self->showFound(LocationModifierViewModel::fromMatches(found));
         });
         return;

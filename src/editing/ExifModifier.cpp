@@ -41,6 +41,21 @@ QFileDevice::Permissions newFilePermissions() {
     return permissions;
 }
 
+QString originalCopyPath(const QString& path) {
+    const QFileInfo info(path);
+    return info.dir().filePath(info.completeBaseName() + QStringLiteral("_original.") + info.suffix());
+}
+
+// Copies the photo at `path` to its original's place and flushes it; a message when that fails.
+std::optional<QString> keepOriginal(const QString& path) {
+    const QString copy = originalCopyPath(path);
+    const QString failure = QStringLiteral("can't keep the original as ") + copy;
+    if (QFileInfo::exists(copy) || !QFile::copy(path, copy)) return failure;
+    QFile kept(copy);
+    if (!kept.open(QIODevice::ReadOnly) || !fileio::syncFile(kept.handle()) || !fileio::syncFolderOf(copy)) return failure;
+    return std::nullopt;
+}
+
 }  // namespace
 
 ExifModifier::ExifModifier(QList<ModifyingPhotoAsset> m) : modifing(std::move(m)), filesDirectory(QDir::tempPath()) {}
@@ -223,11 +238,21 @@ void ExifModifier::save(SaveMode mode, const Completion& onCompletition) {
         onCompletition({}, QStringLiteral("Image is not editable"));
         return;
     }
+    QStringList kept;
+    const auto failed = [&](const std::optional<QString>& failure) {
+        for (const QString& copy : kept) QFile::remove(copy);
+        onCompletition({}, failure);
+    };
+    if (mode == SaveMode::files && keepOriginals)
+        for (const auto& photo : done) {
+            if (const auto failure = keepOriginal(photo.tsAsset->path())) return failed(failure);
+            kept << originalCopyPath(photo.tsAsset->path());
+        }
     QStringList urls;
     std::optional<QString> failure = mode == SaveMode::files     ? dataToTempFile(done, urls)
                                      : mode == SaveMode::newItem ? saveNewImages(done, urls)
                                                                  : modifyImages(done, urls);
-    if (failure) onCompletition({}, failure);
+    if (failure) failed(failure);
     else onCompletition(urls, std::nullopt);
 }
 

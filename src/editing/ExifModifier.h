@@ -26,6 +26,10 @@ public:
     // Draws the pixels anew, upright with the orientation wish applied, as JPEG (`edit --render`).
     // Otherwise, in every mode, the coded image is copied and only the metadata change.
     bool render = false;
+    // The files road into the photos' own folders: each photo's file is first copied to
+    // NAME_original.EXT beside it, on the disk before anything replaces it, and that copy goes
+    // again when the write fails.
+    bool keepOriginals = false;
 
     // Per-photo wishes run after the shared ones and before each photo's tags are committed:
     // those that start from each photo's own values (a date shift, a track log).

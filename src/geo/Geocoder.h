@@ -27,9 +27,9 @@ public:
     // the thread that made the Geocoder. With an online service, its answers come first (they
     // know streets), then the offline places that aren't among them; when it fails, the offline
     // answer stands.
-    void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion);
+    void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion) override;
     // Whether searches and reverse look-ups ask an online service too.
-    bool isOnline() const;
+    bool isOnline() const override;
 
 private:
     struct Shared;

@@ -3,6 +3,7 @@
 // What a geocoding service offers: the placemarks of a position, whether a request is running,
 // and cancelling it. One request at a time.
 #include "GeoLocation.h"
+#include "PlaceIndex.h"
 
 #include <QList>
 #include <QString>
@@ -28,4 +29,15 @@ public:
     virtual bool isGeocoding() const = 0;
     // Ends the running request: its completion gets a cancellation. Nothing when idle.
     virtual void cancelGeocode() = 0;
+
+    // Whether the service asks an online service too, whose searches know streets; without
+    // one, the offline place data answer a search at once and the service is not asked.
+    virtual bool isOnline() const { return false; }
+    // Places by name, best first; the completion runs on the thread that asked. A service with
+    // no online part finds nothing here.
+    virtual void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion) {
+        Q_UNUSED(text);
+        Q_UNUSED(limit);
+        completion({});
+    }
 };

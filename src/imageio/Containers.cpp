@@ -282,4 +282,35 @@ qsizetype jpegScanStart(const QByteArray& jpeg) {
     return end > jpeg.size() ? -1 : end;
 }
 
+void setFacts(const ImageFacts& f, PropertyDict& top) {
+    if (f.width) top.insert(kCGImagePropertyPixelWidth, *f.width);
+    if (f.height) top.insert(kCGImagePropertyPixelHeight, *f.height);
+    if (f.depth) top.insert(kCGImagePropertyDepth, *f.depth);
+    if (!f.colorModel.isEmpty()) top.insert(kCGImagePropertyColorModel, f.colorModel);
+    if (f.hasAlpha) top.insert(kCGImagePropertyHasAlpha, *f.hasAlpha);
+    if (f.dpiX) top.insert(kCGImagePropertyDPIWidth, *f.dpiX);
+    if (f.dpiY) top.insert(kCGImagePropertyDPIHeight, *f.dpiY);
+    if (!f.jfif.isEmpty()) top.insert(kCGImagePropertyJFIFDictionary, f.jfif);
+    if (!f.png.isEmpty()) top.insert(kCGImagePropertyPNGDictionary, f.png);
+}
+
+// Resolution from the TIFF fields, where the container had none of its own.
+void addTiffResolution(PropertyDict& top) {
+    if (top.contains(kCGImagePropertyDPIWidth)) return;
+    PropertyDict tiff = top.value(kCGImagePropertyTIFFDictionary).toMap();
+    if (!tiff.contains(kCGImagePropertyTIFFXResolution)) return;
+    int unit = tiff.value(kCGImagePropertyTIFFResolutionUnit, 2).toInt();
+    if (unit != 2 && unit != 3) return;
+    double scale = unit == 3 ? 2.54 : 1.0;
+    top.insert(kCGImagePropertyDPIWidth, tiff.value(kCGImagePropertyTIFFXResolution).toDouble() * scale);
+    top.insert(kCGImagePropertyDPIHeight,
+               tiff.value(kCGImagePropertyTIFFYResolution, tiff.value(kCGImagePropertyTIFFXResolution)).toDouble() * scale);
+}
+
+void addProfile(const QByteArray& icc, PropertyDict& top) {
+    if (icc.isEmpty()) return;
+    QString name = iccDescription(icc);
+    if (!name.isEmpty()) top.insert(kCGImagePropertyProfileName, name);
+}
+
 }  // namespace imageio

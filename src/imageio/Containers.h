@@ -44,4 +44,11 @@ ImageFacts probeWebP(const QByteArray& bytes);
 // The description text of an ICC profile ('desc' of type 'desc' or 'mluc'), or empty.
 QString iccDescription(const QByteArray& icc);
 
+// The facts as top-level properties and the {JFIF} and {PNG} groups.
+void setFacts(const ImageFacts& facts, PropertyDict& top);
+// Resolution from the TIFF fields, where the container had none of its own.
+void addTiffResolution(PropertyDict& top);
+// The profile's name, when the profile has one.
+void addProfile(const QByteArray& icc, PropertyDict& top);
+
 }  // namespace imageio

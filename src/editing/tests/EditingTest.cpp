@@ -3,6 +3,7 @@
 // sample files and on property dictionaries made here.
 #include "ExifModifier.h"
 #include "ImageDecoder.h"
+#include "PhotoSave.h"
 #include "PropertyKeys.h"
 #include "TSError.h"
 #include "TestSupport.h"
@@ -232,6 +233,29 @@ TEST_F(Editing, AWriteFailingMidSaveLeavesTheFileItWouldReplace) {
     EXPECT_EQ(QDir(out.path()).entryList(QDir::Files | QDir::Hidden), (QStringList{"Canon_40D.jpg", "DSC_3079.jpg"}));
     // What was written before the failure is whole.
     EXPECT_EQ(exiftoolJson(out.filePath("Canon_40D.jpg"), {"-n", "-G1"})["IPTC:City"].toString(), "Amesbury");
+}
+
+// The sidecars of a save are written before its photos: when one can't be written (its folder
+// is read-only, which holds for root too), no photo is written either.
+TEST_F(Editing, ASidecarThatCantBeWrittenSavesNoPhoto) {
+    QTemporaryDir locked, out;
+    const QString raw = locked.filePath("Canon_40D.jpg");
+    ASSERT_TRUE(QFile::copy(corpusDir() + "/jpeg/Canon_40D.jpg", raw));
+    auto inSidecar = std::make_shared<TSAsset>(raw);
+    auto inPhoto = asset("jpeg/Nikon_D70.jpg");
+    ASSERT_TRUE(QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    UserSettings s(inPhoto->metaData(), inPhoto->ddStore());
+    s.properties.set(QStringLiteral("Amesbury"), kCGImagePropertyIPTCCity);
+
+    PhotoSave save;
+    save.filesDirectory = out.path();
+    const PhotoSave::Result result = save.run(s, {inPhoto}, {inSidecar});
+    QFile::setPermissions(locked.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    EXPECT_EQ(result.failure,
+              "Can't save the changes in Canon_40D.jpg.xmp: the sidecar or its folder is read-only; nothing was saved");
+    EXPECT_TRUE(result.written.isEmpty());
+    EXPECT_TRUE(QDir(out.path()).entryList(QDir::Files | QDir::Hidden).isEmpty());
+    EXPECT_EQ(QDir(locked.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"Canon_40D.jpg"});
 }
 
 TEST_F(Editing, RedrawsFollowTheOrientationTables) {
