@@ -85,6 +85,9 @@ QString Statement::text(int column) const {
 //   unchanged file (same path, size and modification time) is never read again.
 // journals (version 2): for each library folder, the SHA-1 of the journal last written there, so
 //   that a journal the index didn't write (new index, cut-short write) is known and read.
+// changes (version 3): the identifiers of the assets each write touched, in order, filled by
+//   triggers whichever connection writes; a reader that knows where it stopped reloads those
+//   assets alone. Old entries are dropped (`trimChanges`); a reader behind them loads everything.
 static const char* const migrations[] = {
     R"(CREATE TABLE assets(
          id TEXT PRIMARY KEY, favorite INTEGER NOT NULL DEFAULT 0, hidden INTEGER NOT NULL DEFAULT 0,
@@ -100,6 +103,17 @@ static const char* const migrations[] = {
        CREATE INDEX files_asset ON files(asset);
        CREATE INDEX files_move ON files(size, mtime);)",
     "CREATE TABLE journals(root TEXT PRIMARY KEY, digest TEXT NOT NULL);",
+    R"(CREATE TABLE changes(seq INTEGER PRIMARY KEY AUTOINCREMENT, asset TEXT NOT NULL);
+       CREATE TRIGGER assets_added AFTER INSERT ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
+       CREATE TRIGGER assets_changed AFTER UPDATE ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
+       CREATE TRIGGER assets_removed AFTER DELETE ON assets BEGIN INSERT INTO changes(asset) VALUES(OLD.id); END;
+       CREATE TRIGGER files_added AFTER INSERT ON files BEGIN INSERT INTO changes(asset) VALUES(NEW.asset); END;
+       CREATE TRIGGER files_changed AFTER UPDATE ON files BEGIN
+         INSERT INTO changes(asset) VALUES(OLD.asset);
+         INSERT INTO changes(asset) SELECT NEW.asset WHERE NEW.asset <> OLD.asset;
+       END;
+       CREATE TRIGGER files_removed AFTER DELETE ON files BEGIN INSERT INTO changes(asset) VALUES(OLD.asset); END;
+       CREATE INDEX files_content ON files(content_id) WHERE content_id <> '';)",
 };
 
 Index::Index(const QString& path) : path_(path) {

@@ -40,7 +40,7 @@ private:
 
 class Index {
 public:
-    static constexpr int schemaVersion = 2;
+    static constexpr int schemaVersion = 3;
 
     // Opens or makes the database. A file that isn't a sound database gives what rows it still
     // reads (`salvaged`), is moved aside (named in the log) and a new one made; `error` says why
