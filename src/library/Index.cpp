@@ -87,7 +87,9 @@ QString Statement::text(int column) const {
 //   that a journal the index didn't write (new index, cut-short write) is known and read.
 // changes (version 3): the identifiers of the assets each write touched, in order, filled by
 //   triggers whichever connection writes; a reader that knows where it stopped reloads those
-//   assets alone. Old entries are dropped (`trimChanges`); a reader behind them loads everything.
+//   assets alone, and a journal takes their lines appended. Old entries are dropped
+//   (`trimChanges`); a reader behind them loads everything. journals.whole: the journal's size
+//   when last written whole, so it is written whole again when appends have doubled it.
 static const char* const migrations[] = {
     R"(CREATE TABLE assets(
          id TEXT PRIMARY KEY, favorite INTEGER NOT NULL DEFAULT 0, hidden INTEGER NOT NULL DEFAULT 0,
@@ -113,7 +115,8 @@ static const char* const migrations[] = {
          INSERT INTO changes(asset) SELECT NEW.asset WHERE NEW.asset <> OLD.asset;
        END;
        CREATE TRIGGER files_removed AFTER DELETE ON files BEGIN INSERT INTO changes(asset) VALUES(OLD.asset); END;
-       CREATE INDEX files_content ON files(content_id) WHERE content_id <> '';)",
+       CREATE INDEX files_content ON files(content_id) WHERE content_id <> '';
+       ALTER TABLE journals ADD COLUMN whole INTEGER NOT NULL DEFAULT 0;)",
 };
 
 Index::Index(const QString& path) : path_(path) {
@@ -326,6 +329,15 @@ bool Index::migrate(QString* problem) {
     return true;
 }
 
+void Index::trimChanges() {
+    constexpr qint64 kept = 20000;
+    Statement bounds(db_, "SELECT min(seq), max(seq) FROM changes");
+    if (bounds.step() && bounds.integer(1) - bounds.integer(0) > 2 * kept) {
+        Statement trim(db_, "DELETE FROM changes WHERE seq <= ?");
+        trim.exec({bounds.integer(1) - kept});
+    }
+}
+
 bool Index::exec(const char* sql) {
     char* message = nullptr;
     int rc = sqlite3_exec(db_, sql, nullptr, nullptr, &message);
@@ -345,7 +357,16 @@ QString Index::lastError() const {
 bool Index::transaction(const std::function<bool()>& body) {
     failure_.clear();
     // The wait for another writer is the busy timeout's; then it fails as "database is locked".
-    if (body && exec("BEGIN IMMEDIATE") && body() && exec("COMMIT")) return true;
+    if (body && exec("BEGIN IMMEDIATE")) {
+        // Where the change log stood, so the journals know what this transaction touched.
+        sqlite3_stmt* s = nullptr;
+        began_ = -1;
+        if (sqlite3_prepare_v2(db_, "SELECT coalesce(max(seq), 0) FROM changes", -1, &s, nullptr) == SQLITE_OK &&
+            sqlite3_step(s) == SQLITE_ROW)
+            began_ = sqlite3_column_int64(s, 0);
+        sqlite3_finalize(s);
+        if (body() && exec("COMMIT")) return true;
+    }
     // Kept before the rollback, whose success would clear it.
     failure_ = QString::fromUtf8(sqlite3_errmsg(db_));
     if (!sqlite3_get_autocommit(db_)) exec("ROLLBACK");

@@ -267,7 +267,8 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
             if (auto k = kindsOf.find(asset); k != kindsOf.end()) k->insert(int(r.facts.kind));
             ++report.filesRead;
         }
-        journals_->write(db, touched, reachable);
+        journals_->write(db, touched, reachable, index_->changesBefore());
+        index_->trimChanges();
         return true;
     });
     if (ok) journals_->committed(reachable);
