@@ -51,7 +51,10 @@ public:
     std::optional<Asset> make(const QString& id, const AssetRow& row, const QList<const FileRow*>& files, qint64* date) {
         const bool inRoots = std::any_of(roots_.begin(), roots_.end(), [&](const QString& r) { return under(files.first()->path, r); });
         if (!inRoots) return std::nullopt;
-        return makeAsset(id, row, files, remoteFolders_, sidecars_, local_, date);
+        Asset a = makeAsset(id, row, files, remoteFolders_, sidecars_, local_, date);
+        // One string for the folder of its hundreds of items.
+        a.folder = *folders_.insert(a.folder);
+        return a;
     }
 
 private:
@@ -59,40 +62,40 @@ private:
     QTimeZone local_;
     QHash<QString, bool> remoteFolders_;
     SidecarLookup sidecars_;
+    QSet<QString> folders_;
 };
 
 // Every asset of the library's folders, loaded in two statements, with their creation dates
 // in milliseconds.
 QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& dates) {
     dates.clear();
-    QHash<QString, AssetRow> rows;
-    {
-        Statement s(index.db(), selectAsset);
-        while (s.step()) rows.insert(s.text(0), assetRow(s));
-    }
-    QList<FileRow> files;
-    {
-        Statement s(index.db(), fetchFiles + "ORDER BY asset");
-        while (s.step()) files << fileRow(s);
-    }
+    // Both tables in identifier order, merged as they are read: no row is held longer than
+    // its asset takes to make.
+    Statement a(index.db(), QByteArray(selectAsset) + " ORDER BY id");
+    bool moreAssets = a.step();
+    Statement s(index.db(), fetchFiles + "ORDER BY asset");
     QList<Asset> assets;
     AssetMaker maker(roots);
-    QList<const FileRow*> group;
+    QList<FileRow> group;
     auto flush = [&] {
         if (group.isEmpty()) return;
-        const QString id = group.first()->asset;
-        auto row = rows.constFind(id);
+        const QString id = group.first().asset;
+        const QByteArray key = id.toUtf8();
+        while (moreAssets && a.utf8(0) < QByteArrayView(key)) moreAssets = a.step();  // items without files
         qint64 date = 0;
-        if (row != rows.cend())
-            if (auto a = maker.make(id, *row, group, &date)) {
-                assets << std::move(*a);
+        QList<const FileRow*> files;
+        for (const FileRow& f : std::as_const(group)) files << &f;
+        if (moreAssets && a.utf8(0) == QByteArrayView(key))
+            if (auto made = maker.make(id, assetRow(a), files, &date)) {
+                assets << std::move(*made);
                 dates << date;
             }
         group.clear();
     };
-    for (const FileRow& f : files) {
-        if (!group.isEmpty() && group.first()->asset != f.asset) flush();
-        group << &f;
+    while (s.step()) {
+        FileRow f = fileRow(s);
+        if (!group.isEmpty() && group.first().asset != f.asset) flush();
+        group << std::move(f);
     }
     flush();
     return assets;
