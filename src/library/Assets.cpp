@@ -197,6 +197,8 @@ std::optional<qsizetype> FetchResult::indexOf(const QString& localIdentifier) co
 
 bool FetchResult::operator==(const FetchResult& other) const {
     if (assets_.size() != other.assets_.size()) return false;
+    // A kept result handed out again shares its items: nothing to compare.
+    if (assets_.constData() == other.assets_.constData()) return true;
     for (qsizetype i = 0; i < assets_.size(); ++i)
         if (assets_[i].localIdentifier != other.assets_[i].localIdentifier || assets_[i].version != other.assets_[i].version)
             return false;

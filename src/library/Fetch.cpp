@@ -321,6 +321,23 @@ struct Filter {
 
 }  // namespace
 
+namespace {
+
+// Keeps a result as the newest; the oldest go when there are more than eight or they hold more
+// than twice the library's items, each item's copy costing some two hundred bytes.
+template <typename Cache>
+void keepResult(Cache& cache, const FetchResult& result) {
+    cache.results.prepend(result);
+    qsizetype items = 0;
+    for (const FetchResult& r : std::as_const(cache.results)) items += r.count();
+    while (cache.results.size() > 1 && (cache.results.size() > 8 || items > 2 * cache.assets.size() + 1000)) {
+        items -= cache.results.last().count();
+        cache.results.removeLast();
+    }
+}
+
+}  // namespace
+
 ChangeDetails Library::update(const FetchResult& before) const {
     const QList<Asset>& all = allAssets();
     const Filter filter(before.query_);
@@ -347,6 +364,12 @@ ChangeDetails Library::update(const FetchResult& before) const {
         // A few named ones are looked up, not filtered from all.
         for (const QString& id : std::as_const(before.query_.localIdentifiers))
             if (auto i = cache_.byId.constFind(id); i != cache_.byId.cend() && filter(all[*i])) after.keys_ << *i;
+    } else if (filter.ids.isEmpty() && !filter.folder.isEmpty()) {
+        // A folder's items from the index's paths: an album costs its size, not the library's.
+        Statement s(index_->db(), "SELECT DISTINCT asset FROM files WHERE path > ? AND path < ?");
+        s.bind({filter.folder + '/', filter.folder + '0'});
+        while (s.step())
+            if (auto i = cache_.byId.constFind(s.text(0)); i != cache_.byId.cend() && filter(all[*i])) after.keys_ << *i;
     } else {
         for (qsizetype i = 0; i < all.size(); ++i)
             if (filter(all[i])) after.keys_ << i;
@@ -377,8 +400,9 @@ FetchResult Library::refetch(const FetchResult& before) const {
     }
     allAssets();
     // The last queries' results are kept and brought up to date by the change, so fetching
-    // the same again costs nothing, and after a change what it touched.
-    const bool keep = before.query_.localIdentifiers.isEmpty();
+    // the same again costs nothing, and after a change what it touched. A folder's is made
+    // from its paths quickly; the album list's counts of every folder would push out the rest.
+    const bool keep = before.query_.localIdentifiers.isEmpty() && !before.query_.album.startsWith(QLatin1String("folder:"));
     qsizetype found = -1;
     for (qsizetype i = 0; keep && i < cache_.results.size(); ++i)
         if (cache_.results[i].query_ == before.query_) found = i;
@@ -386,10 +410,7 @@ FetchResult Library::refetch(const FetchResult& before) const {
     start.query_ = before.query_;
     if (found >= 0) start = cache_.results.takeAt(found);
     FetchResult result = update(start).fetchResultAfterChanges;
-    if (keep) {
-        cache_.results.prepend(result);
-        if (cache_.results.size() > 4) cache_.results.removeLast();
-    }
+    if (keep) keepResult(cache_, result);
     return result;
 }
 
@@ -397,14 +418,13 @@ ChangeDetails Library::changeDetails(const FetchResult& before) const {
     if (!index_->isOpen()) return library::changeDetails(before, refetch(before));
     ChangeDetails details = update(before);
     // Kept as the latest of its query, the next fetch of it costs nothing.
-    if (before.query_.localIdentifiers.isEmpty()) {
+    if (before.query_.localIdentifiers.isEmpty() && !before.query_.album.startsWith(QLatin1String("folder:"))) {
         for (qsizetype i = 0; i < cache_.results.size(); ++i)
             if (cache_.results[i].query_ == before.query_) {
                 cache_.results.removeAt(i);
                 break;
             }
-        cache_.results.prepend(details.fetchResultAfterChanges);
-        if (cache_.results.size() > 4) cache_.results.removeLast();
+        keepResult(cache_, details.fetchResultAfterChanges);
     }
     return details;
 }

@@ -261,6 +261,9 @@ public:
 signals:
     // After a scan or a change of our own that altered the index.
     void libraryDidChange();
+    // While a scan reads files: those found in the folders it looks at, those read so far and
+    // those left to read.
+    void scanProgress(int seen, int read, int left);
 
 private:
     bool ensureOpen(QString* error) const;

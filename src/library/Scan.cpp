@@ -160,9 +160,15 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     QList<Read> reads;
     QHash<QString, QString> moved;  // new path to the asset it keeps
     QSet<QString> goneTaken;
-    const QStringList freshHeads = QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); });
+    // A new file's first bytes tell a moved one, so they are read ahead only when files went.
+    const QStringList freshHeads =
+        gone.isEmpty() ? QStringList() : QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); });
     for (qsizetype i = 0; i < fresh.size(); ++i) {
         const QString& path = fresh[i];
+        if (gone.isEmpty()) {
+            reads << Read{path, {}, {}};
+            continue;
+        }
         const QString& head = freshHeads[i];
         const OnDisk od = disk.value(path);
         auto match = std::find_if(gone.begin(), gone.end(), [&](const FileRow& g) {
@@ -177,10 +183,17 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     }
     const qsizetype freshReads = reads.size();
     for (const QString& path : changed) reads << Read{path, {}, {}};
-    QtConcurrent::blockingMap(reads, [](Read& r) {
-        if (r.head.isNull()) r.head = headHash(r.path);
-        r.facts = readFileFacts(r.path);
-    });
+    // In batches, so that the files seen, read and left can be told as it goes.
+    const int seen = int(disk.size());
+    constexpr qsizetype batch = 500;
+    for (qsizetype from = 0; from < reads.size(); from += batch) {
+        emit scanProgress(seen, int(from), int(reads.size() - from));
+        QtConcurrent::blockingMap(reads.begin() + from, reads.begin() + std::min(reads.size(), from + batch), [](Read& r) {
+            if (r.head.isNull()) r.head = headHash(r.path);
+            r.facts = readFileFacts(r.path);
+        });
+    }
+    if (!reads.isEmpty()) emit scanProgress(seen, int(reads.size()), 0);
     for (qsizetype i = 0; i < freshReads; ++i)
         if (!reads[i].facts.readable)
             report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
