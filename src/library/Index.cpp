@@ -83,13 +83,16 @@ QString Statement::text(int column) const {
 //   gave) and the edit, whose original and adjustment data sit in the library's hidden folder.
 // files: one row per file of the library folders, with what its reader found, so that an
 //   unchanged file (same path, size and modification time) is never read again.
-// journals (version 2): for each library folder, the SHA-1 of the journal last written there, so
-//   that a journal the index didn't write (new index, cut-short write) is known and read.
+// journals (version 2): for each library folder, what tells the journal last written there
+//   (its size and the SHA-1 of its last 64 KiB), so that a journal the index didn't write (new
+//   index, cut-short write) is known and read; `whole` (version 3), its size when last written
+//   whole, so it is written whole again when appends have doubled it.
 // changes (version 3): the identifiers of the assets each write touched, in order, filled by
-//   triggers whichever connection writes; a reader that knows where it stopped reloads those
-//   assets alone, and a journal takes their lines appended. Old entries are dropped
-//   (`trimChanges`); a reader behind them loads everything. journals.whole: the journal's size
-//   when last written whole, so it is written whole again when appends have doubled it.
+//   triggers whichever connection writes (a file added to the index always adds or bumps its
+//   asset, so inserts into files need none: a first scan's rows are logged once). A reader
+//   that knows where it stopped reloads those assets alone, and a journal takes their lines
+//   appended. Old entries are dropped (`trimChanges`), the newest always kept, so a plain
+//   rowid key only grows; a reader behind them loads everything.
 static const char* const migrations[] = {
     R"(CREATE TABLE assets(
          id TEXT PRIMARY KEY, favorite INTEGER NOT NULL DEFAULT 0, hidden INTEGER NOT NULL DEFAULT 0,
@@ -105,11 +108,10 @@ static const char* const migrations[] = {
        CREATE INDEX files_asset ON files(asset);
        CREATE INDEX files_move ON files(size, mtime);)",
     "CREATE TABLE journals(root TEXT PRIMARY KEY, digest TEXT NOT NULL);",
-    R"(CREATE TABLE changes(seq INTEGER PRIMARY KEY AUTOINCREMENT, asset TEXT NOT NULL);
+    R"(CREATE TABLE changes(seq INTEGER PRIMARY KEY, asset TEXT NOT NULL);
        CREATE TRIGGER assets_added AFTER INSERT ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
        CREATE TRIGGER assets_changed AFTER UPDATE ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
        CREATE TRIGGER assets_removed AFTER DELETE ON assets BEGIN INSERT INTO changes(asset) VALUES(OLD.id); END;
-       CREATE TRIGGER files_added AFTER INSERT ON files BEGIN INSERT INTO changes(asset) VALUES(NEW.asset); END;
        CREATE TRIGGER files_changed AFTER UPDATE ON files BEGIN
          INSERT INTO changes(asset) VALUES(OLD.asset);
          INSERT INTO changes(asset) SELECT NEW.asset WHERE NEW.asset <> OLD.asset;
