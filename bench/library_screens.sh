@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# An album of 10,000 library items opened in the grid, to its first screen of thumbnails, with a
-# cold and a warm thumbnail cache.
+# An album of 10,000 library items (or FILES, 100000 for a large library) opened in the grid, to
+# its first screen of thumbnails, with a cold and a warm thumbnail cache.
 # usage: bench/library_screens.sh BUILD_DIR [FILES]
 set -euo pipefail
 build=$(cd "$1" && pwd)

@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <unistd.h>
 
 using namespace library;
 
@@ -76,7 +77,16 @@ int libraryCommand(const QStringList& args) {
     const QString sub = args.first();
     const QStringList rest = args.mid(1);
     if (sub == "scan") {
+        // A line that tells how far the reading is, on a terminal only: a pipe gets the report.
+        bool shown = false;
+        if (isatty(STDERR_FILENO))
+            QObject::connect(&lib, &Library::scanProgress, &lib, [&shown](int seen, int read, int left) {
+                printError(QStringLiteral("\r%1 files seen, %2 read, %3 left\x1b[K").arg(seen).arg(read).arg(left));
+                shown = true;
+            });
         const ScanReport r = lib.scan();
+        QObject::disconnect(&lib, &Library::scanProgress, &lib, nullptr);
+        if (shown) printError(QStringLiteral("\r\x1b[K"));
         for (const QString& p : r.problems) printError(p + "\n");
         if (!r.indexError.isEmpty()) return 1;
         printOut(QStringLiteral("%1 read, %2 unchanged, %3 moved, %4 removed; %5 items\n")

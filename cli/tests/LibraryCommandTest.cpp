@@ -37,11 +37,14 @@ protected:
         return QJsonDocument::fromJson(r.out).array();
     }
     QJsonObject exif(const QString& file) { return exiftoolJson(file, {"-n", "-EXIF:all"}).toObject(); }
-    // The one item of the library's journal: its identifier, and whether it holds an edit.
+    // The one item of the library's journal as its last line says (a change appends the item's
+    // line anew): its identifier, and whether it holds an edit.
     QJsonObject journalItem() {
         const QList<QByteArray> lines = readFile(lib() + "/.tessorin/journal.jsonl").trimmed().split('\n');
-        EXPECT_EQ(lines.size(), 2);  // the header and the item
-        const QJsonObject item = QJsonDocument::fromJson(lines.value(1)).object();
+        EXPECT_GE(lines.size(), 2);  // the header and the item's lines
+        for (qsizetype i = 2; i < lines.size(); ++i)
+            EXPECT_EQ(QJsonDocument::fromJson(lines[i]).object()["id"], QJsonDocument::fromJson(lines[1]).object()["id"]);
+        const QJsonObject item = QJsonDocument::fromJson(lines.last()).object();
         return {{"id", item["id"]}, {"edited", item.contains("editOriginal")}};
     }
 

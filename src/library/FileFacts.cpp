@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTimeZone>
+#include <atomic>
 
 namespace library {
 
@@ -167,7 +168,14 @@ bool hasMediaName(const QString& path) {
     return imageExtensions.contains(ext) || rawExtensions.contains(ext) || movieExtensions.contains(ext);
 }
 
+namespace {
+std::atomic<qint64> opened{0};
+}  // namespace
+
+qint64 filesReadSoFar() { return opened.load(); }
+
 FileFacts readFileFacts(const QString& path) {
+    ++opened;
     FileFacts facts;
     facts.kind = kindByName(path);
     imageio::FilePieces head;
@@ -194,6 +202,7 @@ FileFacts readFileFacts(const QString& path) {
 }
 
 QString headHash(const QString& path) {
+    ++opened;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {};
     QCryptographicHash hash(QCryptographicHash::Sha1);

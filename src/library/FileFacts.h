@@ -3,6 +3,7 @@
 // What the library keeps of one file: read once by our own image and movie readers.
 #include <QDateTime>
 #include <QString>
+#include <QtGlobal>
 #include <optional>
 
 namespace library {
@@ -32,5 +33,8 @@ bool hasMediaName(const QString& path);
 FileFacts readFileFacts(const QString& path);
 // A hash of the file's first bytes, to know a moved file again.
 QString headHash(const QString& path);
+// How many times the two above opened a file in this process, so that what a scan reads can be
+// told from what it only looked at.
+qint64 filesReadSoFar();
 
 }  // namespace library

@@ -83,8 +83,16 @@ QString Statement::text(int column) const {
 //   gave) and the edit, whose original and adjustment data sit in the library's hidden folder.
 // files: one row per file of the library folders, with what its reader found, so that an
 //   unchanged file (same path, size and modification time) is never read again.
-// journals (version 2): for each library folder, the SHA-1 of the journal last written there, so
-//   that a journal the index didn't write (new index, cut-short write) is known and read.
+// journals (version 2): for each library folder, what tells the journal last written there
+//   (its size and the SHA-1 of its last 64 KiB), so that a journal the index didn't write (new
+//   index, cut-short write) is known and read; `whole` (version 3), its size when last written
+//   whole, so it is written whole again when appends have doubled it.
+// changes (version 3): the identifiers of the assets each write touched, in order, filled by
+//   triggers whichever connection writes (a file added to the index always adds or bumps its
+//   asset, so inserts into files need none: a first scan's rows are logged once). A reader
+//   that knows where it stopped reloads those assets alone, and a journal takes their lines
+//   appended. Old entries are dropped (`trimChanges`), the newest always kept, so a plain
+//   rowid key only grows; a reader behind them loads everything.
 static const char* const migrations[] = {
     R"(CREATE TABLE assets(
          id TEXT PRIMARY KEY, favorite INTEGER NOT NULL DEFAULT 0, hidden INTEGER NOT NULL DEFAULT 0,
@@ -100,6 +108,17 @@ static const char* const migrations[] = {
        CREATE INDEX files_asset ON files(asset);
        CREATE INDEX files_move ON files(size, mtime);)",
     "CREATE TABLE journals(root TEXT PRIMARY KEY, digest TEXT NOT NULL);",
+    R"(CREATE TABLE changes(seq INTEGER PRIMARY KEY, asset TEXT NOT NULL);
+       CREATE TRIGGER assets_added AFTER INSERT ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
+       CREATE TRIGGER assets_changed AFTER UPDATE ON assets BEGIN INSERT INTO changes(asset) VALUES(NEW.id); END;
+       CREATE TRIGGER assets_removed AFTER DELETE ON assets BEGIN INSERT INTO changes(asset) VALUES(OLD.id); END;
+       CREATE TRIGGER files_changed AFTER UPDATE ON files BEGIN
+         INSERT INTO changes(asset) VALUES(OLD.asset);
+         INSERT INTO changes(asset) SELECT NEW.asset WHERE NEW.asset <> OLD.asset;
+       END;
+       CREATE TRIGGER files_removed AFTER DELETE ON files BEGIN INSERT INTO changes(asset) VALUES(OLD.asset); END;
+       CREATE INDEX files_content ON files(content_id) WHERE content_id <> '';
+       ALTER TABLE journals ADD COLUMN whole INTEGER NOT NULL DEFAULT 0;)",
 };
 
 Index::Index(const QString& path) : path_(path) {
@@ -312,6 +331,15 @@ bool Index::migrate(QString* problem) {
     return true;
 }
 
+void Index::trimChanges() {
+    constexpr qint64 kept = 20000;
+    Statement bounds(db_, "SELECT min(seq), max(seq) FROM changes");
+    if (bounds.step() && bounds.integer(1) - bounds.integer(0) > 2 * kept) {
+        Statement trim(db_, "DELETE FROM changes WHERE seq <= ?");
+        trim.exec({bounds.integer(1) - kept});
+    }
+}
+
 bool Index::exec(const char* sql) {
     char* message = nullptr;
     int rc = sqlite3_exec(db_, sql, nullptr, nullptr, &message);
@@ -331,7 +359,16 @@ QString Index::lastError() const {
 bool Index::transaction(const std::function<bool()>& body) {
     failure_.clear();
     // The wait for another writer is the busy timeout's; then it fails as "database is locked".
-    if (body && exec("BEGIN IMMEDIATE") && body() && exec("COMMIT")) return true;
+    if (body && exec("BEGIN IMMEDIATE")) {
+        // Where the change log stood, so the journals know what this transaction touched.
+        sqlite3_stmt* s = nullptr;
+        began_ = -1;
+        if (sqlite3_prepare_v2(db_, "SELECT coalesce(max(seq), 0) FROM changes", -1, &s, nullptr) == SQLITE_OK &&
+            sqlite3_step(s) == SQLITE_ROW)
+            began_ = sqlite3_column_int64(s, 0);
+        sqlite3_finalize(s);
+        if (body() && exec("COMMIT")) return true;
+    }
     // Kept before the rollback, whose success would clear it.
     failure_ = QString::fromUtf8(sqlite3_errmsg(db_));
     if (!sqlite3_get_autocommit(db_)) exec("ROLLBACK");

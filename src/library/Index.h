@@ -40,7 +40,7 @@ private:
 
 class Index {
 public:
-    static constexpr int schemaVersion = 2;
+    static constexpr int schemaVersion = 3;
 
     // Opens or makes the database. A file that isn't a sound database gives what rows it still
     // reads (`salvaged`), is moved aside (named in the log) and a new one made; `error` says why
@@ -56,6 +56,10 @@ public:
 
     // Runs `body` in one write transaction; rolled back when it returns false.
     bool transaction(const std::function<bool()>& body);
+    // In a transaction: the last entry of the change log before it began.
+    qint64 changesBefore() const { return began_; }
+    // Drops the change log's entries but the newest, which readers a few changes behind use.
+    void trimChanges();
     bool exec(const char* sql);
     QString lastError() const;
 
@@ -67,6 +71,7 @@ private:
     QString error_;
     QString failure_;  // of the last failed transaction
     sqlite3* db_ = nullptr;
+    qint64 began_ = -1;
     QList<JournalItem> salvaged_;
 };
 

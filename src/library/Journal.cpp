@@ -121,15 +121,28 @@ QJsonObject objectFrom(const JournalItem& item, const QString& root) {
     return o;
 }
 
-QString digestOf(const QByteArray& data) {
-    return QString::fromLatin1(QCryptographicHash::hash(data, QCryptographicHash::Sha1).toHex());
+// What tells the journal the index wrote last from another: its size and the SHA-1 of its
+// last 64 KiB, where every append lands; found without reading a large journal whole.
+constexpr qsizetype digestedTail = 64 * 1024;
+QString digestOf(qint64 size, QByteArrayView tail) {
+    return QString::number(size) + ':' + QString::fromLatin1(QCryptographicHash::hash(tail, QCryptographicHash::Sha1).toHex());
+}
+QString digestOf(const QByteArray& data) { return digestOf(data.size(), QByteArrayView(data).last(std::min(data.size(), digestedTail))); }
+QString digestOf(QFile& file) {
+    const qint64 size = file.size();
+    if (!file.seek(std::max<qint64>(0, size - digestedTail))) return {};
+    return digestOf(size, file.read(digestedTail));
 }
 
-std::optional<QString> storedDigest(sqlite3* db, const QString& root) {
-    Statement s(db, "SELECT digest FROM journals WHERE root = ?");
+struct Stored {
+    QString digest;
+    qint64 whole = 0;  // the size at the last writing whole
+};
+std::optional<Stored> storedDigest(sqlite3* db, const QString& root) {
+    Statement s(db, "SELECT digest, whole FROM journals WHERE root = ?");
     s.bind({root});
     if (!s.step()) return std::nullopt;
-    return s.text(0);
+    return Stored{s.text(0), s.integer(1)};
 }
 
 bool inIndex(sqlite3* db, const QString& id) {
@@ -189,6 +202,7 @@ QByteArray serialize(const QString& root, const QList<JournalItem>& items) {
 
 Reading parse(const QString& root, const QByteArray& data) {
     Reading reading;
+    QHash<QString, qsizetype> where;  // into reading.items
     bool first = true;
     for (const QByteArray& line : data.split('\n')) {
         if (line.trimmed().isEmpty()) continue;
@@ -197,11 +211,27 @@ Reading parse(const QString& root, const QByteArray& data) {
             reading.version = int(wholeNumber(o.value("version"), 1, 1e6).value_or(0));
             continue;
         }
+        // Appended lines: a later line of an item takes the place of the earlier, a removal
+        // line takes it out.
+        const QString id = o.value("id").toString();
+        if (o.value("removed").toBool() && !id.isEmpty()) {
+            if (auto at = where.constFind(id); at != where.cend()) reading.items[*at].id.clear();
+            continue;
+        }
         // A line of a newer version is read for the fields this one knows, checked the same way.
         auto item = itemFrom(o, root);
-        if (item && isSound(*item, {root})) reading.items << *item;
-        else ++reading.skipped;
+        if (!item || !isSound(*item, {root})) {
+            ++reading.skipped;
+            continue;
+        }
+        if (auto at = where.constFind(item->id); at != where.cend() && !reading.items[*at].id.isEmpty()) {
+            reading.items[*at] = *item;
+        } else {
+            where.insert(item->id, reading.items.size());
+            reading.items << *item;
+        }
     }
+    reading.items.removeIf([](const JournalItem& item) { return item.id.isEmpty(); });
     return reading;
 }
 
@@ -260,7 +290,7 @@ void Journals::check(sqlite3* db) {
         QFile file(journal::pathFor(root));
         const QByteArray data = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         const auto stored = storedDigest(db, root);
-        if (stored && *stored == digestOf(data)) continue;
+        if (stored && stored->digest == digestOf(data)) continue;
         if (data.isEmpty() && !stored) {
             // No journal yet: one is due only when the index holds something there.
             Statement any(db, "SELECT 1 FROM files WHERE path > ? AND path < ? LIMIT 1");
@@ -332,17 +362,19 @@ std::optional<QString> Journals::take(sqlite3* db, const QString& path, qint64 s
     return j.id;
 }
 
-QByteArray Journals::lines(sqlite3* db, const QString& root, QSet<QString>* ids) const {
-    // Written straight from the rows: the journal of a large library is written at every change,
-    // and a JSON object per item costs several times more. The fields are those objectFrom gives.
-    Statement s(db,
-                "SELECT f.asset, f.path, f.size, f.head, a.added, a.favorite, a.hidden, a.user_date, a.user_offset, "
-                "a.user_lat, a.user_lon, a.edit_original, a.edit_adjustment FROM files f JOIN assets a ON a.id = f.asset "
-                "WHERE +f.path > ? AND +f.path < ? ORDER BY f.asset");
+QByteArray Journals::lines(sqlite3* db, const QString& root, QSet<QString>* ids, const QString& only) const {
+    // Written straight from the rows: a JSON object per item costs several times more. The
+    // fields are those objectFrom gives.
+    const QByteArray select =
+        "SELECT f.asset, f.path, f.size, f.head, a.added, a.favorite, a.hidden, a.user_date, a.user_offset, "
+        "a.user_lat, a.user_lon, a.edit_original, a.edit_adjustment FROM files f JOIN assets a ON a.id = f.asset "
+        "WHERE +f.path > ? AND +f.path < ?";
     // Paths of the folder sort between "root/" and "root0", '0' following '/'. The files are
     // read in table order ('+' keeps SQLite off the path index): nearly all of them match, and
-    // a look-up through the index for each costs more.
-    s.bind({root + '/', root + '0'});
+    // a look-up through the index for each costs more. One item is found by its identifier.
+    Statement s(db, only.isEmpty() ? select + " ORDER BY f.asset" : select + " AND f.asset = ?");
+    if (only.isEmpty()) s.bind({root + '/', root + '0'});
+    else s.bind({root + '/', root + '0', only});
     const QByteArray prefix = root.toUtf8() + '/';
     const qsizetype skip = prefix.size();
     auto number = [](double d) { return QByteArray::number(d, 'g', QLocale::FloatingPointShortest); };
@@ -382,11 +414,41 @@ QByteArray Journals::lines(sqlite3* db, const QString& root, QSet<QString>* ids)
     return out;
 }
 
-void Journals::write(sqlite3* db, const QSet<QString>& roots, const std::function<bool(const QString&)>& settled) {
+bool Journals::append(sqlite3* db, const QString& root, const QString& digest, qint64 whole, qint64 since) {
+    QFile file(journal::pathFor(root));
+    // Only to the journal the index wrote last, and until it is twice what a writing whole
+    // gave: then it is written whole again, each item once.
+    if (!file.open(QIODevice::ReadWrite) || file.size() > 2 * whole + digestedTail || digestOf(file) != digest)
+        return false;
+    QSet<QString> touched;
+    Statement changes(db, "SELECT DISTINCT asset FROM changes WHERE seq > ?");
+    changes.bind({since});
+    while (changes.step()) touched.insert(changes.text(0));
+    if (touched.size() > 1000) return false;  // most of the folder: whole is as quick
+    QByteArray added;
+    for (const QString& id : std::as_const(touched)) {
+        const QByteArray line = lines(db, root, nullptr, id);
+        added += line.isEmpty() ? "{\"id\":\"" + id.toUtf8() + "\",\"removed\":true}\n" : line;
+    }
+    if (added.isEmpty()) return true;
+    // A cut-short append leaves a last line that isn't JSON, which reading skips; the index
+    // doesn't commit before the lines are on the disk.
+    if (!file.seek(file.size()) || file.write(added) != added.size() || !file.flush() || !fileio::syncFile(file.handle()))
+        return false;
+    Statement record(db, "UPDATE journals SET digest = ? WHERE root = ?");
+    return record.exec({digestOf(file), root});
+}
+
+void Journals::write(sqlite3* db, const QSet<QString>& roots, const std::function<bool(const QString&)>& settled, qint64 since) {
     QSet<QString> all = roots;
     all.unite(stale_);
     for (const QString& root : std::as_const(all)) {
         if (!QFileInfo(root).isDir()) continue;  // stays stale until its disk is back
+        // A change of a few items is appended: a large library's journal written whole costs
+        // a second.
+        if (since >= 0 && pending_.isEmpty() && !stale_.contains(root))
+            if (const auto stored = storedDigest(db, root); stored && !stored->digest.isEmpty() && append(db, root, stored->digest, stored->whole, since))
+                continue;
         QSet<QString> ids;
         QByteArray data = lines(db, root, pending_.isEmpty() ? nullptr : &ids);
         // Recovered items whose files haven't been seen yet stay in the journal.
@@ -405,19 +467,19 @@ void Journals::write(sqlite3* db, const QSet<QString>& roots, const std::functio
         }
         data = journal::serialize(root, items).insert(header().size(), data);
         const QString digest = digestOf(data);
-        if (stored && *stored == digest && !stale_.contains(root)) continue;
+        if (stored && stored->digest == digest && !stale_.contains(root)) continue;
         QString error;
-        Statement record(db, "INSERT OR REPLACE INTO journals(root, digest) VALUES(?, ?)");
+        Statement record(db, "INSERT OR REPLACE INTO journals(root, digest, whole) VALUES(?, ?, ?)");
         if (!QDir().mkpath(root + "/.tessorin")) error = QStringLiteral("its folder can't be made");
         if (!error.isEmpty() || !fileio::writeDurably(path, data, &error)) {
             // A read-only folder keeps its photos' state in the index alone; the next change in
             // it, or the next start, tries again.
             Log::error(QStringLiteral("🗂 The journal %1 can't be written: %2").arg(path, error));
             stale_.remove(root);
-            record.exec({root, QString()});
+            record.exec({root, QString(), 0});
             continue;
         }
-        record.exec({root, digest});
+        record.exec({root, digest, data.size()});
         stale_.remove(root);
     }
 }

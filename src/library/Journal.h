@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 // What the user set, kept beside the photos as well as in the index: one journal per library
-// folder, `.tessorin/journal.jsonl`, written whole and durably before every index transaction
-// that changes it commits. A lost or damaged index takes the identifiers, marks, dates, places
+// folder, `.tessorin/journal.jsonl`, written durably before every index transaction that changes
+// it commits: the lines of the items a change touched appended, or, when it has grown to twice
+// its size or isn't the one the index wrote, whole. A lost or damaged index takes the identifiers, marks, dates, places
 // and edits back from it, and from what the damaged index still reads.
 //
 // The file is JSON Lines, so that a cut or damaged one is read as far as it goes: a header
 // {"journal":"Tessorin library","version":1}, then one item a line,
 // {"id", "added", "favorite", "hidden", "userDate", "userOffset", "userLatitude",
 //  "userLongitude", "editOriginal", "editAdjustment", "files":[{"path","size","head"}]},
-// paths relative to the library folder, absent fields meaning none.
+// paths relative to the library folder, absent fields meaning none. A later line of an item takes
+// the place of an earlier one; {"id", "removed": true} takes it out (version 2).
 #include <QByteArray>
 #include <QHash>
 #include <QList>
@@ -45,7 +47,7 @@ struct JournalItem {
 bool isSound(const JournalItem& item, const QStringList& roots);
 
 namespace journal {
-inline constexpr int version = 1;
+inline constexpr int version = 2;
 QString pathFor(const QString& root);
 QByteArray serialize(const QString& root, const QList<JournalItem>& items);
 struct Reading {
@@ -77,8 +79,10 @@ public:
     // Inside a write transaction: writes the journal of each folder in `roots` (and the stale
     // ones) from the index, with the recovered items not taken yet, less those `settled`
     // tells are gone, and records what was written. A folder that can't take it is logged and
-    // tried again later; the index still changes.
-    void write(sqlite3* db, const QSet<QString>& roots, const std::function<bool(const QString& path)>& settled = {});
+    // tried again later; the index still changes. With `since`, the index's change log entry
+    // the transaction began after, the items it touched are appended where that will do.
+    void write(sqlite3* db, const QSet<QString>& roots, const std::function<bool(const QString& path)>& settled = {},
+               qint64 since = -1);
     // After the transaction committed: forgets the recovered items `settled` tells are gone,
     // and says in the log what the index took back.
     void committed(const std::function<bool(const QString& path)>& settled = {});
@@ -91,8 +95,13 @@ public:
     QSet<QString> rootsOfAsset(sqlite3* db, const QString& id) const;
 
 private:
-    // The lines of the items the index holds in `root`, their identifiers into `ids`.
-    QByteArray lines(sqlite3* db, const QString& root, QSet<QString>* ids) const;
+    // The lines of the items the index holds in `root` (of the item `only` when given), their
+    // identifiers into `ids`.
+    QByteArray lines(sqlite3* db, const QString& root, QSet<QString>* ids, const QString& only = {}) const;
+    // Appends the lines of the items touched since the change `since` to the journal whose
+    // digest and size when last written whole the index holds; false when it must be written
+    // whole instead.
+    bool append(sqlite3* db, const QString& root, const QString& digest, qint64 whole, qint64 since);
     QStringList roots_;
     QSet<QString> checked_, stale_;
     QList<JournalItem> pending_;  // recovered, not in the index yet

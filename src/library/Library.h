@@ -6,10 +6,13 @@
 // type options, gathered into collections, and changed through the operations below.
 // Knows nothing of the screens or of tags: it answers with plain values.
 #include <QDateTime>
+#include <QHash>
 #include <QList>
+#include <QSet>
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -85,7 +88,10 @@ struct FetchOptions {
     SortOrder sort = SortOrder::creationDateAscending;
     std::optional<MediaType> mediaType;  // only this type when set
     bool includeHidden = false;
+    bool operator==(const FetchOptions&) const = default;
 };
+
+struct ChangeDetails;
 
 // A snapshot of a fetch: it stays as it was when the library changes.
 class FetchResult {
@@ -104,14 +110,19 @@ public:
         FetchOptions options;
         QString album;  // collection identifier, or empty for all assets
         QStringList localIdentifiers;  // when non-empty: these assets only
+        bool operator==(const Query&) const = default;
     };
     const Query& query() const { return query_; }
     bool operator==(const FetchResult& other) const;
 
 private:
     friend class Library;
+    friend ChangeDetails changeDetails(const FetchResult&, const FetchResult&, const QSet<QString>&,
+                                              const std::function<const Asset*(const QString&, qint64*)>&);
     QList<Asset> assets_;
+    QList<qint64> keys_;  // the sort key of each asset (creation date in milliseconds)
     Query query_;
+    qint64 seq_ = -1;  // the index's change the result reflects; -1 when unknown
 };
 
 // How a fetch result changed: indexes of removed ones in the old result, of inserted and
@@ -133,6 +144,11 @@ struct ChangeDetails {
 
 // Compares two fetch results by identifier and version.
 ChangeDetails changeDetails(const FetchResult& before, const FetchResult& after);
+// The same from `before` and the assets `touched` since, each as it is now (nothing when gone
+// or no longer fetched, else the asset with its sort key): costs the change, not the result.
+// `after` holds the query the new result answers.
+ChangeDetails changeDetails(const FetchResult& before, const FetchResult& after, const QSet<QString>& touched,
+                            const std::function<const Asset*(const QString& id, qint64* key)>& now);
 
 enum class CollectionType { album = 1, smartAlbum = 2, folder = 3 };
 
@@ -198,7 +214,7 @@ public:
     FetchResult fetchAssets(const QStringList& localIdentifiers) const;
     // The same query made again now, and how it differs from `before`.
     FetchResult refetch(const FetchResult& before) const;
-    ChangeDetails changeDetails(const FetchResult& before) const { return library::changeDetails(before, refetch(before)); }
+    ChangeDetails changeDetails(const FetchResult& before) const;
     std::optional<Asset> asset(const QString& localIdentifier) const;
     // The asset that holds this file as any of its resources.
     std::optional<Asset> assetForPath(const QString& path) const;
@@ -245,6 +261,9 @@ public:
 signals:
     // After a scan or a change of our own that altered the index.
     void libraryDidChange();
+    // While a scan reads files: those found in the folders it looks at, those read so far and
+    // those left to read.
+    void scanProgress(int seen, int read, int left);
 
 private:
     bool ensureOpen(QString* error) const;
@@ -255,15 +274,28 @@ private:
     std::unique_ptr<Journals> journals_;  // what the user set, beside the photos
     std::unique_ptr<FolderWatcher> watcher_;
     ScanReport lastScan_;
-    // Every asset as last loaded, with its creation date in milliseconds for sorting.
+    // Every asset as last loaded, with its creation date in milliseconds for sorting; after a
+    // change only the assets it touched are loaded again.
     const QList<Asset>& allAssets() const;
+    void loadEverything() const;
     qint64 dataVersion() const;
+    // The identifiers touched since the change `seq`, or nothing when that is too long ago.
+    std::optional<QSet<QString>> touchedSince(qint64 seq) const;
+    // `before` brought up to date, with how it changed.
+    ChangeDetails update(const FetchResult& before) const;
     // The index's data_version when observers were last told of a change.
     qint64 toldVersion_ = -1;
     struct Cache {
         qint64 dataVersion = -1, changes = -1;
+        qint64 seq = -1;  // the last change of the index's log the assets hold
         QList<Asset> assets;
         QList<qint64> dates;
+        QHash<QString, qsizetype> byId;  // into assets
+        // The identifiers each change since `logFrom` touched, by the change that ends it.
+        qint64 logFrom = -1;
+        QList<QPair<qint64, QSet<QString>>> log;
+        qsizetype logged = 0;  // identifiers in `log`
+        QList<FetchResult> results;  // the last queries' results, newest first
     };
     mutable Cache cache_;
 };

@@ -54,7 +54,7 @@ void renameSidecar(const QString& from, const QString& to) {
 bool journaled(Index& index, Journals& journals, const QSet<QString>& roots, const std::function<bool()>& body) {
     const bool ok = index.transaction([&] {
         if (!body()) return false;
-        journals.write(index.db(), roots);
+        journals.write(index.db(), roots, {}, index.changesBefore());
         return true;
     });
     if (ok) journals.committed();

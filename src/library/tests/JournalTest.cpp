@@ -184,6 +184,9 @@ TEST_F(Rebuild, DamagedIndexWithoutAJournalGivesWhatItStillReads) {
 TEST_F(Rebuild, CutOrDamagedJournalIsReadAsFarAsItGoes) {
     fill();
     lib.reset();
+    // Each item on one line, as a journal written whole has it (the marks and edits of fill()
+    // were appended).
+    writeAll(journal(), journal::serialize(root(), journal::parse(root(), readAll(journal())).items));
     const QByteArray whole = readAll(journal());
     const QList<QByteArray> lines = whole.split('\n');
     ASSERT_EQ(lines.size(), 1 + 64 + 1);  // the header, one line an item, the last newline
@@ -213,6 +216,9 @@ TEST_F(Rebuild, CutOrDamagedJournalIsReadAsFarAsItGoes) {
 TEST_F(Rebuild, JournalOfANewerVersionIsCheckedFieldByField) {
     fill();
     lib.reset();
+    // Each item on one line, as a journal written whole has it (the marks and edits of fill()
+    // were appended).
+    writeAll(journal(), journal::serialize(root(), journal::parse(root(), readAll(journal())).items));
     // A newer version's journal: a header of version 7, fields this one doesn't know, and
     // lines whose known fields hold what the library never writes.
     QList<QByteArray> lines = readAll(journal()).split('\n');
@@ -345,4 +351,42 @@ TEST_F(Rebuild, FoldersTakenToAnotherMachineKeepWhatTheUserSet) {
     ASSERT_TRUE(at(edited).isEdited());
     ASSERT_TRUE(moved.revert(at(edited).localIdentifier));
     EXPECT_EQ(testsupport::readFile(elsewhere + "/Trip/edited.jpg"), original);
+}
+
+TEST_F(LibraryFixture, AChangeAppendsTheLinesOfWhatItTouched) {
+    const QString a = add("jpeg/Canon_40D.jpg", "a.jpg"), b = add("jpeg/Nikon_D70.jpg", "b.jpg");
+    add("jpeg/Fujifilm_FinePix_E500.jpg", "c.jpg");
+    lib->scan();
+    const QString id = assetOf(a).localIdentifier;
+    const QByteArray whole = readAll(journal::pathFor(root()));
+    ASSERT_EQ(whole.count('\n'), 1 + 3);
+
+    ASSERT_TRUE(lib->setFavorite(id, true));
+    ASSERT_TRUE(lib->setFavorite(id, false));
+    ASSERT_TRUE(QFile::remove(b));
+    lib->scan();
+    const QByteArray now = readAll(journal::pathFor(root()));
+    ASSERT_TRUE(now.startsWith(whole));
+    const QList<QByteArray> added = now.mid(whole.size()).split('\n');
+    ASSERT_EQ(added.size(), 3 + 1);
+    EXPECT_TRUE(added[0].contains(id.toUtf8()) && added[0].contains("\"favorite\":true"));
+    EXPECT_TRUE(added[1].contains(id.toUtf8()) && !added[1].contains("favorite"));
+    EXPECT_TRUE(added[2].contains("\"removed\":true"));
+    // Read as the last line of each item says: two items, neither a favourite.
+    const journal::Reading reading = journal::parse(root(), now);
+    ASSERT_EQ(reading.items.size(), 2);
+    EXPECT_EQ(reading.skipped, 0);
+    for (const JournalItem& item : reading.items) EXPECT_FALSE(item.favorite);
+    // An append cut short: its half line is passed over, the item read as the line before says.
+    const journal::Reading cut = journal::parse(root(), now.left(now.size() - added[2].size() / 2 - 1));
+    EXPECT_EQ(cut.skipped, 1);
+    EXPECT_EQ(cut.items.size(), 3);
+
+    // And an index rebuilt from it has them so.
+    lib.reset();
+    ASSERT_TRUE(QFile::remove(database()));
+    reopen();
+    lib->scan();
+    EXPECT_EQ(assetOf(a).localIdentifier, id);
+    EXPECT_FALSE(assetOf(a).favorite);
 }

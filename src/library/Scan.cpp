@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Scans: the folders walked, new and changed files read on worker threads, moves known by size,
+// time and first bytes, files grouped into assets, all written in one transaction.
+#include "Library.h"
+
+#include "FileFacts.h"
+#include "Index.h"
+#include "Journal.h"
+#include "Log.h"
+#include "Rows.h"
+#include "Sidecar.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+#include <QThread>
+#include <QUuid>
+#include <QtConcurrent/QtConcurrentMap>
+#include <algorithm>
+#include <atomic>
+#include <sqlite3.h>
+#include <dirent.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace library {
+
+ScanReport Library::scan() { return scan({}, folders_); }
+
+ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
+    ScanReport report;
+    if (!ensureOpen(nullptr)) {
+        report.indexError = index_->error();
+        report.problems << index_->error();
+        return lastScan_ = report;
+    }
+    journals_->check(index_->db());
+    // What is on disk now. Folders we can't read keep their files in the index: a missing
+    // disk or a locked folder must not cost the user's marks.
+    struct OnDisk { qint64 size, mtime; };
+    QHash<QString, OnDisk> disk;
+    QHash<QString, qint64> sidecarTimes;  // the XMP sidecars seen, by path
+    QStringList unreachable;
+    auto isRoot = [&](const QString& dir) { return folders_.contains(dir); };
+    // Listed with readdir and one stat a file: a QFileInfo per entry costs several times that
+    // at a hundred thousand files.
+    std::function<void(const QString&, bool)> walk = [&](const QString& dir, bool into) {
+        const QFileInfo info(dir);
+        if (!info.exists() && !isRoot(dir)) return;  // a subfolder that went: its files went too
+        DIR* d = info.isDir() && info.isReadable() && info.isExecutable() ? opendir(QFile::encodeName(dir).constData()) : nullptr;
+        if (!d) {
+            unreachable << dir;
+            report.problems << QStringLiteral("The library folder %1 can't be read").arg(dir);
+            return;
+        }
+        QStringList subfolders;
+        while (const dirent* e = readdir(d)) {
+            // Hidden entries (our own folder of originals among them) aren't part of the library.
+            if (e->d_name[0] == '.') continue;
+            const QString name = QFile::decodeName(e->d_name);
+            const bool media = hasMediaName(name), sidecar = name.endsWith(QLatin1String(".xmp"), Qt::CaseInsensitive);
+            if (!media && !sidecar && e->d_type != DT_DIR && e->d_type != DT_UNKNOWN && e->d_type != DT_LNK) continue;
+            struct stat st {};
+            if (fstatat(dirfd(d), e->d_name, &st, 0) != 0) continue;
+            if (S_ISDIR(st.st_mode)) {
+                if (into) subfolders << dir + '/' + name;
+                continue;
+            }
+            if (!S_ISREG(st.st_mode)) continue;
+            const qint64 mtime = qint64(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000;
+            if (media) disk.insert(dir + '/' + name, {qint64(st.st_size), mtime});
+            else if (sidecar) sidecarTimes.insert(dir + '/' + name, mtime);
+        }
+        closedir(d);
+        for (const QString& sub : std::as_const(subfolders)) walk(sub, true);
+    };
+    auto inLibrary = [&](const QString& path) {
+        return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); });
+    };
+    QStringList shallowScope, deepScope;
+    for (const QString& f : shallow) if (inLibrary(f)) shallowScope << QDir::cleanPath(f);
+    for (const QString& f : deep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
+    for (const QString& dir : std::as_const(shallowScope)) walk(dir, false);
+    for (const QString& dir : std::as_const(deepScope)) walk(dir, true);
+    // A photo counts as changed when its sidecar does, or comes or goes: its time is the later of
+    // the two, so another program's rating or keywords in the sidecar are read like a change to
+    // the photo, and a photo moved with its sidecar is still known by size, time and first bytes.
+    if (!sidecarTimes.isEmpty()) {
+        for (auto it = disk.begin(); it != disk.end(); ++it)
+            for (const QString& candidate : imageio::sidecarCandidates(it.key()))
+                if (const auto s = sidecarTimes.constFind(candidate); s != sidecarTimes.cend()) {
+                    it->mtime = std::max(it->mtime, *s);
+                    break;
+                }
+    }
+    auto inScope = [&](const QString& path) {
+        const QString dir = QFileInfo(path).absolutePath();
+        return shallowScope.contains(dir) ||
+               std::any_of(deepScope.begin(), deepScope.end(), [&](const QString& d) { return under(path, d); });
+    };
+    auto reachable = [&](const QString& path) {
+        return inLibrary(path) && inScope(path) &&
+               std::none_of(unreachable.begin(), unreachable.end(), [&](const QString& u) { return under(path, u); });
+    };
+
+    // The index's rows of the folders a scan looks at, found by ranges of the path key, so a
+    // scan of one folder costs that folder. First only what tells a change.
+    sqlite3* db = index_->db();
+    auto rowsIn = [&](const QByteArray& select, const QStringList& shallowFolders, const QStringList& deepFolders,
+                      const std::function<void(const Statement&)>& take) {
+        Statement s(db, select + " WHERE path > ? AND path < ?");
+        for (const QStringList* list : {&shallowFolders, &deepFolders})
+            for (const QString& f : *list) {
+                s.bind({f + '/', f + '0'});  // '0' follows '/'
+                while (s.step())
+                    if (list == &deepFolders || folderOf(s.text(0)) == f) take(s);
+            }
+    };
+    struct Stamp { qint64 size, mtime; };
+    QHash<QString, Stamp> stamps;
+    rowsIn("SELECT path, size, mtime FROM files", shallowScope, deepScope,
+           [&](const Statement& s) { stamps.insert(s.text(0), {s.integer(1), s.integer(2)}); });
+    QStringList fresh, changed, gonePaths;
+    for (auto it = disk.cbegin(); it != disk.cend(); ++it) {
+        auto k = stamps.constFind(it.key());
+        if (k == stamps.cend()) fresh << it.key();
+        else if (k->size != it->size || k->mtime != it->mtime) changed << it.key();
+        else ++report.filesUnchanged;
+    }
+    for (auto it = stamps.cbegin(); it != stamps.cend(); ++it)
+        if (!disk.contains(it.key()) && reachable(it.key())) gonePaths << it.key();
+    stamps = {};
+    if (fresh.isEmpty() && changed.isEmpty() && gonePaths.isEmpty() && journals_->stale().isEmpty()) {
+        // Another Library on this index (a save's worker has its own) may have brought it up to
+        // date already: its writes are still news to this one's observers.
+        const qint64 told = std::exchange(toldVersion_, dataVersion());
+        lastScan_ = report;
+        if (told != toldVersion_) emit libraryDidChange();
+        return report;
+    }
+    // Then the whole rows of the folders where something changed: what the gone files were,
+    // and the partners a new file may join.
+    QHash<QString, FileRow> known;
+    {
+        QSet<QString> folders;
+        for (const QStringList* list : {&fresh, &changed, &gonePaths})
+            for (const QString& p : *list) folders.insert(folderOf(p));
+        rowsIn(selectFiles, QStringList(folders.begin(), folders.end()), {}, [&](const Statement& s) {
+            FileRow r = fileRow(s);
+            known.insert(r.path, r);
+        });
+    }
+    QList<FileRow> gone;
+    for (const QString& p : std::as_const(gonePaths)) gone << known.value(p);
+    std::sort(fresh.begin(), fresh.end());
+
+    // The reading is done before the transaction, so the database is held only for the writes.
+    // Files are read on worker threads, one file each; matching them up stays here, in order.
+    struct Read { QString path, head; FileFacts facts; };
+    QList<Read> reads;
+    QHash<QString, QString> moved;  // new path to the asset it keeps
+    QSet<QString> goneTaken;
+    // A new file's first bytes tell a moved one. They are read in a pass of their own even when
+    // no file went: their small strings made among the reader's large passing ones left a
+    // first scan of 100,000 files with some 400 MB more held.
+    const QStringList freshHeads = QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); });
+    for (qsizetype i = 0; i < fresh.size(); ++i) {
+        const QString& path = fresh[i];
+        const QString& head = freshHeads[i];
+        const OnDisk od = disk.value(path);
+        auto match = std::find_if(gone.begin(), gone.end(), [&](const FileRow& g) {
+            return !goneTaken.contains(g.path) && g.size == od.size && g.mtime == od.mtime && g.head == head;
+        });
+        if (match != gone.end()) {
+            goneTaken.insert(match->path);
+            moved.insert(path, match->path);
+            continue;
+        }
+        reads << Read{path, head, {}};
+    }
+    const qsizetype freshReads = reads.size();
+    for (const QString& path : changed) reads << Read{path, {}, {}};
+    // One blocking map over all of them, the calling thread among the workers (batches of it,
+    // or a map it only waits for, leave tens of megabytes more behind at a hundred thousand
+    // files); that thread tells the files seen, read and left as it goes.
+    const int seen = int(disk.size());
+    const int toRead = int(reads.size());
+    if (toRead > 0) emit scanProgress(seen, 0, toRead);
+    std::atomic<int> done{0};
+    QThread* const caller = QThread::currentThread();
+    QtConcurrent::blockingMap(reads, [&](Read& r) {
+        if (r.head.isNull()) r.head = headHash(r.path);
+        r.facts = readFileFacts(r.path);
+        const int n = ++done;
+        if (QThread::currentThread() == caller && n < toRead) emit scanProgress(seen, n, toRead - n);
+    });
+    if (toRead > 0) emit scanProgress(seen, toRead, 0);
+    for (qsizetype i = 0; i < freshReads; ++i)
+        if (!reads[i].facts.readable)
+            report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
+
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    QStringList paths = moved.keys();
+    for (const FileRow& g : std::as_const(gone)) paths << g.path;
+    for (const Read& r : std::as_const(reads)) paths << r.path;
+    const QSet<QString> touched = journals_->rootsOf(paths);
+    bool ok = index_->transaction([&] {
+        Statement bump(db, "UPDATE assets SET version = version + 1 WHERE id = ?");
+        Statement move(db, "UPDATE files SET path = ? WHERE path = ?");
+        for (auto it = moved.cbegin(); it != moved.cend(); ++it) {
+            if (!move.exec({it.key(), it.value()}) || !bump.exec({known.value(it.value()).asset})) return false;
+            known.insert(it.key(), known.take(it.value()));
+            known[it.key()].path = it.key();
+            ++report.filesMoved;
+        }
+        Statement removeFile(db, "DELETE FROM files WHERE path = ?");
+        Statement orphans(db, "DELETE FROM assets WHERE id = ? AND NOT EXISTS (SELECT 1 FROM files WHERE asset = ?)");
+        for (const FileRow& g : gone) {
+            if (goneTaken.contains(g.path)) continue;
+            if (!removeFile.exec({g.path}) || !orphans.exec({g.asset, g.asset}) || !bump.exec({g.asset})) return false;
+            known.remove(g.path);
+            ++report.filesRemoved;
+        }
+        // Partners for grouping: same folder and base name (the folder's rows are at hand), or
+        // the same content identifier (anywhere, asked of the index).
+        QHash<QString, QString> byName, byContent;
+        QHash<QString, QSet<int>> kindsOf;
+        auto nameKey = [](const QString& path) {
+            QFileInfo fi(path);
+            return fi.absolutePath() + '/' + fi.completeBaseName().toLower();
+        };
+        for (const FileRow& r : std::as_const(known)) {
+            byName.insert(nameKey(r.path), r.asset);
+            if (!r.contentId.isEmpty()) byContent.insert(r.contentId, r.asset);
+        }
+        Statement contentPartner(db, "SELECT asset FROM files WHERE content_id = ? AND content_id <> ''");
+        Statement kinds(db, "SELECT kind FROM files WHERE asset = ?");
+        auto partnerByContent = [&](const QString& contentId) {
+            if (contentId.isEmpty()) return QString();
+            auto it = byContent.constFind(contentId);
+            if (it != byContent.cend()) return *it;
+            contentPartner.bind({contentId});
+            const QString asset = contentPartner.step() ? contentPartner.text(0) : QString();
+            contentPartner.reset();
+            return asset;
+        };
+        auto kindsOfAsset = [&](const QString& asset) -> const QSet<int>& {
+            auto it = kindsOf.find(asset);
+            if (it == kindsOf.end()) {
+                QSet<int> found;
+                kinds.bind({asset});
+                while (kinds.step()) found.insert(int(kinds.integer(0)));
+                kinds.reset();
+                it = kindsOf.insert(asset, found);
+            }
+            return *it;
+        };
+        Statement insert(db, insertFile);
+        Statement newAsset(db, "INSERT INTO assets(id, added) VALUES(?, ?)");
+        for (const Read& r : reads) {
+            const OnDisk od = disk.value(r.path);
+            QString asset = known.contains(r.path) ? known.value(r.path).asset : QString();
+            if (asset.isEmpty()) asset = journals_->take(db, r.path, od.size, r.head, now).value_or(QString());
+            if (asset.isEmpty()) {
+                auto fits = [&](const QString& candidate) {
+                    return !candidate.isEmpty() && !kindsOfAsset(candidate).contains(int(r.facts.kind));
+                };
+                QString partner = partnerByContent(r.facts.contentIdentifier);
+                if (r.facts.contentIdentifier.isEmpty() || !fits(partner)) partner = byName.value(nameKey(r.path));
+                if (fits(partner)) asset = partner;
+            }
+            if (asset.isEmpty()) {
+                asset = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+                if (!newAsset.exec({asset, now})) return false;
+            } else if (!bump.exec({asset})) {
+                return false;
+            }
+            if (!insert.exec(fileValues(r.path, asset, od.size, od.mtime, r.head, r.facts))) return false;
+            byName.insert(nameKey(r.path), asset);
+            if (!r.facts.contentIdentifier.isEmpty()) byContent.insert(r.facts.contentIdentifier, asset);
+            if (auto k = kindsOf.find(asset); k != kindsOf.end()) k->insert(int(r.facts.kind));
+            ++report.filesRead;
+        }
+        journals_->write(db, touched, reachable, index_->changesBefore());
+        index_->trimChanges();
+        return true;
+    });
+    if (ok) journals_->committed(reachable);
+    else journals_->failed(touched);
+    if (!ok) {
+        report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
+        report.problems << report.indexError;
+        Log::error(QStringLiteral("🗂 %1").arg(report.indexError));
+        return lastScan_ = report;
+    }
+    lastScan_ = report;
+    toldVersion_ = dataVersion();
+    emit libraryDidChange();
+    return report;
+}
+
+}  // namespace library

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A library of ten thousand items, made fast with hard links of three photos of different dates:
+// what one change says and what it reads.
+#include "FileFacts.h"
+#include "LibraryFixture.h"
+
+#include <QFile>
+#include <unistd.h>
+
+using namespace library;
+
+namespace {
+
+constexpr int items = 10000;
+const QStringList sources{"jpeg/Canon_40D.jpg", "jpeg/Nikon_D70.jpg", "jpeg/Fujifilm_FinePix_E500.jpg"};
+
+QStringList identifiers(const FetchResult& r) {
+    QStringList ids;
+    for (const Asset& a : r.assets()) ids << a.localIdentifier;
+    return ids;
+}
+
+class LargeLibraryTest : public LibraryFixture {
+protected:
+    void SetUp() override {
+        LibraryFixture::SetUp();
+        // Our own copies: the corpus's files belong to another user, whom the kernel's
+        // protected hard links leave alone.
+        QDir().mkpath(path("sources"));
+        for (const QString& s : sources) {
+            const QString copy = path("sources/") + QFileInfo(s).fileName();
+            ASSERT_TRUE(QFile::copy(testsupport::corpusDir() + '/' + s, copy)) << s.toStdString();
+            own << copy;
+        }
+        for (int i = 0; i < items; ++i) {
+            const QString folder = folderOf(i);
+            if (i % 100 == 0) ASSERT_TRUE(QDir().mkpath(folder));
+            ASSERT_EQ(link(QFile::encodeName(own[i % own.size()]).constData(), QFile::encodeName(file(i)).constData()), 0)
+                << file(i).toStdString();
+        }
+        ASSERT_EQ(lib->scan().filesRead, items);
+    }
+    QString folderOf(int i) const { return QStringLiteral("%1/%2").arg(root()).arg(i / 100, 3, 10, QChar('0')); }
+    QString file(int i) const { return QStringLiteral("%1/f%2.jpg").arg(folderOf(i)).arg(i); }
+    // Puts another photo, of another date and size, in place of item `i`: a new file, not a
+    // write through the link every other item shares.
+    void replace(int i, const QString& by) {
+        const QString temporary = folderOf(i) + "/.replacing";
+        ASSERT_TRUE(QFile::copy(by, temporary));
+        ASSERT_EQ(::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(file(i)).constData()), 0);
+    }
+    QStringList own;
+};
+
+TEST_F(LargeLibraryTest, ChangeDetailsOfEachChangeEqualThoseOfAWholeComparison) {
+    const FetchOptions byDate{SortOrder::creationDateDescending, std::nullopt, false};
+    struct Expected { qsizetype removed, inserted, changed, moves; };
+    auto check = [&](const char* what, const std::function<void()>& change, Expected expected) {
+        SCOPED_TRACE(what);
+        const FetchResult before = lib->fetchAssets(byDate);
+        ASSERT_GE(before.count(), items - 1);
+        change();
+        lib->scan();
+        const ChangeDetails incremental = lib->changeDetails(before);
+        // A library opened anew has nothing loaded or kept: its result is made whole, and the
+        // details from comparing every item.
+        Library anew({root()}, database());
+        const ChangeDetails whole = library::changeDetails(before, anew.fetchAssets(byDate));
+        EXPECT_EQ(identifiers(incremental.fetchResultAfterChanges), identifiers(whole.fetchResultAfterChanges));
+        EXPECT_EQ(incremental.removedIndexes, whole.removedIndexes);
+        EXPECT_EQ(incremental.insertedIndexes, whole.insertedIndexes);
+        EXPECT_EQ(incremental.changedIndexes, whole.changedIndexes);
+        EXPECT_EQ(incremental.moves, whole.moves);
+        EXPECT_EQ(incremental.removedIndexes.size(), expected.removed);
+        EXPECT_EQ(incremental.insertedIndexes.size(), expected.inserted);
+        EXPECT_EQ(incremental.changedIndexes.size(), expected.changed);
+        EXPECT_EQ(incremental.moves.size(), expected.moves);
+        // And the next fetch is the result the details end in.
+        EXPECT_EQ(identifiers(lib->fetchAssets(byDate)), identifiers(whole.fetchResultAfterChanges));
+    };
+    check("insert", [&] { ASSERT_TRUE(QFile::copy(own[1], folderOf(4242) + "/new.jpg")); }, {0, 1, 0, 0});
+    check("removal", [&] { ASSERT_TRUE(QFile::remove(file(17))); }, {1, 0, 0, 0});
+    // Kept as the same item, whose version grows: changed, in its place.
+    check("rename", [&] { ASSERT_TRUE(QFile::rename(file(5000), folderOf(5000) + "/renamed.jpg")); }, {0, 0, 1, 0});
+    // A Canon photo of 2008 becomes a Fujifilm one of 2006: changed, and moved among the others.
+    check("change", [&] { replace(3, own[2]); }, {0, 0, 1, 1});
+    check("favourite", [&] { ASSERT_TRUE(lib->setFavorite(identifiers(lib->fetchAssets(byDate)).at(10), true)); }, {0, 0, 1, 0});
+}
+
+TEST_F(LargeLibraryTest, AChangedFileIsTheOnlyOneRead) {
+    qint64 read = filesReadSoFar();
+    EXPECT_EQ(lib->scan().filesRead, 0);
+    EXPECT_EQ(filesReadSoFar() - read, 0) << "nothing changed, nothing read";
+
+    replace(123, own[2]);
+    read = filesReadSoFar();
+    const ScanReport full = lib->scan();
+    EXPECT_EQ(full.filesRead, 1);
+    EXPECT_EQ(full.filesUnchanged, items - 1);
+    // Its metadata, and its first bytes to know it again when it moves.
+    EXPECT_EQ(filesReadSoFar() - read, 2);
+
+    // The watcher's scan of the one folder that changed.
+    replace(9876, own[1]);
+    read = filesReadSoFar();
+    const ScanReport folder = lib->scan({folderOf(9876)}, {});
+    EXPECT_EQ(folder.filesRead, 1);
+    EXPECT_EQ(folder.filesUnchanged, 99);
+    EXPECT_EQ(filesReadSoFar() - read, 2);
+}
+
+}  // namespace
