@@ -159,18 +159,18 @@ Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> file
 }
 
 QString SidecarLookup::of(const QString& photoPath) {
-    auto names = folders_.find(folderOf(photoPath));
+    const QString folder = folderOf(photoPath);
+    auto names = folders_.find(folder);
     if (names == folders_.end()) {
         QSet<QString> found;
-        for (const QString& n : QDir(folderOf(photoPath)).entryList({QStringLiteral("*.xmp")}, QDir::Files)) found.insert(n);
-        names = folders_.insert(folderOf(photoPath), found);
+        for (const QString& n : QDir(folder).entryList({QStringLiteral("*.xmp")}, QDir::Files)) found.insert(n);
+        names = folders_.insert(folder, found);
     }
     if (names->isEmpty()) return {};
     for (const QString& candidate : imageio::sidecarCandidates(photoPath))
         if (names->contains(fileNameOf(candidate))) return candidate;
     return {};
 }
-
 
 bool Asset::canPerformEditOperation(int operation) const {
     // Content edits need a photo file we can rewrite; marks and deletion work on anything.
