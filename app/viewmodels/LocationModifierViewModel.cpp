@@ -68,7 +68,7 @@ void LocationModifierViewModel::search(const QString& text) {
     if (coordinate) {
         QPointer<LocationModifierViewModel> self(this);
         const GeoLocation at = *coordinate;
-        TSGeocoder::geocoder().reverseGeocode(at, [self, mine, at](const GeocodeResult& r) {
+        TSGeocoder::reverseGeocode(at, [self, mine, at](const GeocodeResult& r) {
             if (!self || mine != self->searches_) return;
             if (r.error || r.placemarks.isEmpty()) {
                 if (self->checked_ == IndexPath{searched, 0}) self->checked_ = defaultIndexPath;
@@ -83,9 +83,9 @@ void LocationModifierViewModel::search(const QString& text) {
         // The offline place search answers at once; like a completer, it leaves the check alone.
         searched_ = placesNamed(text);
         // The online service, when one is set, answers later with streets and the towns above.
-        if (GeocodingService& geocoder = TSGeocoder::geocoder(); geocoder.isOnline()) {
+        if (TSGeocoder::isOnline()) {
             QPointer<LocationModifierViewModel> self(this);
-            geocoder.search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+            TSGeocoder::search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
                 if (!self || mine != self->searches_) return;
                 self->searched_ = fromMatches(found);
                 if (self->checked_.section == searched && self->checked_.row >= self->searched_.size()) self->checked_ = defaultIndexPath;

@@ -42,9 +42,9 @@ void MapPickerViewModel::search(const QString& text) {
         return setPin(l);
     }
     const quint64 mine = ++searches_;
-    if (GeocodingService& geocoder = TSGeocoder::geocoder(); geocoder.isOnline()) {
+    if (TSGeocoder::isOnline()) {
         QPointer<MapPickerViewModel> self(this);
-        geocoder.search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
+        TSGeocoder::search(text, 10, [self, mine](const QList<PlaceMatch>& found) {
             if (self && mine == self->searches_) self->showFound(LocationModifierViewModel::fromMatches(found));
         });
         return;
@@ -77,7 +77,7 @@ void MapPickerViewModel::finish() {
     // The place's name and address, when the geocoder knows them; the pin as it is otherwise.
     QPointer<MapPickerViewModel> self(this);
     const GeoLocation at = *curAnnotation_->location;
-    TSGeocoder::geocoder().reverseGeocode(at, [self, at](const GeocodeResult& r) {
+    TSGeocoder::reverseGeocode(at, [self, at](const GeocodeResult& r) {
         if (!self) return;
         HRLocation chosen = *self->curAnnotation_;
         if (!r.placemarks.isEmpty()) chosen = LocationModifierViewModel::named(at, r.placemarks.first());

@@ -65,18 +65,17 @@ void Geocoder::reverseGeocode(const GeoLocation& location, Completion completion
     busy_ = true;
     completion_ = std::move(completion);
     shared_->latest = id;
-    const QString url = onlineURL_ ? onlineURL_().trimmed() : QString();
+    const QUrl base = onlineBase();
     const QLocale locale;
     const GeoCoordinate c = location.coordinate;
-    GeocoderActor::shared().enqueue([shared = shared_, index = index_, id, url, locale, c] {
+    GeocoderActor::shared().enqueue([shared = shared_, index = index_, id, base, locale, c] {
         GeocodeResult offline;
         if (auto places = index ? index() : nullptr) {
             if (auto p = places->reverse(c, locale)) offline.placemarks << *p;
         } else {
             offline.error = QStringLiteral("no place data");
         }
-        const QUrl base(url);
-        if (url.isEmpty() || !base.isValid() || shared->latest != id) {
+        if (base.isEmpty() || shared->latest != id) {
             shared->post([id, offline](Geocoder& g) { g.deliver(id, offline); });
             return;
         }
@@ -119,19 +118,21 @@ void Geocoder::deliver(quint64 id, const GeocodeResult& result) {
     if (c) c(result);
 }
 
-bool Geocoder::isOnline() const {
+QUrl Geocoder::onlineBase() const {
     const QString url = onlineURL_ ? onlineURL_().trimmed() : QString();
-    return !url.isEmpty() && QUrl(url).isValid();
+    const QUrl base(url);
+    return url.isEmpty() || !base.isValid() ? QUrl() : base;
 }
+
+bool Geocoder::isOnline() const { return !onlineBase().isEmpty(); }
 
 void Geocoder::search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion) {
     const QLocale locale;
-    const QString url = onlineURL_ ? onlineURL_().trimmed() : QString();
-    GeocoderActor::shared().enqueue([shared = shared_, index = index_, text, limit, locale, url, completion = std::move(completion)] {
+    const QUrl base = onlineBase();
+    GeocoderActor::shared().enqueue([shared = shared_, index = index_, text, limit, locale, base, completion = std::move(completion)] {
         QList<PlaceMatch> matches;
         if (auto places = index ? index() : nullptr) matches = places->search(text, limit, locale);
-        const QUrl base(url);
-        if (url.isEmpty() || !base.isValid()) {
+        if (base.isEmpty()) {
             shared->post([completion, matches](Geocoder&) { completion(matches); });
             return;
         }

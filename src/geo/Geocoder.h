@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// The geocoding service of the program: the offline place data, and the online service when
-// the user has given one. Requests run on GeocoderActor; answers come back to the thread that
-// made the Geocoder. When the online service fails, is slow to connect or is off, the offline
-// answer stands.
+// The geocoding service of the program (callers ask it through location's TSGeocoder): the
+// offline place data, and the online service when the user has given one. Requests run on
+// GeocoderActor; answers come back to the thread that made the Geocoder. When the online
+// service fails, is slow to connect or is off, the offline answer stands.
 #include "GeocodingService.h"
 #include "PlaceIndex.h"
 
-#include <QPointer>
+#include <QUrl>
 #include <functional>
 #include <memory>
 
@@ -34,6 +34,8 @@ public:
 private:
     struct Shared;
     void deliver(quint64 id, const GeocodeResult& result);
+    // The online service's address, asked now; empty when there is none or it is no address.
+    QUrl onlineBase() const;
 
     std::shared_ptr<Shared> shared_;
     std::function<QString()> onlineURL_;

@@ -2,15 +2,14 @@
 #include "PlaceLookup.h"
 
 #include "Log.h"
-#include "TSDataStore.h"
 #include "TSGeocoder.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QMetaObject>
+#include <QTimer>
 
 #include <atomic>
-#include <QEventLoop>
-#include <QTimer>
-#include <QMetaObject>
 
 namespace placelookup {
 
@@ -40,16 +39,10 @@ struct Running {
 
 int actualIndex() { return indexSource() ? indexSource()() : 0; }
 
-}  // namespace
-
-void setActualIndexSource(std::function<int()> source) { indexSource() = std::move(source); }
-
-int running() { return runningCount(); }
-
-QCoro::Task<> lookUp(GeoLocation location, std::weak_ptr<TSDataStore> store) {
+QCoro::Task<> lookUp(GeoLocation location, std::weak_ptr<PlaceReceiver> item) {
     {
-        auto s = store.lock();
-        if (!s || s->displayDelegate.expired()) co_return;
+        auto s = item.lock();
+        if (!s || !s->isShown()) co_return;
     }
     const int page = actualIndex();
     const std::optional<QList<Placemark>> placemarks = co_await TSGeocoder::reverse(location);
@@ -57,22 +50,28 @@ QCoro::Task<> lookUp(GeoLocation location, std::weak_ptr<TSDataStore> store) {
         Log::debug("🗺 page left: place dropped", "placeLookup");
         co_return;
     }
-    auto s = store.lock();
+    auto s = item.lock();
     if (!s) co_return;
     if (placemarks && !placemarks->isEmpty()) s->setPlacemark(placemarks->first());
 }
 
-void start(const GeoLocation& location, std::weak_ptr<TSDataStore> store) {
+}  // namespace
+
+void setActualIndexSource(std::function<int()> source) { indexSource() = std::move(source); }
+
+int running() { return runningCount(); }
+
+void start(const GeoLocation& location, std::weak_ptr<PlaceReceiver> item) {
     QCoreApplication* app = QCoreApplication::instance();
-    if (!app || store.expired()) return;
+    if (!app || item.expired()) return;
     ++runningCount();
     QMetaObject::invokeMethod(
         app,
-        [location, store] {
-            [](GeoLocation l, std::weak_ptr<TSDataStore> s) -> QCoro::Task<> {
+        [location, item] {
+            [](GeoLocation l, std::weak_ptr<PlaceReceiver> s) -> QCoro::Task<> {
                 Running counted;
                 co_await lookUp(l, s);
-            }(location, store);
+            }(location, item);
         },
         Qt::QueuedConnection);
 }

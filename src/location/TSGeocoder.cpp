@@ -61,6 +61,16 @@ GeocodingService& TSGeocoder::geocoder() {
     return *s;
 }
 
+void TSGeocoder::reverseGeocode(const GeoLocation& location, GeocodingService::Completion completion) {
+    geocoder().reverseGeocode(location, std::move(completion));
+}
+
+bool TSGeocoder::isOnline() { return geocoder().isOnline(); }
+
+void TSGeocoder::search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion) {
+    geocoder().search(text, limit, std::move(completion));
+}
+
 void TSGeocoder::setGeocoder(std::shared_ptr<GeocodingService> s) {
     service() = std::move(s);
     cache().arrayList.clear();

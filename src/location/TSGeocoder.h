@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// Coordinates to place names while the user pages through photos. The geocoding service takes
-// one request at a time and is not to be flooded, so a small cache and a one-request rule
-// stand in front of it. Used from the GUI thread only; the requests themselves run on
-// GeocoderActor.
+// The one way to place names: every caller asks here. Behind it stand the geocoding service
+// (by default geo's Geocoder: the offline place data, the online service of the settings, both
+// asked on GeocoderActor), a small cache and a one-request rule, so that paging through photos
+// never floods the service, which takes one request at a time. Used from the GUI thread only.
 #include "GeoLocation.h"
 #include "GeocodingService.h"
 #include "Recent.h"
@@ -42,14 +42,26 @@ public:
     // One request to the service; throws TSError when it fails or is cancelled.
     static QCoro::Task<QList<Placemark>> continuationReverse(GeoLocation location);
 
+    // One request for a position the user chose (a typed coordinate, a pin), past the cache:
+    // such a request is rare and wants the service's own answer. Like any request, it ends
+    // the one running.
+    static void reverseGeocode(const GeoLocation& location, GeocodingService::Completion completion);
+    // Whether searches ask an online service too; without one, the offline place data answer
+    // a search at once and need no service.
+    static bool isOnline();
+    // Places by name from the service, best first; the completion runs later on this thread.
+    static void search(const QString& text, int limit, std::function<void(const QList<PlaceMatch>&)> completion);
+
     // Newest first.
     static Recent<ReversedLocation>& cache();
     // The position of the latest request sent out.
     static std::optional<GeoLocation>& lastLocation();
-    // The service: by default the offline place data, with the online service of the settings.
-    static GeocodingService& geocoder();
-    // Puts another service in place and forgets the cache and the last location.
+    // Puts another service in place (none: the default one again, made on next use) and forgets
+    // the cache and the last location.
     static void setGeocoder(std::shared_ptr<GeocodingService> service);
 
     TSGeocoder() = delete;
+
+private:
+    static GeocodingService& geocoder();
 };

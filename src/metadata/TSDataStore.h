@@ -4,6 +4,7 @@
 // from. Loading fills it; the detail table reads it through value(for:) and never touches a
 // property dictionary.
 #include "GeoLocation.h"
+#include "PlaceLookup.h"
 #include "TSKey.h"
 #include "TSMetaData.h"
 
@@ -43,7 +44,7 @@ public:
 
 // Held by a shared pointer wherever a place look-up may start, so that the look-up can hold
 // it weakly and drop its answer when the item is gone.
-class TSDataStore : public std::enable_shared_from_this<TSDataStore> {
+class TSDataStore : public PlaceReceiver, public std::enable_shared_from_this<TSDataStore> {
 public:
     QHash<TSKey, std::optional<QString>> datas;
     bool completed = false;
@@ -72,7 +73,8 @@ public:
     static std::optional<QString> format(const std::optional<QVariantMap>& dictionary, TSKey tag, bool human);
 
     void setDate(const QDateTime& date, const QString& source);
-    void setPlacemark(const Placemark& placemark);
+    void setPlacemark(const Placemark& placemark) override;
+    bool isShown() const override { return !displayDelegate.expired(); }
     void setSizes(std::optional<qint64> width, std::optional<qint64> height);
 
     // The rows that a library item or a file gives before its bytes are read.
