@@ -6,11 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include <QEventLoop>
 #include <QTcpServer>
-#include <QTcpSocket>
+#include <QTest>
 #include <QThread>
-#include <QTimer>
 
 #include <atomic>
 
@@ -27,17 +25,17 @@ struct Answer {
         };
     }
     bool wait() {
-        QEventLoop loop;
-        QTimer tick;
-        QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
-            if (result) loop.quit();
-        });
-        tick.start(1);
-        QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
-        if (!result) loop.exec();
-        return result.has_value();
+        return QTest::qWaitFor([&] { return result.has_value(); }, 10'000);
     }
 };
+
+// The places a search finds, waited for (10 s at most).
+std::optional<QList<PlaceMatch>> searchFor(Geocoder& geocoder, const QString& text, int limit) {
+    std::optional<QList<PlaceMatch>> answer;
+    geocoder.search(text, limit, [&](const QList<PlaceMatch>& m) { answer = m; });
+    QTest::qWaitFor([&] { return answer.has_value(); }, 10'000);
+    return answer;
+}
 
 QString locality(const GeocodeResult& r) { return r.placemarks.isEmpty() ? QString() : r.placemarks.first().locality.value_or(""); }
 
@@ -104,16 +102,7 @@ TEST(Geocoder, FailsWithoutPlaceData) {
 
 TEST(Geocoder, SearchesOnTheActor) {
     Geocoder g;
-    std::optional<QList<PlaceMatch>> found;
-    g.search("Arezzo", 3, [&](const QList<PlaceMatch>& m) { found = m; });
-    QEventLoop loop;
-    QTimer tick;
-    QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
-        if (found) loop.quit();
-    });
-    tick.start(1);
-    QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
-    loop.exec();
+    const auto found = searchFor(g, "Arezzo", 3);
     ASSERT_TRUE(found);
     ASSERT_FALSE(found->isEmpty());
     EXPECT_EQ(found->first().placemark.locality, QString("Arezzo"));
@@ -141,32 +130,27 @@ TEST(Geocoder, OnlineAnswerGivesTheStreetAddress) {
 
 TEST(Geocoder, OfflineAnswerStandsWhenTheOnlineServiceFails) {
     FakeNominatim broken("500 Internal Server Error", "{}");
-    Geocoder g([&] { return broken.url(); });
-    Answer a;
-    g.reverseGeocode(GeoLocation(43.46745, 11.88513), a.completion());
-    ASSERT_TRUE(a.wait());
-    EXPECT_FALSE(a.result->error);
-    EXPECT_EQ(locality(*a.result), "Arezzo");
-
     FakeNominatim sea("200 OK", R"({"error":"Unable to geocode"})");
-    Geocoder g2([&] { return sea.url(); });
-    Answer b;
-    g2.reverseGeocode(GeoLocation(43.46745, 11.88513), b.completion());
-    ASSERT_TRUE(b.wait());
-    EXPECT_EQ(locality(*b.result), "Arezzo");
-
-    // Nobody listens on this port.
-    quint16 closed;
+    quint16 closed;  // nobody listens on this port
     {
         QTcpServer s;
         s.listen(QHostAddress::LocalHost, 0);
         closed = s.serverPort();
     }
-    Geocoder g3([&] { return QStringLiteral("http://127.0.0.1:%1").arg(closed); });
-    Answer c;
-    g3.reverseGeocode(GeoLocation(43.46745, 11.88513), c.completion());
-    ASSERT_TRUE(c.wait());
-    EXPECT_EQ(locality(*c.result), "Arezzo");
+    const std::pair<const char*, QString> services[] = {
+        {"server error", broken.url()},
+        {"no place in its answer", sea.url()},
+        {"nobody listening", QStringLiteral("http://127.0.0.1:%1").arg(closed)},
+    };
+    for (const auto& [what, url] : services) {
+        SCOPED_TRACE(what);
+        Geocoder g([url = url] { return url; });
+        Answer a;
+        g.reverseGeocode(GeoLocation(43.46745, 11.88513), a.completion());
+        ASSERT_TRUE(a.wait());
+        EXPECT_FALSE(a.result->error);
+        EXPECT_EQ(locality(*a.result), "Arezzo");
+    }
 }
 
 TEST(Nominatim, ReadsAnswersAndRefusesErrors) {
@@ -188,19 +172,6 @@ TEST(Geocoder, OnlineSearchComesFirstAndOfflineTownsFillIn) {
         {"lat":"nonsense","lon":"11","address":{"city":"Nowhere"}}])");
     Geocoder g([&] { return server.url(); });
     EXPECT_TRUE(g.isOnline());
-    auto searchFor = [](Geocoder& geocoder, const QString& text, int limit) {
-        std::optional<QList<PlaceMatch>> answer;
-        geocoder.search(text, limit, [&](const QList<PlaceMatch>& m) { answer = m; });
-        QEventLoop loop;
-        QTimer tick;
-        QObject::connect(&tick, &QTimer::timeout, &loop, [&] {
-            if (answer) loop.quit();
-        });
-        tick.start(1);
-        QTimer::singleShot(10'000, &loop, &QEventLoop::quit);
-        loop.exec();
-        return answer;
-    };
     const auto found = searchFor(g, "Via Roma 1, Arezzo", 5);
     ASSERT_TRUE(found);
     ASSERT_FALSE(found->isEmpty());

@@ -1,50 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "TSGeocoder.h"
 
+#include "HandGeocoder.h"
 #include "HRLocation.h"
 
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QMetaObject>
 
 namespace {
 
-// A geocoding service whose answers the test gives by hand, to check the rules about when
-// requests are sent, cancelled and cached. The offline geocoder itself is tested in geo.
-class HandGeocoder : public GeocodingService {
-public:
-    QList<GeoLocation> sent;
-    int cancels = 0;
-
-    void reverseGeocode(const GeoLocation& location, Completion completion) override {
-        if (running_) cancelGeocode();
-        sent << location;
-        running_ = std::move(completion);
-    }
-    bool isGeocoding() const override { return bool(running_); }
-    void cancelGeocode() override {
-        if (!running_) return;
-        ++cancels;
-        finish(GeocodeResult{{}, QStringLiteral("cancelled"), true});
-    }
-    void answer(const QString& locality) {
-        Placemark p;
-        p.locality = locality;
-        finish(GeocodeResult{{p}, std::nullopt, false});
-    }
-    void fail() { finish(GeocodeResult{{}, QStringLiteral("network down"), false}); }
-    void answerNothing() { finish(GeocodeResult{}); }
-
-private:
-    // Like the real service: the completion runs later, from the event loop.
-    void finish(const GeocodeResult& r) {
-        Completion c = std::move(running_);
-        running_ = nullptr;
-        QMetaObject::invokeMethod(qApp, [c, r] { c(r); }, Qt::QueuedConnection);
-    }
-    Completion running_;
-};
+using testsupport::HandGeocoder;
 
 struct Asked {
     bool done = false;

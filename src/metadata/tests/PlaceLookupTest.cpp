@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "HandGeocoder.h"
 #include "PlaceLookup.h"
 #include "PropertyKeys.h"
 #include "TSDataStore.h"
@@ -11,33 +12,7 @@
 
 namespace {
 
-// Answers by hand, so that the test decides what happens while a look-up waits.
-class HandGeocoder : public GeocodingService {
-public:
-    int requests = 0;
-    void reverseGeocode(const GeoLocation&, Completion completion) override {
-        ++requests;
-        running_ = std::move(completion);
-    }
-    bool isGeocoding() const override { return bool(running_); }
-    void cancelGeocode() override { finish({{}, QStringLiteral("cancelled"), true}); }
-    void answer(const QString& locality) {
-        Placemark p;
-        p.locality = locality;
-        p.country = "Italy";
-        p.ISOcountryCode = "IT";
-        finish({{p}, std::nullopt, false});
-    }
-
-private:
-    void finish(const GeocodeResult& r) {
-        if (!running_) return;
-        Completion c = std::move(running_);
-        running_ = nullptr;
-        QMetaObject::invokeMethod(qApp, [c, r] { c(r); }, Qt::QueuedConnection);
-    }
-    Completion running_;
-};
+using testsupport::HandGeocoder;
 
 struct CountingDisplay : Displayer {
     int changes = 0;
@@ -84,11 +59,11 @@ TEST_F(PlaceLookup, FillStartsItAndTheAnswerBecomesTheLocationRow) {
     store->fill(TSMetaData::fromProperties(arezzoGps()));
     const QString degrees = store->value(TSKey::EXIF_LOCATION).first;
     EXPECT_TRUE(degrees.contains("43°")) << degrees.toStdString();
-    EXPECT_EQ(geocoder->requests, 0);  // in a task of its own: not during fill
+    EXPECT_EQ(geocoder->sent.size(), 0);  // in a task of its own: not during fill
     settle();
-    EXPECT_EQ(geocoder->requests, 1);
+    EXPECT_EQ(geocoder->sent.size(), 1);
     EXPECT_EQ(placelookup::running(), 1);
-    geocoder->answer("Arezzo");
+    geocoder->answer("Arezzo", "Italy", "IT");
     settle();
     EXPECT_EQ(placelookup::running(), 0);
     EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
@@ -100,7 +75,7 @@ TEST_F(PlaceLookup, FillStartsItAndTheAnswerBecomesTheLocationRow) {
 TEST_F(PlaceLookup, AnItemLocationGoesToTheFileLocationRow) {
     store->setAssetLocation(GeoLocation(43.46745, 11.88513));
     settle();
-    geocoder->answer("Arezzo");
+    geocoder->answer("Arezzo", "Italy", "IT");
     settle();
     EXPECT_EQ(store->datas.value(TSKey::FILE_LOCATION), QString("Arezzo, Italy (IT)"));
     EXPECT_FALSE(store->datas.contains(TSKey::EXIF_LOCATION));
@@ -110,7 +85,7 @@ TEST_F(PlaceLookup, WithoutADisplayNothingIsAsked) {
     store->displayDelegate.reset();
     store->fill(TSMetaData::fromProperties(arezzoGps()));
     settle();
-    EXPECT_EQ(geocoder->requests, 0);
+    EXPECT_EQ(geocoder->sent.size(), 0);
     EXPECT_EQ(placelookup::running(), 0);
     EXPECT_TRUE(placelookup::waitForAll(10));
 }
@@ -120,7 +95,7 @@ TEST_F(PlaceLookup, AStoreOnItsOwnStartsNoLookup) {
     alone.displayDelegate = display;
     alone.fill(TSMetaData::fromProperties(arezzoGps()));
     settle();
-    EXPECT_EQ(geocoder->requests, 0);
+    EXPECT_EQ(geocoder->sent.size(), 0);
 }
 
 TEST_F(PlaceLookup, AnAnswerForAPageTheUserLeftIsDropped) {
@@ -128,9 +103,9 @@ TEST_F(PlaceLookup, AnAnswerForAPageTheUserLeftIsDropped) {
     placelookup::setActualIndexSource([&] { return page; });
     store->fill(TSMetaData::fromProperties(arezzoGps()));
     settle();
-    ASSERT_EQ(geocoder->requests, 1);
+    ASSERT_EQ(geocoder->sent.size(), 1);
     page = 4;
-    geocoder->answer("Arezzo");
+    geocoder->answer("Arezzo", "Italy", "IT");
     settle();
     EXPECT_FALSE(store->placemark);
     EXPECT_NE(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
@@ -140,7 +115,7 @@ TEST_F(PlaceLookup, AnAnswerForAPageTheUserLeftIsDropped) {
     placelookup::start(GeoLocation(43.46745, 11.88513), store);
     settle();
     EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
-    EXPECT_EQ(geocoder->requests, 1);
+    EXPECT_EQ(geocoder->sent.size(), 1);
 }
 
 TEST_F(PlaceLookup, AnAnswerForAStoreThatIsGoneIsDropped) {
@@ -149,14 +124,14 @@ TEST_F(PlaceLookup, AnAnswerForAStoreThatIsGoneIsDropped) {
     std::weak_ptr<TSDataStore> weak = store;
     store.reset();  // the item was let go while the geocoder worked
     EXPECT_TRUE(weak.expired());
-    geocoder->answer("Arezzo");
+    geocoder->answer("Arezzo", "Italy", "IT");
     settle();
     EXPECT_EQ(placelookup::running(), 0);
 }
 
 TEST_F(PlaceLookup, WaitForAllRunsTheEventLoopUntilTheAnswer) {
     store->fill(TSMetaData::fromProperties(arezzoGps()));
-    QMetaObject::invokeMethod(qApp, [&] { QMetaObject::invokeMethod(qApp, [&] { geocoder->answer("Arezzo"); }, Qt::QueuedConnection); },
+    QMetaObject::invokeMethod(qApp, [&] { QMetaObject::invokeMethod(qApp, [&] { geocoder->answer("Arezzo", "Italy", "IT"); }, Qt::QueuedConnection); },
                               Qt::QueuedConnection);
     EXPECT_TRUE(placelookup::waitForAll(5000));
     EXPECT_EQ(store->value(TSKey::EXIF_LOCATION).first, "Arezzo, Italy (IT)");
