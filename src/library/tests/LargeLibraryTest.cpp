@@ -60,9 +60,17 @@ TEST_F(LargeLibraryTest, ChangeDetailsOfEachChangeEqualThoseOfAWholeComparison) 
         SCOPED_TRACE(what);
         const FetchResult before = lib->fetchAssets(byDate);
         ASSERT_GE(before.count(), items - 1);
+        auto versions = [](const FetchResult& r) {
+            QList<qint64> v;
+            for (const Asset& a : r.assets()) v << a.version;
+            return v;
+        };
+        const QList<qint64> versionsBefore = versions(before);
         change();
         lib->scan();
         const ChangeDetails incremental = lib->changeDetails(before);
+        // A result is a snapshot: the items it shares with the library stay as they were.
+        EXPECT_EQ(versions(before), versionsBefore);
         // A library opened anew has nothing loaded or kept: its result is made whole, and the
         // details from comparing every item.
         Library anew({root()}, database());
