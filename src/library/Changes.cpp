@@ -58,7 +58,7 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& after)
 }
 
 ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query, const QSet<QString>& touched,
-                            const std::function<const Asset*(const QString& id, qint64* key)>& now) {
+                            const std::function<FetchResult::Item(const QString& id, qint64* key)>& now) {
     ChangeDetails d;
     d.fetchResultBeforeChanges = before;
     FetchResult after = query;
@@ -73,15 +73,15 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query,
     QHash<QString, qsizetype> oldAt;
     QList<qsizetype> oldTouched;
     for (qsizetype i = 0; i < before.assets_.size() && oldAt.size() < touched.size(); ++i)
-        if (touched.contains(before.assets_[i].localIdentifier)) {
-            oldAt.insert(before.assets_[i].localIdentifier, i);
+        if (touched.contains(before.assets_[i]->localIdentifier)) {
+            oldAt.insert(before.assets_[i]->localIdentifier, i);
             oldTouched << i;
         }
-    struct Now { qint64 key; const Asset* asset; };
+    struct Now { qint64 key; FetchResult::Item asset; };
     QList<Now> fresh;
     for (const QString& id : touched) {
         qint64 key = 0;
-        if (const Asset* a = now(id, &key)) fresh << Now{key, a};
+        if (FetchResult::Item a = now(id, &key)) fresh << Now{key, std::move(a)};
     }
     std::sort(fresh.begin(), fresh.end(), [&](const Now& x, const Now& y) {
         return precedes(x.key, x.asset->localIdentifier, y.key, y.asset->localIdentifier);
@@ -93,7 +93,7 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query,
     qsizetype next = 0, skip = 0;
     auto takeFresh = [&] {
         newAt << after.assets_.size();
-        after.assets_ << *fresh[next].asset;
+        after.assets_ << fresh[next].asset;
         after.keys_ << fresh[next].key;
         ++next;
     };
@@ -102,8 +102,8 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query,
             ++skip;
             continue;
         }
-        const Asset& a = before.assets_[i];
-        while (next < fresh.size() && precedes(fresh[next].key, fresh[next].asset->localIdentifier, before.keys_[i], a.localIdentifier))
+        const FetchResult::Item& a = before.assets_[i];
+        while (next < fresh.size() && precedes(fresh[next].key, fresh[next].asset->localIdentifier, before.keys_[i], a->localIdentifier))
             takeFresh();
         after.assets_ << a;
         after.keys_ << before.keys_[i];
@@ -121,7 +121,7 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query,
             continue;
         }
         kept.insert(a.localIdentifier);
-        if (before.assets_[*old].version != a.version) {
+        if (before.assets_[*old]->version != a.version) {
             d.changedIndexes << newAt[j];
             d.changedObjects << a;
         }
@@ -135,9 +135,9 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& query,
         }
     }
     for (qsizetype i : std::as_const(oldTouched))
-        if (!kept.contains(before.assets_[i].localIdentifier)) {
+        if (!kept.contains(before.assets_[i]->localIdentifier)) {
             d.removedIndexes << i;
-            d.removedObjects << before.assets_[i];
+            d.removedObjects << *before.assets_[i];
         }
     // Touched ones that kept their place among the untouched but swapped among themselves:
     // those off the longest run in order moved.

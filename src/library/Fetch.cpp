@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QScopeGuard>
 #include <QSet>
 #include <algorithm>
 #include <sqlite3.h>
@@ -67,14 +68,19 @@ private:
 
 // Every asset of the library's folders, loaded in two statements, with their creation dates
 // in milliseconds.
-QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& dates) {
+QList<FetchResult::Item> loadAll(Index& index, const QStringList& roots, QList<qint64>& dates) {
     dates.clear();
     // Both tables in identifier order, merged as they are read: no row is held longer than
     // its asset takes to make.
+    // Both are walked through their indexes, so their pages come in no order: SQLite's own small
+    // cache would read most of them from the file again and again. A larger one for the load
+    // alone: 16 MB cut the time spent reading at 100,000 items by a third, for 10 MB more held.
+    index.exec("PRAGMA cache_size = -16384");
+    const auto restore = qScopeGuard([&] { index.exec("PRAGMA cache_size = -2000"); });
     Statement a(index.db(), QByteArray(selectAsset) + " ORDER BY id");
     bool moreAssets = a.step();
     Statement s(index.db(), fetchFiles + "ORDER BY asset");
-    QList<Asset> assets;
+    QList<FetchResult::Item> assets;
     AssetMaker maker(roots);
     QList<FileRow> group;
     auto flush = [&] {
@@ -87,7 +93,7 @@ QList<Asset> loadAll(Index& index, const QStringList& roots, QList<qint64>& date
         for (const FileRow& f : std::as_const(group)) files << &f;
         if (moreAssets && a.utf8(0) == QByteArrayView(key))
             if (auto made = maker.make(id, assetRow(a), files, &date)) {
-                assets << std::move(*made);
+                assets << std::make_shared<Asset>(std::move(*made));
                 dates << date;
             }
         group.clear();
@@ -120,21 +126,25 @@ std::optional<Asset> loadOne(Index& index, AssetMaker& maker, const QString& id,
 // The first of each burst by date stands for it (the smaller identifier on the same date).
 // Only the bursts in `bursts` are looked at, all when it is empty. The identifiers whose mark
 // changed go into `flipped`.
-void markBursts(QList<Asset>& assets, const QList<qint64>& dates, const QSet<QString>& bursts, QSet<QString>* flipped) {
+void markBursts(QList<FetchResult::Item>& assets, const QList<qint64>& dates, const QSet<QString>& bursts, QSet<QString>* flipped) {
     QHash<QString, qsizetype> first;
     for (qsizetype i = 0; i < assets.size(); ++i) {
-        const Asset& a = assets[i];
+        const Asset& a = *assets[i];
         if (a.burstIdentifier.isEmpty() || (!bursts.isEmpty() && !bursts.contains(a.burstIdentifier))) continue;
         auto it = first.find(a.burstIdentifier);
         if (it == first.end()) first.insert(a.burstIdentifier, i);
-        else if (dates[i] < dates[*it] || (dates[i] == dates[*it] && a.localIdentifier < assets[*it].localIdentifier)) *it = i;
+        else if (dates[i] < dates[*it] || (dates[i] == dates[*it] && a.localIdentifier < assets[*it]->localIdentifier)) *it = i;
     }
     for (qsizetype i = 0; i < assets.size(); ++i) {
-        Asset& a = assets[i];
+        const Asset& a = *assets[i];
         if (a.burstIdentifier.isEmpty() || !first.contains(a.burstIdentifier)) continue;
         const bool represents = first.value(a.burstIdentifier) == i;
-        if (represents != a.representsBurst && flipped) flipped->insert(a.localIdentifier);
-        a.representsBurst = represents;
+        if (represents == a.representsBurst) continue;
+        if (flipped) flipped->insert(a.localIdentifier);
+        // Results hold the item as it was: the mark goes on a copy.
+        auto marked = std::make_shared<Asset>(a);
+        marked->representsBurst = represents;
+        assets[i] = std::move(marked);
     }
 }
 
@@ -203,14 +213,14 @@ void Library::loadEverything() const {
     markBursts(cache_.assets, cache_.dates, {}, nullptr);
     cache_.byId.clear();
     cache_.byId.reserve(cache_.assets.size());
-    for (qsizetype i = 0; i < cache_.assets.size(); ++i) cache_.byId.insert(cache_.assets[i].localIdentifier, i);
+    for (qsizetype i = 0; i < cache_.assets.size(); ++i) cache_.byId.insert(cache_.assets[i]->localIdentifier, i);
     cache_.logFrom = cache_.seq;
     cache_.log.clear();
     cache_.logged = 0;
     cache_.results.clear();
 }
 
-const QList<Asset>& Library::allAssets() const {
+const QList<FetchResult::Item>& Library::allAssets() const {
     // Loading and grouping every row costs far more than a fetch needs: the assets are kept
     // until the index changes, by this connection (its change count) or another (data_version),
     // and then only the assets the index's log names are loaded again.
@@ -250,9 +260,9 @@ const QList<Asset>& Library::allAssets() const {
         auto at = cache_.byId.constFind(id);
         if (at != cache_.byId.cend()) {
             const qsizetype i = *at;
-            if (!cache_.assets[i].burstIdentifier.isEmpty()) bursts.insert(cache_.assets[i].burstIdentifier);
+            if (!cache_.assets[i]->burstIdentifier.isEmpty()) bursts.insert(cache_.assets[i]->burstIdentifier);
             if (now) {
-                cache_.assets[i] = std::move(*now);
+                cache_.assets[i] = std::make_shared<Asset>(std::move(*now));
                 cache_.dates[i] = date;
             } else {
                 // The last one takes its place, so nothing else moves.
@@ -260,7 +270,7 @@ const QList<Asset>& Library::allAssets() const {
                 if (i != last) {
                     cache_.assets[i] = std::move(cache_.assets[last]);
                     cache_.dates[i] = cache_.dates[last];
-                    cache_.byId[cache_.assets[i].localIdentifier] = i;
+                    cache_.byId[cache_.assets[i]->localIdentifier] = i;
                 }
                 cache_.assets.removeLast();
                 cache_.dates.removeLast();
@@ -268,11 +278,11 @@ const QList<Asset>& Library::allAssets() const {
             }
         } else if (now) {
             cache_.byId.insert(id, cache_.assets.size());
-            cache_.assets << std::move(*now);
+            cache_.assets << std::make_shared<Asset>(std::move(*now));
             cache_.dates << date;
         }
-        if (auto i = cache_.byId.constFind(id); i != cache_.byId.cend() && !cache_.assets[*i].burstIdentifier.isEmpty())
-            bursts.insert(cache_.assets[*i].burstIdentifier);
+        if (auto i = cache_.byId.constFind(id); i != cache_.byId.cend() && !cache_.assets[*i]->burstIdentifier.isEmpty())
+            bursts.insert(cache_.assets[*i]->burstIdentifier);
     }
     if (!bursts.isEmpty()) markBursts(cache_.assets, cache_.dates, bursts, &touched);
     cache_.seq = upTo;
@@ -339,7 +349,7 @@ void keepResult(Cache& cache, const FetchResult& result) {
 }  // namespace
 
 ChangeDetails Library::update(const FetchResult& before) const {
-    const QList<Asset>& all = allAssets();
+    const QList<FetchResult::Item>& all = allAssets();
     const Filter filter(before.query_);
     // Recently added loses assets with the clock, which no log tells.
     const bool byClock = filter.smart == SmartAlbum::recentlyAdded;
@@ -353,26 +363,26 @@ ChangeDetails Library::update(const FetchResult& before) const {
     after.seq_ = cache_.seq;
     const std::optional<QSet<QString>> touched = byClock || before.seq_ < 0 ? std::nullopt : touchedSince(before.seq_);
     if (touched) {
-        return library::changeDetails(before, after, *touched, [&](const QString& id, qint64* key) -> const Asset* {
+        return library::changeDetails(before, after, *touched, [&](const QString& id, qint64* key) -> FetchResult::Item {
             auto i = cache_.byId.constFind(id);
-            if (i == cache_.byId.cend() || !filter(all[*i])) return nullptr;
+            if (i == cache_.byId.cend() || !filter(*all[*i])) return nullptr;
             *key = cache_.dates[*i];
-            return &all[*i];
+            return all[*i];
         });
     }
     if (!filter.ids.isEmpty() && filter.ids.size() < all.size() / 16) {
         // A few named ones are looked up, not filtered from all.
         for (const QString& id : std::as_const(before.query_.localIdentifiers))
-            if (auto i = cache_.byId.constFind(id); i != cache_.byId.cend() && filter(all[*i])) after.keys_ << *i;
+            if (auto i = cache_.byId.constFind(id); i != cache_.byId.cend() && filter(*all[*i])) after.keys_ << *i;
     } else if (filter.ids.isEmpty() && !filter.folder.isEmpty()) {
         // A folder's items from the index's paths: an album costs its size, not the library's.
         Statement s(index_->db(), "SELECT DISTINCT asset FROM files WHERE path > ? AND path < ?");
         s.bind({filter.folder + '/', filter.folder + '0'});
         while (s.step())
-            if (auto i = cache_.byId.constFind(s.text(0)); i != cache_.byId.cend() && filter(all[*i])) after.keys_ << *i;
+            if (auto i = cache_.byId.constFind(s.text(0)); i != cache_.byId.cend() && filter(*all[*i])) after.keys_ << *i;
     } else {
         for (qsizetype i = 0; i < all.size(); ++i)
-            if (filter(all[i])) after.keys_ << i;
+            if (filter(*all[i])) after.keys_ << i;
     }
     // Sorted on keys computed once per load: comparing QDateTime values converts them at
     // every step.
@@ -380,7 +390,7 @@ ChangeDetails Library::update(const FetchResult& before) const {
     std::sort(after.keys_.begin(), after.keys_.end(), [&](qsizetype x, qsizetype y) {
         const qint64 dx = cache_.dates[x], dy = cache_.dates[y];
         if (dx != dy) return ascending ? dx < dy : dy < dx;
-        return all[x].localIdentifier < all[y].localIdentifier;
+        return all[x]->localIdentifier < all[y]->localIdentifier;
     });
     after.keys_.erase(std::unique(after.keys_.begin(), after.keys_.end()), after.keys_.end());
     after.assets_.reserve(after.keys_.size());
@@ -447,11 +457,11 @@ std::optional<Asset> Library::assetForPath(const QString& path) const {
 QList<Collection> Library::smartAlbums() const {
     QList<Collection> list;
     if (!index_->isOpen()) return list;
-    const QList<Asset>& all = allAssets();
+    const QList<FetchResult::Item>& all = allAssets();
     const qint64 recent = recentSince();
     for (const auto& s : smartAlbumNames) {
-        const bool any = std::any_of(all.begin(), all.end(), [&](const Asset& a) {
-            return (!a.hidden || s.subtype == SmartAlbum::allHidden) && inSmartAlbum(s.subtype, a, recent);
+        const bool any = std::any_of(all.begin(), all.end(), [&](const FetchResult::Item& a) {
+            return (!a->hidden || s.subtype == SmartAlbum::allHidden) && inSmartAlbum(s.subtype, *a, recent);
         });
         if (any) list << Collection{QStringLiteral("smart:%1").arg(s.subtype), QString::fromLatin1(s.title), CollectionType::smartAlbum, s.subtype, {}};
     }

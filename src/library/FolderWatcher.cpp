@@ -34,22 +34,42 @@ FolderWatcher::~FolderWatcher() {
 }
 
 void FolderWatcher::watch(const QStringList& roots) {
+    roots_ = roots;
+    // Folders made below a watched one are added as their events come; a root that went and
+    // came back, here.
+    for (const QString& root : roots)
+        if (!watched_.contains(root)) add(root);
+}
+
+void FolderWatcher::add(const QString& dir) {
     if (fd_ < 0) return;
     constexpr uint32_t mask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE | IN_ATTRIB |
                               IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
-    auto add = [&](const QString& dir) {
-        if (watched_.contains(dir)) return;
-        int wd = inotify_add_watch(fd_, dir.toLocal8Bit().constData(), mask);
+    auto one = [&](const QString& folder) {
+        if (watched_.contains(folder)) return;
+        const int wd = inotify_add_watch(fd_, QFile::encodeName(folder).constData(), mask);
         if (wd < 0) return;
-        watched_.insert(dir, wd);
-        folderOf_.insert(wd, dir);
+        watched_.insert(folder, wd);
+        folderOf_.insert(wd, folder);
     };
-    roots_ = roots;
-    for (const QString& root : roots) {
-        add(root);
-        QDirIterator it(root, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-        while (it.hasNext()) add(it.next());
-    }
+    one(dir);
+    QDirIterator it(dir, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) one(it.next());
+}
+
+std::pair<QStringList, QStringList> FolderWatcher::takePending() {
+    if (fd_ >= 0) readEvents();
+    settle_.stop();
+    std::pair<QStringList, QStringList> pending{QStringList(shallow_.begin(), shallow_.end()), QStringList(deep_.begin(), deep_.end())};
+    shallow_.clear();
+    deep_.clear();
+    return pending;
+}
+
+std::optional<QStringList> FolderWatcher::unchanged(const QString& folder, qint64 time) const {
+    const auto was = listed_.constFind(folder);
+    if (was == listed_.cend() || was->time != time || was->watch < 0 || watchOf(folder) != was->watch) return std::nullopt;
+    return was->subfolders;
 }
 
 void FolderWatcher::readEvents() {
@@ -88,8 +108,14 @@ void FolderWatcher::readEvents() {
             }
             // Our own temporary files and hidden folders come and go with every save.
             if (e->name[0] == '.') continue;
-            if (e->mask & IN_ISDIR) deep_.insert(folder + '/' + QFile::decodeName(e->name));
-            else shallow_.insert(folder);
+            if (e->mask & IN_ISDIR) {
+                const QString sub = folder + '/' + QFile::decodeName(e->name);
+                // Watched before the scan lists it, so nothing written into it is missed.
+                if (e->mask & (IN_CREATE | IN_MOVED_TO)) add(sub);
+                deep_.insert(sub);
+            } else {
+                shallow_.insert(folder);
+            }
             any = true;
         }
     }

@@ -13,6 +13,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -93,18 +94,49 @@ struct FetchOptions {
 
 struct ChangeDetails;
 
-// A snapshot of a fetch: it stays as it was when the library changes.
+// A snapshot of a fetch: it stays as it was when the library changes. Its items are shared with
+// the library's other results and what it keeps loaded, so a result of a hundred thousand items
+// is made without copying one.
 class FetchResult {
 public:
+    using Item = std::shared_ptr<const Asset>;
     FetchResult() = default;
     // Items already at hand, in this order.
-    explicit FetchResult(QList<Asset> assets) : assets_(std::move(assets)) {}
+    explicit FetchResult(const QList<Asset>& assets);
     qsizetype count() const { return assets_.size(); }
     bool isEmpty() const { return assets_.isEmpty(); }
-    const Asset& objectAt(qsizetype index) const { return assets_.at(index); }
+    const Asset& objectAt(qsizetype index) const { return *assets_.at(index); }
     std::optional<qsizetype> indexOf(const QString& localIdentifier) const;
     bool contains(const QString& localIdentifier) const { return indexOf(localIdentifier).has_value(); }
-    const QList<Asset>& assets() const { return assets_; }
+    // The items in order, for a range-for or the standard algorithms; it keeps them alive itself.
+    class Items {
+    public:
+        class const_iterator {
+        public:
+            using iterator_category = std::forward_iterator_tag;
+            using value_type = Asset;
+            using difference_type = qsizetype;
+            using pointer = const Asset*;
+            using reference = const Asset&;
+            const_iterator() = default;
+            explicit const_iterator(QList<Item>::const_iterator at) : at_(at) {}
+            reference operator*() const { return **at_; }
+            pointer operator->() const { return at_->get(); }
+            const_iterator& operator++() { ++at_; return *this; }
+            const_iterator operator++(int) { const_iterator was = *this; ++at_; return was; }
+            bool operator==(const const_iterator&) const = default;
+        private:
+            QList<Item>::const_iterator at_;
+        };
+        explicit Items(QList<Item> items) : items_(std::move(items)) {}
+        const_iterator begin() const { return const_iterator(items_.cbegin()); }
+        const_iterator end() const { return const_iterator(items_.cend()); }
+        qsizetype size() const { return items_.size(); }
+        operator QList<Asset>() const;  // a copy of each
+    private:
+        QList<Item> items_;
+    };
+    Items assets() const { return Items(assets_); }
     // What the fetch asked for, so it can be made again after a change.
     struct Query {
         FetchOptions options;
@@ -118,8 +150,8 @@ public:
 private:
     friend class Library;
     friend ChangeDetails changeDetails(const FetchResult&, const FetchResult&, const QSet<QString>&,
-                                              const std::function<const Asset*(const QString&, qint64*)>&);
-    QList<Asset> assets_;
+                                       const std::function<Item(const QString&, qint64*)>&);
+    QList<Item> assets_;
     QList<qint64> keys_;  // the sort key of each asset (creation date in milliseconds)
     Query query_;
     qint64 seq_ = -1;  // the index's change the result reflects; -1 when unknown
@@ -148,7 +180,7 @@ ChangeDetails changeDetails(const FetchResult& before, const FetchResult& after)
 // or no longer fetched, else the asset with its sort key): costs the change, not the result.
 // `after` holds the query the new result answers.
 ChangeDetails changeDetails(const FetchResult& before, const FetchResult& after, const QSet<QString>& touched,
-                            const std::function<const Asset*(const QString& id, qint64* key)>& now);
+                            const std::function<FetchResult::Item(const QString& id, qint64* key)>& now);
 
 enum class CollectionType { album = 1, smartAlbum = 2, folder = 3 };
 
@@ -276,7 +308,7 @@ private:
     ScanReport lastScan_;
     // Every asset as last loaded, with its creation date in milliseconds for sorting; after a
     // change only the assets it touched are loaded again.
-    const QList<Asset>& allAssets() const;
+    const QList<FetchResult::Item>& allAssets() const;
     void loadEverything() const;
     qint64 dataVersion() const;
     // The identifiers touched since the change `seq`, or nothing when that is too long ago.
@@ -288,7 +320,7 @@ private:
     struct Cache {
         qint64 dataVersion = -1, changes = -1;
         qint64 seq = -1;  // the last change of the index's log the assets hold
-        QList<Asset> assets;
+        QList<FetchResult::Item> assets;
         QList<qint64> dates;
         QHash<QString, qsizetype> byId;  // into assets
         // The identifiers each change since `logFrom` touched, by the change that ends it.

@@ -65,6 +65,9 @@ private:
     QHash<QString, QSet<QString>> folders_;
 };
 
+// How many folders scans listed in this process, so that what a rescan looked at can be told.
+qint64 foldersListedSoFar();
+
 // Turns the rows of one asset into the asset the platform would show.
 // `date` receives the creation date in milliseconds, the key fetches sort on.
 Asset makeAsset(const QString& id, const AssetRow& a, QList<const FileRow*> files,

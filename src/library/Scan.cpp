@@ -4,6 +4,7 @@
 #include "Library.h"
 
 #include "FileFacts.h"
+#include "FolderWatcher.h"
 #include "Index.h"
 #include "Journal.h"
 #include "Log.h"
@@ -22,10 +23,83 @@
 #include <atomic>
 #include <sqlite3.h>
 #include <dirent.h>
+#include <optional>
 #include <sys/stat.h>
+#include <string_view>
+#include <tuple>
+#include <unistd.h>
 #include <utility>
 
 namespace library {
+
+namespace {
+std::atomic<qint64> foldersListed{0};
+}  // namespace
+
+qint64 foldersListedSoFar() { return foldersListed.load(); }
+
+namespace {
+
+struct OnDisk { qint64 size, mtime; };
+// A media file as listed: its name as the index keeps it (UTF-8), its size and time.
+struct Entry { QByteArray name; OnDisk at; };
+struct Listing {
+    QList<Entry> files;  // sorted by name, byte by byte
+    QStringList subfolders;  // by name
+};
+
+bool nameOrder(QByteArrayView x, QByteArrayView y) {
+    return std::string_view(x.data(), x.size()) < std::string_view(y.data(), y.size());
+}
+
+// One folder, listed with readdir and one stat a file (a QFileInfo per entry costs several times
+// that at a hundred thousand files); nothing when it can't be read.
+std::optional<Listing> listFolder(const QString& dir) {
+    const QByteArray encoded = QFile::encodeName(dir);
+    DIR* d = access(encoded.constData(), R_OK | X_OK) == 0 ? opendir(encoded.constData()) : nullptr;
+    if (!d) return std::nullopt;
+    ++foldersListed;
+    Listing listing;
+    QList<Entry> sidecars;
+    while (const dirent* e = readdir(d)) {
+        // Hidden entries (our own folder of originals among them) aren't part of the library.
+        if (e->d_name[0] == '.') continue;
+        const QString name = QFile::decodeName(e->d_name);
+        const bool media = hasMediaName(name), sidecar = name.endsWith(QLatin1String(".xmp"), Qt::CaseInsensitive);
+        if (!media && !sidecar && e->d_type != DT_DIR && e->d_type != DT_UNKNOWN && e->d_type != DT_LNK) continue;
+        struct stat st {};
+        if (fstatat(dirfd(d), e->d_name, &st, 0) != 0) continue;
+        if (S_ISDIR(st.st_mode)) {
+            listing.subfolders << name;
+            continue;
+        }
+        if (!S_ISREG(st.st_mode)) continue;
+        const qint64 mtime = qint64(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000;
+        // The bytes themselves when they are the UTF-8 the index holds, as they nearly always are.
+        const QByteArrayView raw(e->d_name);
+        Entry entry{raw.isValidUtf8() ? raw.toByteArray() : name.toUtf8(), {qint64(st.st_size), mtime}};
+        if (media) listing.files << std::move(entry);
+        else if (sidecar) sidecars << std::move(entry);
+    }
+    closedir(d);
+    // A photo counts as changed when its sidecar does, or comes or goes: its time is the later
+    // of the two, so another program's rating or keywords in the sidecar are read like a change
+    // to the photo, and a photo moved with its sidecar is still known by size, time and first bytes.
+    if (!sidecars.isEmpty()) {
+        QHash<QString, qint64> sidecarTimes;
+        for (const Entry& s : std::as_const(sidecars)) sidecarTimes.insert(dir + '/' + QString::fromUtf8(s.name), s.at.mtime);
+        for (Entry& f : listing.files)
+            for (const QString& candidate : imageio::sidecarCandidates(dir + '/' + QString::fromUtf8(f.name)))
+                if (const auto s = sidecarTimes.constFind(candidate); s != sidecarTimes.cend()) {
+                    f.at.mtime = std::max(f.at.mtime, *s);
+                    break;
+                }
+    }
+    std::sort(listing.files.begin(), listing.files.end(), [](const Entry& x, const Entry& y) { return nameOrder(x.name, y.name); });
+    return listing;
+}
+
+}  // namespace
 
 ScanReport Library::scan() { return scan({}, folders_); }
 
@@ -37,66 +111,88 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         return lastScan_ = report;
     }
     journals_->check(index_->db());
-    // What is on disk now. Folders we can't read keep their files in the index: a missing
-    // disk or a locked folder must not cost the user's marks.
-    struct OnDisk { qint64 size, mtime; };
-    QHash<QString, OnDisk> disk;
-    QHash<QString, qint64> sidecarTimes;  // the XMP sidecars seen, by path
-    QStringList unreachable;
+    // What is on disk now, folder by folder, sorted by name so that the index's rows are matched
+    // by a binary search instead of a path string and a hash entry per file. Folders we can't
+    // read keep their files in the index: a missing disk or a locked folder must not cost the
+    // user's marks.
+    QHash<QString, Listing> listings;
+    QHash<QString, FolderWatcher::Listed> listedNow;
+    QStringList unreachable, vanished;
+    int filesSeen = 0;
     auto isRoot = [&](const QString& dir) { return folders_.contains(dir); };
-    // Listed with readdir and one stat a file: a QFileInfo per entry costs several times that
-    // at a hundred thousand files.
-    std::function<void(const QString&, bool)> walk = [&](const QString& dir, bool into) {
-        const QFileInfo info(dir);
-        if (!info.exists() && !isRoot(dir)) return;  // a subfolder that went: its files went too
-        DIR* d = info.isDir() && info.isReadable() && info.isExecutable() ? opendir(QFile::encodeName(dir).constData()) : nullptr;
-        if (!d) {
-            unreachable << dir;
-            report.problems << QStringLiteral("The library folder %1 can't be read").arg(dir);
-            return;
-        }
-        QStringList subfolders;
-        while (const dirent* e = readdir(d)) {
-            // Hidden entries (our own folder of originals among them) aren't part of the library.
-            if (e->d_name[0] == '.') continue;
-            const QString name = QFile::decodeName(e->d_name);
-            const bool media = hasMediaName(name), sidecar = name.endsWith(QLatin1String(".xmp"), Qt::CaseInsensitive);
-            if (!media && !sidecar && e->d_type != DT_DIR && e->d_type != DT_UNKNOWN && e->d_type != DT_LNK) continue;
-            struct stat st {};
-            if (fstatat(dirfd(d), e->d_name, &st, 0) != 0) continue;
-            if (S_ISDIR(st.st_mode)) {
-                if (into) subfolders << dir + '/' + name;
-                continue;
-            }
-            if (!S_ISREG(st.st_mode)) continue;
-            const qint64 mtime = qint64(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000;
-            if (media) disk.insert(dir + '/' + name, {qint64(st.st_size), mtime});
-            else if (sidecar) sidecarTimes.insert(dir + '/' + name, mtime);
-        }
-        closedir(d);
-        for (const QString& sub : std::as_const(subfolders)) walk(sub, true);
-    };
     auto inLibrary = [&](const QString& path) {
         return std::any_of(folders_.begin(), folders_.end(), [&](const QString& r) { return under(path, r); });
     };
+    // The changes the watcher has seen and not yet told are this scan's to take. A scan of the
+    // whole library leans on the watcher for the rest; folders asked for by name are read.
+    QStringList pendingShallow, pendingDeep;
+    if (watcher_) std::tie(pendingShallow, pendingDeep) = watcher_->takePending();
+    const bool whole = shallow.isEmpty() && deep == folders_;
     QStringList shallowScope, deepScope;
-    for (const QString& f : shallow) if (inLibrary(f)) shallowScope << QDir::cleanPath(f);
-    for (const QString& f : deep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
-    for (const QString& dir : std::as_const(shallowScope)) walk(dir, false);
-    for (const QString& dir : std::as_const(deepScope)) walk(dir, true);
-    // A photo counts as changed when its sidecar does, or comes or goes: its time is the later of
-    // the two, so another program's rating or keywords in the sidecar are read like a change to
-    // the photo, and a photo moved with its sidecar is still known by size, time and first bytes.
-    if (!sidecarTimes.isEmpty()) {
-        for (auto it = disk.begin(); it != disk.end(); ++it)
-            for (const QString& candidate : imageio::sidecarCandidates(it.key()))
-                if (const auto s = sidecarTimes.constFind(candidate); s != sidecarTimes.cend()) {
-                    it->mtime = std::max(it->mtime, *s);
-                    break;
+    for (const QString& f : shallow + pendingShallow) if (inLibrary(f)) shallowScope << QDir::cleanPath(f);
+    for (const QString& f : deep + pendingDeep) if (inLibrary(f)) deepScope << QDir::cleanPath(f);
+    shallowScope.removeDuplicates();
+    deepScope.removeDuplicates();
+    // The folders are walked a level at a time, each level's folders listed in parallel: the
+    // stat of every file is most of what a rescan costs. `told`: the caller or the watcher named
+    // the folder, so it is listed even when its own time stayed.
+    struct Visit { QString dir; bool into, told; };
+    QList<Visit> level;
+    for (const QString& dir : std::as_const(shallowScope)) level << Visit{dir, false, true};
+    for (const QString& dir : std::as_const(deepScope)) level << Visit{dir, true, !(whole && isRoot(dir)) || pendingDeep.contains(dir)};
+    while (!level.isEmpty()) {
+        QList<Visit> next, toList;
+        QSet<QString> queued;
+        QList<qint64> times;
+        QList<int> watches;
+        auto below = [&](const Visit& v, const QStringList& subfolders) {
+            if (v.into)
+                for (const QString& sub : subfolders) next << Visit{v.dir + '/' + sub, true, v.told};
+        };
+        for (const Visit& v : std::as_const(level)) {
+            // Listed already by this scan (shallow, then within a deep one): only its subfolders are left.
+            if (const auto l = listings.constFind(v.dir); l != listings.cend()) {
+                below(v, l->subfolders);
+                continue;
+            }
+            if (queued.contains(v.dir)) continue;
+            struct stat st {};
+            if (stat(QFile::encodeName(v.dir).constData(), &st) != 0 && !isRoot(v.dir)) {
+                vanished << v.dir;  // its files went with it
+                continue;
+            }
+            const qint64 dirTime = qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+            // A folder watched since it was last listed, its own time unmoved, holds the files it
+            // held then: the watcher would have told of any change among them.
+            if (!v.told && watcher_)
+                if (const auto subfolders = watcher_->unchanged(v.dir, dirTime)) {
+                    below(v, *subfolders);
+                    continue;
                 }
+            toList << v;
+            queued.insert(v.dir);
+            times << dirTime;
+            // Taken before the listing: what changes after it, the watch tells.
+            watches << (watcher_ ? watcher_->watchOf(v.dir) : -1);
+        }
+        const QList<std::optional<Listing>> listed =
+            QtConcurrent::blockingMapped(toList, [](const Visit& v) { return listFolder(v.dir); });
+        for (qsizetype i = 0; i < toList.size(); ++i) {
+            const Visit& v = toList[i];
+            if (!listed[i]) {
+                unreachable << v.dir;
+                report.problems << QStringLiteral("The library folder %1 can't be read").arg(v.dir);
+                continue;
+            }
+            filesSeen += int(listed[i]->files.size());
+            listedNow.insert(v.dir, {times[i], listed[i]->subfolders, watches[i]});
+            below(v, listed[i]->subfolders);
+            listings.insert(v.dir, *listed[i]);
+        }
+        level = std::move(next);
     }
     auto inScope = [&](const QString& path) {
-        const QString dir = QFileInfo(path).absolutePath();
+        const QString dir = folderOf(path);
         return shallowScope.contains(dir) ||
                std::any_of(deepScope.begin(), deepScope.end(), [&](const QString& d) { return under(path, d); });
     };
@@ -118,21 +214,68 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
                     if (list == &deepFolders || folderOf(s.text(0)) == f) take(s);
             }
     };
-    struct Stamp { qint64 size, mtime; };
-    QHash<QString, Stamp> stamps;
-    rowsIn("SELECT path, size, mtime FROM files", shallowScope, deepScope,
-           [&](const Statement& s) { stamps.insert(s.text(0), {s.integer(1), s.integer(2)}); });
+    QHash<QString, OnDisk> disk;  // the new and changed files
     QStringList fresh, changed, gonePaths;
-    for (auto it = disk.cbegin(); it != disk.cend(); ++it) {
-        auto k = stamps.constFind(it.key());
-        if (k == stamps.cend()) fresh << it.key();
-        else if (k->size != it->size || k->mtime != it->mtime) changed << it.key();
-        else ++report.filesUnchanged;
+    auto goneRow = [&](QByteArrayView p) {
+        const QString path = QString::fromUtf8(p);
+        if (reachable(path)) gonePaths << path;
+    };
+    // Each folder listed against its own rows: the rows of a subfolder on disk are jumped over
+    // (they are its own listing's, or left alone when it wasn't listed), those of a subfolder
+    // that went are gone.
+    Statement rows(db, "SELECT path, size, mtime FROM files WHERE path >= ? AND path < ?");
+    for (auto l = listings.cbegin(); l != listings.cend(); ++l) {
+        const QString& dir = l.key();
+        const QList<Entry>& files = l->files;
+        QList<bool> matched(files.size(), false);
+        const QSet<QString> subfolders(l->subfolders.begin(), l->subfolders.end());
+        const QByteArray prefix = QString(dir + '/').toUtf8();
+        const QString past = dir + '0';  // '0' follows '/'
+        QByteArray from = prefix;
+        for (bool more = true; more;) {
+            more = false;
+            rows.bind({QString::fromUtf8(from), past});
+            while (rows.step()) {
+                const QByteArrayView path = rows.utf8(0), name = path.sliced(prefix.size());
+                if (const qsizetype slash = name.indexOf('/'); slash >= 0) {
+                    if (subfolders.contains(QString::fromUtf8(name.first(slash)))) {
+                        from = prefix + name.first(slash).toByteArray() + '0';
+                        more = true;
+                        break;
+                    }
+                    goneRow(path);
+                    continue;
+                }
+                const auto at = std::lower_bound(files.begin(), files.end(), name, [&](const Entry& e, QByteArrayView n) { return nameOrder(e.name, n); });
+                if (at == files.end() || QByteArrayView(at->name) != name) {
+                    goneRow(path);
+                    continue;
+                }
+                matched[at - files.begin()] = true;
+                if (rows.integer(1) == at->at.size && rows.integer(2) == at->at.mtime) {
+                    ++report.filesUnchanged;
+                    continue;
+                }
+                const QString p = QString::fromUtf8(path);
+                changed << p;
+                disk.insert(p, at->at);
+            }
+        }
+        for (qsizetype i = 0; i < files.size(); ++i)
+            if (!matched[i]) {
+                const QString p = dir + '/' + QString::fromUtf8(files[i].name);
+                fresh << p;
+                disk.insert(p, files[i].at);
+            }
     }
-    for (auto it = stamps.cbegin(); it != stamps.cend(); ++it)
-        if (!disk.contains(it.key()) && reachable(it.key())) gonePaths << it.key();
-    stamps = {};
+    for (const QString& dir : std::as_const(vanished)) {
+        rows.bind({dir + '/', dir + '0'});
+        while (rows.step()) goneRow(rows.utf8(0));
+    }
+    // A folder that went may be told of twice: by its own name and by its parent's listing.
+    gonePaths.removeDuplicates();
     if (fresh.isEmpty() && changed.isEmpty() && gonePaths.isEmpty() && journals_->stale().isEmpty()) {
+        if (watcher_) watcher_->remember(listedNow);
         // Another Library on this index (a save's worker has its own) may have brought it up to
         // date already: its writes are still news to this one's observers.
         const qint64 told = std::exchange(toldVersion_, dataVersion());
@@ -185,7 +328,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     // One blocking map over all of them, the calling thread among the workers (batches of it,
     // or a map it only waits for, leave tens of megabytes more behind at a hundred thousand
     // files); that thread tells the files seen, read and left as it goes.
-    const int seen = int(disk.size());
+    const int seen = filesSeen;
     const int toRead = int(reads.size());
     if (toRead > 0) emit scanProgress(seen, 0, toRead);
     std::atomic<int> done{0};
@@ -289,6 +432,9 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     });
     if (ok) journals_->committed(reachable);
     else journals_->failed(touched);
+    // A folder whose changes didn't reach the index is read again by the next scan.
+    if (watcher_ && ok) watcher_->remember(listedNow);
+    else if (watcher_) watcher_->forget();
     if (!ok) {
         report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
         report.problems << report.indexError;

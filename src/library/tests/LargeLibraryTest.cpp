@@ -3,6 +3,7 @@
 // what one change says and what it reads.
 #include "FileFacts.h"
 #include "LibraryFixture.h"
+#include "Rows.h"
 
 #include <QFile>
 #include <unistd.h>
@@ -59,9 +60,17 @@ TEST_F(LargeLibraryTest, ChangeDetailsOfEachChangeEqualThoseOfAWholeComparison) 
         SCOPED_TRACE(what);
         const FetchResult before = lib->fetchAssets(byDate);
         ASSERT_GE(before.count(), items - 1);
+        auto versions = [](const FetchResult& r) {
+            QList<qint64> v;
+            for (const Asset& a : r.assets()) v << a.version;
+            return v;
+        };
+        const QList<qint64> versionsBefore = versions(before);
         change();
         lib->scan();
         const ChangeDetails incremental = lib->changeDetails(before);
+        // A result is a snapshot: the items it shares with the library stay as they were.
+        EXPECT_EQ(versions(before), versionsBefore);
         // A library opened anew has nothing loaded or kept: its result is made whole, and the
         // details from comparing every item.
         Library anew({root()}, database());
@@ -107,6 +116,54 @@ TEST_F(LargeLibraryTest, AChangedFileIsTheOnlyOneRead) {
     EXPECT_EQ(folder.filesRead, 1);
     EXPECT_EQ(folder.filesUnchanged, 99);
     EXPECT_EQ(filesReadSoFar() - read, 2);
+}
+
+TEST_F(LargeLibraryTest, ARescanOfAWatchedLibraryListsOnlyTheFoldersThatChanged) {
+    const int folders = items / 100 + 1;  // and the root
+    lib->startWatching();
+    // The first scan under the watch lists every folder; from then on the watch tells.
+    qint64 listed = foldersListedSoFar();
+    EXPECT_EQ(lib->scan().filesUnchanged, items);
+    EXPECT_EQ(foldersListedSoFar() - listed, folders);
+    listed = foldersListedSoFar();
+    EXPECT_EQ(lib->scan().filesUnchanged, 0);
+    EXPECT_EQ(foldersListedSoFar() - listed, 0) << "nothing changed, no folder listed";
+
+    // A photo replaced and one added, scanned before the watcher has told: the scan takes its news.
+    replace(123, own[2]);
+    ASSERT_TRUE(QFile::copy(own[1], folderOf(4242) + "/new.jpg"));
+    listed = foldersListedSoFar();
+    const qint64 read = filesReadSoFar();
+    ScanReport r = lib->scan();
+    EXPECT_EQ(foldersListedSoFar() - listed, 2);
+    EXPECT_EQ(r.filesRead, 2);
+    EXPECT_EQ(r.filesUnchanged, 99 + 100);
+    EXPECT_EQ(filesReadSoFar() - read, 4) << "each new or changed file's metadata and first bytes";
+    EXPECT_TRUE(lib->assetForPath(folderOf(4242) + "/new.jpg"));
+    listed = foldersListedSoFar();
+    EXPECT_EQ(lib->scan().filesRead, 0);
+    EXPECT_EQ(foldersListedSoFar() - listed, 0);
+
+    // A folder made and one removed: the root that holds them is listed again, the two told of.
+    ASSERT_TRUE(QDir(folderOf(500)).removeRecursively());
+    ASSERT_TRUE(QDir().mkpath(root() + "/Trip"));
+    ASSERT_TRUE(QFile::copy(own[0], root() + "/Trip/a.jpg"));
+    listed = foldersListedSoFar();
+    r = lib->scan();
+    EXPECT_EQ(r.filesRemoved, 100);
+    EXPECT_EQ(r.filesRead, 1);
+    EXPECT_EQ(foldersListedSoFar() - listed, 2) << "the root and Trip";
+
+    // Unwatched, a rescan can't know what changed: it lists every folder, and finds a folder
+    // that went by its parent's listing.
+    lib->stopWatching();
+    ASSERT_TRUE(QDir(folderOf(600)).removeRecursively());
+    listed = foldersListedSoFar();
+    r = lib->scan();
+    EXPECT_EQ(r.filesRemoved, 100);
+    EXPECT_EQ(r.filesUnchanged, items - 200 + 2);
+    EXPECT_EQ(foldersListedSoFar() - listed, folders - 2 + 1);
+    EXPECT_EQ(lib->fetchAssets().count(), items - 200 + 2);
 }
 
 }  // namespace
