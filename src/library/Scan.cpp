@@ -269,7 +269,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     // One transaction for everything, or for each batch of a background scan, the first also
     // taking the moves and removals. A batch is at least a quarter of what is written already:
     // each one has the screens fetch anew, which costs more as the library grows.
-    for (qsizetype from = 0, to = 0; from == 0 || from < reads.size(); from = to) {
+    for (qsizetype from = 0, to = 0, batches = 0; batches == 0 || from < reads.size(); from = to, ++batches) {
         to = claim.active() ? std::min(reads.size(), from + std::max<qsizetype>(batchSize_, from / 4)) : reads.size();
         // One blocking map over the batch, the calling thread among the workers (a map it only
         // waited for left tens of megabytes more behind at a hundred thousand files); that thread

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The first scan on a worker thread, written batch by batch: the same library in the end as one
 // synchronous scan, items fetchable while it runs, and a stop that leaves a sound index.
+#include "FileFacts.h"
 #include "LibraryFixture.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 #include <unistd.h>
@@ -198,3 +200,23 @@ TEST_F(BackgroundScanTest, DestroyingTheLibraryStopsItsScan) {
 }
 
 }  // namespace
+
+// The first bytes' hash the index and the journals keep from earlier versions: SHA-1 of the
+// first 64 KiB, as sha1sum gives it, for a file longer and one shorter than that.
+TEST_F(BackgroundScanTest, HeadsAreTheSha1OfTheFirst64KiB) {
+    const QString longer = path("longer.jpg");
+    QFile out(longer);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    QByteArray bytes(100000, '\0');
+    for (int i = 0; i < bytes.size(); ++i) bytes[i] = char(i * 7 % 251);
+    out.write(bytes);
+    out.close();
+    for (const QString& file : {longer, own[0]}) {
+        QProcess sha;
+        sha.start("sh", {"-c", "head -c 65536 \"$1\" | sha1sum", "sh", file});
+        ASSERT_TRUE(sha.waitForFinished(30000));
+        const QString expected = QString::fromLatin1(sha.readAllStandardOutput()).section(' ', 0, 0);
+        ASSERT_EQ(expected.size(), 40);
+        EXPECT_EQ(headHash(file), expected) << file.toStdString();
+    }
+}
