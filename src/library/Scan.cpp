@@ -256,6 +256,9 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     if (toRead > 0) emit scanProgress(seen, 0, toRead);
     std::atomic<int> done{0};
     const auto stopped = [this] { return stop_ && stop_->load(); };
+    QThread* const caller = QThread::currentThread();
+    QElapsedTimer told;
+    told.start();
     // Partners for grouping: same folder and base name (the folder's rows are at hand), or the
     // same content identifier (anywhere, asked of the index). Made in the first transaction,
     // once the moves and removals are in `known`, and kept up to date batch by batch.
@@ -274,9 +277,6 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         // One blocking map over the batch, the calling thread among the workers (a map it only
         // waited for left tens of megabytes more behind at a hundred thousand files); that thread
         // tells the files seen, read and left a few times a second.
-        QThread* const caller = QThread::currentThread();
-        QElapsedTimer told;
-        told.start();
         QtConcurrent::blockingMap(reads.begin() + from, reads.begin() + to, [&](Read& r) {
             if (stopped()) return;
             if (r.head.isNull()) r.head = headHash(r.path);
@@ -291,7 +291,8 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
             report.cancelled = true;
             break;
         }
-        if (to == toRead && toRead > 0) emit scanProgress(seen, toRead, 0);
+        // Each batch tells where it ended, as quick ones leave no time for the map to.
+        if (toRead > 0) emit scanProgress(seen, int(to), toRead - int(to));
         for (qsizetype i = from; i < std::min(to, freshReads); ++i)
             if (!reads[i].facts.readable)
                 report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
