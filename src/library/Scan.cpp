@@ -304,6 +304,10 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         }
         for (qsizetype i = from; i < to; ++i) paths << reads[i].path;
         const QSet<QString> touched = journals_->rootsOf(paths);
+        // Items taken back from a journal whose files a later batch reads are not gone yet: only
+        // the last batch may settle which of them have no file any more.
+        const std::function<bool(const QString&)> settled =
+            to == reads.size() ? std::function<bool(const QString&)>(reachable) : [](const QString&) { return false; };
         const bool ok = index_->transaction([&] {
             Statement bump(db, "UPDATE assets SET version = version + 1 WHERE id = ?");
             if (from == 0) {
@@ -375,11 +379,11 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
                 if (!r.facts.contentIdentifier.isEmpty()) byContent.insert(r.facts.contentIdentifier, asset);
                 if (auto k = kindsOf.find(asset); k != kindsOf.end()) k->insert(int(r.facts.kind));
             }
-            journals_->write(db, touched, reachable, index_->changesBefore());
+            journals_->write(db, touched, settled, index_->changesBefore());
             index_->trimChanges();
             return true;
         });
-        if (ok) journals_->committed(reachable);
+        if (ok) journals_->committed(settled);
         else journals_->failed(touched);
         if (!ok) {
             report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());

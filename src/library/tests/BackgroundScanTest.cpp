@@ -189,6 +189,37 @@ TEST_F(BackgroundScanTest, StoppedMidwayItKeepsWholeBatchesAndTheNextScanReadsTh
     EXPECT_EQ(lib->fetchAssets(everything).count(), photos);
 }
 
+TEST_F(BackgroundScanTest, ALostIndexReadInBatchesTakesEveryIdentifierAndMarkBackFromTheJournal) {
+    ASSERT_EQ(lib->scan().filesRead, files);
+    QHash<QString, QString> before;  // main file to identifier
+    for (const Asset& a : lib->fetchAssets(everything).assets()) before.insert(a.resources.first().path, a.localIdentifier);
+    const Asset last = lib->fetchAssets(everything).assets().last();
+    ASSERT_TRUE(lib->setFavorite(last.localIdentifier, true));
+    lib.reset();
+    ASSERT_TRUE(QFile::remove(database()));
+    QFile::remove(database() + "-wal");
+    QFile::remove(database() + "-shm");
+
+    reopen();
+    const ScanReport report = finish(lib->scanInBackground(smallBatch));
+    EXPECT_EQ(report.filesRead, files);
+    QHash<QString, QString> after;
+    for (const Asset& a : lib->fetchAssets(everything).assets()) after.insert(a.resources.first().path, a.localIdentifier);
+    EXPECT_EQ(after, before);
+    ASSERT_TRUE(lib->asset(last.localIdentifier).has_value());
+    EXPECT_TRUE(lib->asset(last.localIdentifier)->favorite);
+    // And the journal still holds them all for the next time.
+    lib.reset();
+    ASSERT_TRUE(QFile::remove(database()));
+    QFile::remove(database() + "-wal");
+    QFile::remove(database() + "-shm");
+    reopen();
+    lib->scan();
+    after.clear();
+    for (const Asset& a : lib->fetchAssets(everything).assets()) after.insert(a.resources.first().path, a.localIdentifier);
+    EXPECT_EQ(after, before);
+}
+
 TEST_F(BackgroundScanTest, DestroyingTheLibraryStopsItsScan) {
     QFuture<ScanReport> future = lib->scanInBackground(5);
     lib.reset();
