@@ -6,6 +6,7 @@
 #include <QRunnable>
 #include <QThreadPool>
 #include <QUrl>
+#include <atomic>
 
 namespace {
 
@@ -17,9 +18,12 @@ public:
     }
 
     void run() override {
-        image_ = library_ ? library::thumbnails::forFile(path_, side_) : library::thumbnails::picture(path_, side_);
+        // A cell scrolled out of view before its turn came needs no picture.
+        if (!cancelled_)
+            image_ = library_ ? library::thumbnails::forFile(path_, side_) : library::thumbnails::picture(path_, side_);
         emit finished();
     }
+    void cancel() override { cancelled_ = true; }
     QQuickTextureFactory* textureFactory() const override {
         return QQuickTextureFactory::textureFactoryForImage(image_);
     }
@@ -32,7 +36,16 @@ private:
     int side_;
     bool library_;
     QImage image_;
+    std::atomic<bool> cancelled_{false};
 };
+
+// Later requests first: they are the cells in view now. A pool of their own, so that a library
+// scan's reads on the shared one don't keep them waiting.
+std::atomic<int> requests{0};
+QThreadPool& pool() {
+    static QThreadPool threads;
+    return threads;
+}
 
 }  // namespace
 
@@ -42,6 +55,6 @@ QQuickImageResponse* ThumbnailProvider::requestImageResponse(const QString& id, 
     const bool library = id.startsWith(QLatin1String("lib/"));
     const QString path = QUrl::fromPercentEncoding(id.mid(library ? 4 : 0).toUtf8());
     auto* response = new ThumbnailResponse(path, asked > 0 ? asked : defaultSide, library);
-    QThreadPool::globalInstance()->start(response);
+    pool().start(response, 1 + (requests++ & 0xFFFFFF));
     return response;
 }

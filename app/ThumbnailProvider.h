@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
-// image://thumb/<percent-encoded path>: a file's thumbnail, made on the thread pool so that
-// the GUI thread never decodes. The Image's sourceSize bounds it (256 pixels when unset).
+// image://thumb/<percent-encoded path>: a file's thumbnail, made on threads of its own, the
+// latest asked first and those no longer asked skipped, so that the GUI thread never decodes and
+// the cells in view come first. The Image's sourceSize bounds it (256 pixels when unset).
 #include <QQuickAsyncImageProvider>
 
 class ThumbnailProvider : public QQuickAsyncImageProvider {

@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
     if (engine.rootObjects().isEmpty()) return 1;
     // The library is read once the screens listen, so that its alert can show.
     appState().pendingQuickAction = parser.isSet(lastPhoto);
-    models.openLibrary();
+    models.openLibrary({}, true, true);
     appState().maxImages = TSEnvironment::ramCheck(TSEnvironment::physicalMemory());
     models.app->openArguments(parser.positionalArguments());
     QObject::connect(&instance, &SingleInstance::argumentsReceived, &models, [&models, &engine](QStringList arguments) {

@@ -27,6 +27,8 @@ packages=(
   # metadata and media libraries
   libexiv2-dev libheif-dev libavformat-dev libavcodec-dev libavutil-dev libswscale-dev
   libsqlite3-dev libsystemd-dev
+  # SHA-1 of a file's first bytes with the processor's SHA instructions (the library's scan)
+  libssl-dev
   # the command-line tool's memory allocator
   libmimalloc-dev
   # ISO 3166 country names and their translations, for the place data

@@ -997,6 +997,17 @@
     </message>
 </context>
 <context>
+    <name>ScanProgressViewModel</name>
+    <message>
+        <source>%L1 files found, %L2 read, %L3 left</source>
+        <translation>%L1 Dateien gefunden, %L2 gelesen, %L3 übrig</translation>
+    </message>
+    <message>
+        <source>Looking for photos...</source>
+        <translation>Fotos werden gesucht …</translation>
+    </message>
+</context>
+<context>
     <name>SettingsViewModel</name>
     <message>
         <source>About</source>

@@ -36,6 +36,28 @@ Page {
         keyNavigationEnabled: true
         Keys.onReturnPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
         Keys.onEnterPressed: if (currentIndex >= 0) AlbumList.select(currentIndex)
+        // While the library is read: how far, above the albums that grow as it goes.
+        header: Column {
+            visible: ScanProgress.running
+            width: ListView.view.width
+            height: visible ? implicitHeight : 0
+            padding: 12
+            spacing: 6
+            Label {
+                objectName: "scanProgressText"
+                width: parent.width - 24
+                text: ScanProgress.text
+                elide: Text.ElideRight
+                font.pixelSize: 13
+                color: Theme.secondaryText
+            }
+            ProgressBar {
+                width: parent.width - 24
+                value: ScanProgress.fraction
+                indeterminate: ScanProgress.read + ScanProgress.left === 0
+                Accessible.name: ScanProgress.text
+            }
+        }
         // The library's folders, chosen in place of the platform's photo access.
         footer: FormRow {
             visible: !AlbumList.inFolder

@@ -22,9 +22,11 @@
 #include "SettingsViewModel.h"
 #include "ShareViewModel.h"
 #include "ResourcesViewModel.h"
+#include "ScanProgressViewModel.h"
 #include "TagTableModel.h"
 #include "ToolBarModel.h"
 
+#include <QFutureWatcher>
 #include <QQmlEngine>
 
 AppModels::AppModels(QObject* parent)
@@ -43,7 +45,8 @@ AppModels::AppModels(QObject* parent)
       mapPicker(new MapPickerViewModel(this)),
       resources(new ResourcesViewModel(this)),
       edit(new EditViewModel(this)),
-      colors(new ColorScheme(this)) {
+      colors(new ColorScheme(this)),
+      scanProgress(new ScanProgressViewModel(this)) {
     // The edit screen's location row opens the location screen on the edit's wishes.
     edit->setLocationScreen(location);
     // The map picker hands its place back to the location screen.
@@ -79,7 +82,7 @@ AppModels::AppModels(QObject* parent)
     connect(toolBar, &ToolBarModel::burstOpened, app, &AppController::openGroup);
     connect(toolBar, &ToolBarModel::burstOpened, group, &GroupViewModel::attach);
     connect(albumList, &AlbumListViewModel::libraryFoldersChanged, this,
-            [this] { openLibrary(Settings::value(QStringLiteral("libraryFolders")).toStringList()); });
+            [this] { openLibrary(Settings::value(QStringLiteral("libraryFolders")).toStringList(), true, true); });
     // The edit tool opens the edit screen on the item in view; a save in place or of a new item
     // is read into the library at once rather than when the folder watcher notices it. A new
     // item: the album on view jumps to it when it holds it, otherwise the detail offers the
@@ -116,7 +119,7 @@ AppModels::~AppModels() {
     if (TSEnvironment::library() == library.get()) TSEnvironment::setLibrary(nullptr);
 }
 
-void AppModels::openLibrary(const QStringList& folders, bool watch) {
+void AppModels::openLibrary(const QStringList& folders, bool watch, bool inBackground) {
     delete libraryObserver;
     TSEnvironment::setLibrary(nullptr);
     // An album of the old library would show items of folders no longer chosen.
@@ -124,11 +127,19 @@ void AppModels::openLibrary(const QStringList& folders, bool watch) {
         TSEnvironment::observable().albumChangedReset();
         group->leave();
     }
+    // The old library stops its scan after the batch at hand as it goes.
+    library.reset();
+    scanProgress->finish();
+    const int opened = ++opened_;
     library = folders.isEmpty() ? std::make_unique<library::Library>()
                                 : std::make_unique<library::Library>(folders);
     if (!library->isOpen()) Log::error(QStringLiteral("library: ") + library->openError());
-    const library::ScanReport report = library->scan();
-    for (const QString& problem : report.problems) Log::warning(QStringLiteral("library: ") + problem);
+    auto logProblems = [](const library::ScanReport& report) {
+        for (const QString& problem : report.problems) Log::warning(QStringLiteral("library: ") + problem);
+    };
+    if (!inBackground) logProblems(library->scan());
+    // A change another program makes meanwhile is read at once; the files the background scan
+    // is still to read are left to it.
     if (watch) library->startWatching();
     TSEnvironment::setLibrary(library.get());
     libraryObserver = new TSLibraryObserver(library.get(), this);
@@ -136,6 +147,16 @@ void AppModels::openLibrary(const QStringList& folders, bool watch) {
     connect(library.get(), &library::Library::libraryDidChange, albumList, &AlbumListViewModel::reloadLibrary);
     connect(library.get(), &library::Library::libraryDidChange, toolBar, &ToolBarModel::refresh);
     albumList->load();
+    if (!inBackground) return;
+    scanProgress->start(library.get());
+    auto* watcher = new QFutureWatcher<library::ScanReport>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, opened, logProblems] {
+        watcher->deleteLater();
+        if (opened != opened_) return;  // other folders were chosen meanwhile
+        logProblems(watcher->result());
+        scanProgress->finish();
+    });
+    watcher->setFuture(library->scanInBackground());
 }
 
 void AppModels::registerWithQml() {
@@ -155,4 +176,5 @@ void AppModels::registerWithQml() {
     qmlRegisterSingletonInstance(uri, 1, 0, "Resources", resources);
     qmlRegisterSingletonInstance(uri, 1, 0, "Edit", edit);
     qmlRegisterSingletonInstance(uri, 1, 0, "Theme", colors);
+    qmlRegisterSingletonInstance(uri, 1, 0, "ScanProgress", scanProgress);
 }

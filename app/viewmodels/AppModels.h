@@ -27,6 +27,7 @@ class LocationModifierViewModel;
 class MapPickerViewModel;
 class ResourcesViewModel;
 class EditViewModel;
+class ScanProgressViewModel;
 
 class AppModels : public QObject {
     Q_OBJECT
@@ -36,8 +37,10 @@ public:
 
     // Opens the photo library over these folders (the default ones when empty), reads what
     // changed since the last run, and has the screens show it; `watch` follows other programs'
-    // changes. Again with other folders when the user chooses them.
-    void openLibrary(const QStringList& folders = {}, bool watch = true);
+    // changes. Again with other folders when the user chooses them. `inBackground` reads on a
+    // worker thread while the screens show the items as they come, the scan's progress in
+    // `scanProgress`; otherwise this returns once all is read.
+    void openLibrary(const QStringList& folders = {}, bool watch = true, bool inBackground = false);
     // A picture the edit screen saved as a new item: the library reads it and the library
     // observer finds where it landed; the album on view shows it when it holds it, otherwise
     // the detail offers the albums where it landed.
@@ -60,9 +63,14 @@ public:
     ResourcesViewModel* resources;
     EditViewModel* edit;
     ColorScheme* colors;
+    ScanProgressViewModel* scanProgress;
 
     // Registers the models with QML under the names App, AlbumList, Group, SettingsScreen,
     // Detail, DetailTable, TagTable, ToolBar, Share, AddressList, LocationScreen, MapPicker,
-    // Resources and Edit. Call once, before loading QML.
+    // Resources, Edit and ScanProgress. Call once, before loading QML.
     void registerWithQml();
+
+private:
+    // Counts the libraries opened, so that the end of an older one's scan is told apart.
+    int opened_ = 0;
 };

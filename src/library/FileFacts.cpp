@@ -6,12 +6,12 @@
 #include "MovieReader.h"
 #include "PropertyKeys.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTimeZone>
 #include <atomic>
+#include <openssl/evp.h>
 
 namespace library {
 
@@ -205,9 +205,13 @@ QString headHash(const QString& path) {
     ++opened;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {};
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData(file.read(64 * 1024));
-    return QString::fromLatin1(hash.result().toHex());
+    // OpenSSL's SHA-1 uses the processor's SHA instructions: Qt's took a third of a first scan.
+    char head[64 * 1024];
+    const qint64 size = file.read(head, sizeof head);
+    unsigned char digest[EVP_MAX_MD_SIZE];
+    unsigned int length = 0;
+    if (size < 0 || !EVP_Digest(head, size_t(size), digest, &length, EVP_sha1(), nullptr)) return {};
+    return QString::fromLatin1(QByteArray::fromRawData(reinterpret_cast<const char*>(digest), int(length)).toHex());
 }
 
 }  // namespace library

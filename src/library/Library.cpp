@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QtConcurrent/QtConcurrentRun>
 #include <sqlite3.h>
 
 namespace library {
@@ -35,7 +36,36 @@ Library::Library(QStringList folders, QString databasePath, QObject* parent) : Q
     if (index_->isOpen()) toldVersion_ = dataVersion();
 }
 
-Library::~Library() = default;
+Library::~Library() { cancelBackgroundScan(); }
+
+QFuture<ScanReport> Library::scanInBackground(int batchSize) {
+    cancelBackgroundScan();
+    // The items a damaged index gave back are this object's to place; a rebuild is rare enough
+    // to read here.
+    if (!isOpen() || !index_->salvaged().isEmpty()) return QtFuture::makeReadyFuture(scan());
+    stop_ = std::make_shared<std::atomic<bool>>(false);
+    background_ = QtConcurrent::run([this, folders = folders_, path = index_->path(), stop = stop_, batchSize] {
+        Library worker(folders, path);
+        worker.batchSize_ = std::max(1, batchSize);
+        worker.stop_ = stop;
+        // Queued to this object's thread, which this one waits for before it goes.
+        connect(&worker, &Library::scanProgress, this, &Library::scanProgress);
+        connect(&worker, &Library::libraryDidChange, this, &Library::noticeChanges);
+        return worker.scan();
+    });
+    return background_;
+}
+
+void Library::cancelBackgroundScan() {
+    if (stop_) stop_->store(true);
+    background_.waitForFinished();
+}
+
+void Library::noticeChanges() {
+    if (!isOpen()) return;
+    const qint64 told = std::exchange(toldVersion_, dataVersion());
+    if (told != toldVersion_) emit libraryDidChange();
+}
 
 bool Library::isOpen() const { return index_->isOpen(); }
 QString Library::openError() const { return index_->error(); }

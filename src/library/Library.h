@@ -6,12 +6,14 @@
 // type options, gathered into collections, and changed through the operations below.
 // Knows nothing of the screens or of tags: it answers with plain values.
 #include <QDateTime>
+#include <QFuture>
 #include <QHash>
 #include <QList>
 #include <QSet>
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <atomic>
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -207,6 +209,8 @@ struct ScanReport {
     QStringList problems;  // one line per folder or file that couldn't be read
     // Set when the index couldn't take the changes (locked, disk full): it stays as it was.
     QString indexError;
+    // Stopped before the end: the batches written are kept, the next scan reads the rest.
+    bool cancelled = false;
 };
 
 class Index;
@@ -240,6 +244,18 @@ public:
     ScanReport scan(const QStringList& shallow, const QStringList& deep);
     // What the last scan did, the watcher's included.
     const ScanReport& lastScanReport() const { return lastScan_; }
+    // The same scan of every folder on a worker thread, through a connection of its own, written
+    // in transactions of `batchSize` files or a quarter of those written before, whichever is
+    // more: after each one this library sends
+    // `libraryDidChange`, so the items appear as they are read, and `scanProgress` is told here.
+    // Scans of this object in the meantime leave the files it is to read to it. Needs this
+    // thread's event loop; at most one runs, and destroying the library stops it after the
+    // batch at hand (a started batch is never half written).
+    QFuture<ScanReport> scanInBackground(int batchSize = 1000);
+    void cancelBackgroundScan();
+    // Sends `libraryDidChange` when another connection changed the index since observers were
+    // last told.
+    void noticeChanges();
 
     FetchResult fetchAssets(const FetchOptions& options = {}) const;
     FetchResult fetchAssets(const QString& collectionIdentifier, const FetchOptions& options = {}) const;
@@ -306,6 +322,10 @@ private:
     std::unique_ptr<Journals> journals_;  // what the user set, beside the photos
     std::unique_ptr<FolderWatcher> watcher_;
     ScanReport lastScan_;
+    // A background scan, and on its worker's library the size of its batches and its stop flag.
+    QFuture<ScanReport> background_;
+    int batchSize_ = 0;
+    std::shared_ptr<std::atomic<bool>> stop_;
     // Every asset as last loaded, with its creation date in milliseconds for sorting; after a
     // change only the assets it touched are loaded again.
     const QList<FetchResult::Item>& allAssets() const;

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Scans: the folders walked, new and changed files read on worker threads, moves known by size,
-// time and first bytes, files grouped into assets, all written in one transaction.
+// time and first bytes, files grouped into assets, written in one transaction (a background scan:
+// one a batch).
 #include "Library.h"
 
 #include "FileFacts.h"
+#include "FolderListing.h"
 #include "FolderWatcher.h"
 #include "Index.h"
 #include "Journal.h"
 #include "Log.h"
 #include "Rows.h"
-#include "Sidecar.h"
+#include "ScanClaim.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -22,84 +25,12 @@
 #include <algorithm>
 #include <atomic>
 #include <sqlite3.h>
-#include <dirent.h>
 #include <optional>
 #include <sys/stat.h>
-#include <string_view>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 
 namespace library {
-
-namespace {
-std::atomic<qint64> foldersListed{0};
-}  // namespace
-
-qint64 foldersListedSoFar() { return foldersListed.load(); }
-
-namespace {
-
-struct OnDisk { qint64 size, mtime; };
-// A media file as listed: its name as the index keeps it (UTF-8), its size and time.
-struct Entry { QByteArray name; OnDisk at; };
-struct Listing {
-    QList<Entry> files;  // sorted by name, byte by byte
-    QStringList subfolders;  // by name
-};
-
-bool nameOrder(QByteArrayView x, QByteArrayView y) {
-    return std::string_view(x.data(), x.size()) < std::string_view(y.data(), y.size());
-}
-
-// One folder, listed with readdir and one stat a file (a QFileInfo per entry costs several times
-// that at a hundred thousand files); nothing when it can't be read.
-std::optional<Listing> listFolder(const QString& dir) {
-    const QByteArray encoded = QFile::encodeName(dir);
-    DIR* d = access(encoded.constData(), R_OK | X_OK) == 0 ? opendir(encoded.constData()) : nullptr;
-    if (!d) return std::nullopt;
-    ++foldersListed;
-    Listing listing;
-    QList<Entry> sidecars;
-    while (const dirent* e = readdir(d)) {
-        // Hidden entries (our own folder of originals among them) aren't part of the library.
-        if (e->d_name[0] == '.') continue;
-        const QString name = QFile::decodeName(e->d_name);
-        const bool media = hasMediaName(name), sidecar = name.endsWith(QLatin1String(".xmp"), Qt::CaseInsensitive);
-        if (!media && !sidecar && e->d_type != DT_DIR && e->d_type != DT_UNKNOWN && e->d_type != DT_LNK) continue;
-        struct stat st {};
-        if (fstatat(dirfd(d), e->d_name, &st, 0) != 0) continue;
-        if (S_ISDIR(st.st_mode)) {
-            listing.subfolders << name;
-            continue;
-        }
-        if (!S_ISREG(st.st_mode)) continue;
-        const qint64 mtime = qint64(st.st_mtim.tv_sec) * 1000 + st.st_mtim.tv_nsec / 1000000;
-        // The bytes themselves when they are the UTF-8 the index holds, as they nearly always are.
-        const QByteArrayView raw(e->d_name);
-        Entry entry{raw.isValidUtf8() ? raw.toByteArray() : name.toUtf8(), {qint64(st.st_size), mtime}};
-        if (media) listing.files << std::move(entry);
-        else if (sidecar) sidecars << std::move(entry);
-    }
-    closedir(d);
-    // A photo counts as changed when its sidecar does, or comes or goes: its time is the later
-    // of the two, so another program's rating or keywords in the sidecar are read like a change
-    // to the photo, and a photo moved with its sidecar is still known by size, time and first bytes.
-    if (!sidecars.isEmpty()) {
-        QHash<QString, qint64> sidecarTimes;
-        for (const Entry& s : std::as_const(sidecars)) sidecarTimes.insert(dir + '/' + QString::fromUtf8(s.name), s.at.mtime);
-        for (Entry& f : listing.files)
-            for (const QString& candidate : imageio::sidecarCandidates(dir + '/' + QString::fromUtf8(f.name)))
-                if (const auto s = sidecarTimes.constFind(candidate); s != sidecarTimes.cend()) {
-                    f.at.mtime = std::max(f.at.mtime, *s);
-                    break;
-                }
-    }
-    std::sort(listing.files.begin(), listing.files.end(), [](const Entry& x, const Entry& y) { return nameOrder(x.name, y.name); });
-    return listing;
-}
-
-}  // namespace
 
 ScanReport Library::scan() { return scan({}, folders_); }
 
@@ -110,6 +41,8 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
         report.problems << index_->error();
         return lastScan_ = report;
     }
+    // A background scan's files are its own until it ends.
+    ScanClaim claim(batchSize_ > 0 ? index_->path() : QString());
     journals_->check(index_->db());
     // What is on disk now, folder by folder, sorted by name so that the index's rows are matched
     // by a binary search instead of a path string and a hash entry per file. Folders we can't
@@ -274,13 +207,13 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     }
     // A folder that went may be told of twice: by its own name and by its parent's listing.
     gonePaths.removeDuplicates();
+    if (batchSize_ == 0) ScanClaim::leaveClaimed(index_->path(), fresh, changed);
     if (fresh.isEmpty() && changed.isEmpty() && gonePaths.isEmpty() && journals_->stale().isEmpty()) {
         if (watcher_) watcher_->remember(listedNow);
         // Another Library on this index (a save's worker has its own) may have brought it up to
         // date already: its writes are still news to this one's observers.
-        const qint64 told = std::exchange(toldVersion_, dataVersion());
         lastScan_ = report;
-        if (told != toldVersion_) emit libraryDidChange();
+        noticeChanges();
         return report;
     }
     // Then the whole rows of the folders where something changed: what the gone files were,
@@ -299,7 +232,7 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     for (const QString& p : std::as_const(gonePaths)) gone << known.value(p);
     std::sort(fresh.begin(), fresh.end());
 
-    // The reading is done before the transaction, so the database is held only for the writes.
+    // The reading is done before each transaction, so the database is held only for the writes.
     // Files are read on worker threads, one file each; matching them up stays here, in order.
     struct Read { QString path, head; FileFacts facts; };
     QList<Read> reads;
@@ -308,9 +241,17 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     // A new file's first bytes tell a moved one. They are read in a pass of their own even when
     // no file went: their small strings made among the reader's large passing ones left a
     // first scan of 100,000 files with some 400 MB more held.
-    const QStringList freshHeads = QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); });
+    // A background scan with no file gone has no move to find: it reads them batch by batch,
+    // so that the first items show at once.
+    const bool headsFirst = !claim.active() || !gone.isEmpty();
+    const QStringList freshHeads =
+        headsFirst ? QtConcurrent::blockingMapped(fresh, [](const QString& p) { return headHash(p); }) : QStringList();
     for (qsizetype i = 0; i < fresh.size(); ++i) {
         const QString& path = fresh[i];
+        if (!headsFirst) {
+            reads << Read{path, {}, {}};
+            continue;
+        }
         const QString& head = freshHeads[i];
         const OnDisk od = disk.value(path);
         auto match = std::find_if(gone.begin(), gone.end(), [&](const FileRow& g) {
@@ -325,122 +266,161 @@ ScanReport Library::scan(const QStringList& shallow, const QStringList& deep) {
     }
     const qsizetype freshReads = reads.size();
     for (const QString& path : changed) reads << Read{path, {}, {}};
-    // One blocking map over all of them, the calling thread among the workers (batches of it,
-    // or a map it only waits for, leave tens of megabytes more behind at a hundred thousand
-    // files); that thread tells the files seen, read and left as it goes.
+    if (claim.active()) claim.list(reads);
     const int seen = filesSeen;
     const int toRead = int(reads.size());
     if (toRead > 0) emit scanProgress(seen, 0, toRead);
     std::atomic<int> done{0};
+    const auto stopped = [this] { return stop_ && stop_->load(); };
     QThread* const caller = QThread::currentThread();
-    QtConcurrent::blockingMap(reads, [&](Read& r) {
-        if (r.head.isNull()) r.head = headHash(r.path);
-        r.facts = readFileFacts(r.path);
-        const int n = ++done;
-        if (QThread::currentThread() == caller && n < toRead) emit scanProgress(seen, n, toRead - n);
-    });
-    if (toRead > 0) emit scanProgress(seen, toRead, 0);
-    for (qsizetype i = 0; i < freshReads; ++i)
-        if (!reads[i].facts.readable)
-            report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
-
+    QElapsedTimer told;
+    told.start();
+    // Partners for grouping: same folder and base name (the folder's rows are at hand), or the
+    // same content identifier (anywhere, asked of the index). Made in the first transaction,
+    // once the moves and removals are in `known`, and kept up to date batch by batch.
+    QHash<QString, QString> byName, byContent;
+    QHash<QString, QSet<int>> kindsOf;
+    auto nameKey = [](const QString& path) {
+        QFileInfo fi(path);
+        return fi.absolutePath() + '/' + fi.completeBaseName().toLower();
+    };
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    QStringList paths = moved.keys();
-    for (const FileRow& g : std::as_const(gone)) paths << g.path;
-    for (const Read& r : std::as_const(reads)) paths << r.path;
-    const QSet<QString> touched = journals_->rootsOf(paths);
-    bool ok = index_->transaction([&] {
-        Statement bump(db, "UPDATE assets SET version = version + 1 WHERE id = ?");
-        Statement move(db, "UPDATE files SET path = ? WHERE path = ?");
-        for (auto it = moved.cbegin(); it != moved.cend(); ++it) {
-            if (!move.exec({it.key(), it.value()}) || !bump.exec({known.value(it.value()).asset})) return false;
-            known.insert(it.key(), known.take(it.value()));
-            known[it.key()].path = it.key();
-            ++report.filesMoved;
-        }
-        Statement removeFile(db, "DELETE FROM files WHERE path = ?");
-        Statement orphans(db, "DELETE FROM assets WHERE id = ? AND NOT EXISTS (SELECT 1 FROM files WHERE asset = ?)");
-        for (const FileRow& g : gone) {
-            if (goneTaken.contains(g.path)) continue;
-            if (!removeFile.exec({g.path}) || !orphans.exec({g.asset, g.asset}) || !bump.exec({g.asset})) return false;
-            known.remove(g.path);
-            ++report.filesRemoved;
-        }
-        // Partners for grouping: same folder and base name (the folder's rows are at hand), or
-        // the same content identifier (anywhere, asked of the index).
-        QHash<QString, QString> byName, byContent;
-        QHash<QString, QSet<int>> kindsOf;
-        auto nameKey = [](const QString& path) {
-            QFileInfo fi(path);
-            return fi.absolutePath() + '/' + fi.completeBaseName().toLower();
-        };
-        for (const FileRow& r : std::as_const(known)) {
-            byName.insert(nameKey(r.path), r.asset);
-            if (!r.contentId.isEmpty()) byContent.insert(r.contentId, r.asset);
-        }
-        Statement contentPartner(db, "SELECT asset FROM files WHERE content_id = ? AND content_id <> ''");
-        Statement kinds(db, "SELECT kind FROM files WHERE asset = ?");
-        auto partnerByContent = [&](const QString& contentId) {
-            if (contentId.isEmpty()) return QString();
-            auto it = byContent.constFind(contentId);
-            if (it != byContent.cend()) return *it;
-            contentPartner.bind({contentId});
-            const QString asset = contentPartner.step() ? contentPartner.text(0) : QString();
-            contentPartner.reset();
-            return asset;
-        };
-        auto kindsOfAsset = [&](const QString& asset) -> const QSet<int>& {
-            auto it = kindsOf.find(asset);
-            if (it == kindsOf.end()) {
-                QSet<int> found;
-                kinds.bind({asset});
-                while (kinds.step()) found.insert(int(kinds.integer(0)));
-                kinds.reset();
-                it = kindsOf.insert(asset, found);
+    // One transaction for everything, or for each batch of a background scan, the first also
+    // taking the moves and removals. A batch is at least a quarter of what is written already:
+    // each one has the screens fetch anew, which costs more as the library grows.
+    for (qsizetype from = 0, to = 0, batches = 0; batches == 0 || from < reads.size(); from = to, ++batches) {
+        to = claim.active() ? std::min(reads.size(), from + std::max<qsizetype>(batchSize_, from / 4)) : reads.size();
+        // One blocking map over the batch, the calling thread among the workers (a map it only
+        // waited for left tens of megabytes more behind at a hundred thousand files); that thread
+        // tells the files seen, read and left a few times a second.
+        QtConcurrent::blockingMap(reads.begin() + from, reads.begin() + to, [&](Read& r) {
+            if (stopped()) return;
+            if (r.head.isNull()) r.head = headHash(r.path);
+            r.facts = readFileFacts(r.path);
+            const int n = ++done;
+            if (QThread::currentThread() == caller && n < toRead && told.elapsed() >= 100) {
+                told.restart();
+                emit scanProgress(seen, n, toRead - n);
             }
-            return *it;
-        };
-        Statement insert(db, insertFile);
-        Statement newAsset(db, "INSERT INTO assets(id, added) VALUES(?, ?)");
-        for (const Read& r : reads) {
-            const OnDisk od = disk.value(r.path);
-            QString asset = known.contains(r.path) ? known.value(r.path).asset : QString();
-            if (asset.isEmpty()) asset = journals_->take(db, r.path, od.size, r.head, now).value_or(QString());
-            if (asset.isEmpty()) {
-                auto fits = [&](const QString& candidate) {
-                    return !candidate.isEmpty() && !kindsOfAsset(candidate).contains(int(r.facts.kind));
-                };
-                QString partner = partnerByContent(r.facts.contentIdentifier);
-                if (r.facts.contentIdentifier.isEmpty() || !fits(partner)) partner = byName.value(nameKey(r.path));
-                if (fits(partner)) asset = partner;
-            }
-            if (asset.isEmpty()) {
-                asset = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-                if (!newAsset.exec({asset, now})) return false;
-            } else if (!bump.exec({asset})) {
-                return false;
-            }
-            if (!insert.exec(fileValues(r.path, asset, od.size, od.mtime, r.head, r.facts))) return false;
-            byName.insert(nameKey(r.path), asset);
-            if (!r.facts.contentIdentifier.isEmpty()) byContent.insert(r.facts.contentIdentifier, asset);
-            if (auto k = kindsOf.find(asset); k != kindsOf.end()) k->insert(int(r.facts.kind));
-            ++report.filesRead;
+        });
+        if (stopped()) {
+            report.cancelled = true;
+            break;
         }
-        journals_->write(db, touched, reachable, index_->changesBefore());
-        index_->trimChanges();
-        return true;
-    });
-    if (ok) journals_->committed(reachable);
-    else journals_->failed(touched);
-    // A folder whose changes didn't reach the index is read again by the next scan.
-    if (watcher_ && ok) watcher_->remember(listedNow);
-    else if (watcher_) watcher_->forget();
-    if (!ok) {
-        report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
-        report.problems << report.indexError;
-        Log::error(QStringLiteral("🗂 %1").arg(report.indexError));
-        return lastScan_ = report;
+        // Each batch tells where it ended, as quick ones leave no time for the map to.
+        if (toRead > 0) emit scanProgress(seen, int(to), toRead - int(to));
+        for (qsizetype i = from; i < std::min(to, freshReads); ++i)
+            if (!reads[i].facts.readable)
+                report.problems << QStringLiteral("%1 couldn't be read; kept with what the file system knows").arg(reads[i].path);
+
+        QStringList paths;
+        if (from == 0) {
+            paths = moved.keys();
+            for (const FileRow& g : std::as_const(gone)) paths << g.path;
+        }
+        for (qsizetype i = from; i < to; ++i) paths << reads[i].path;
+        const QSet<QString> touched = journals_->rootsOf(paths);
+        // Items taken back from a journal whose files a later batch reads are not gone yet: only
+        // the last batch may settle which of them have no file any more.
+        const std::function<bool(const QString&)> settled =
+            to == reads.size() ? std::function<bool(const QString&)>(reachable) : [](const QString&) { return false; };
+        const bool ok = index_->transaction([&] {
+            Statement bump(db, "UPDATE assets SET version = version + 1 WHERE id = ?");
+            if (from == 0) {
+                Statement move(db, "UPDATE files SET path = ? WHERE path = ?");
+                for (auto it = moved.cbegin(); it != moved.cend(); ++it) {
+                    if (!move.exec({it.key(), it.value()}) || !bump.exec({known.value(it.value()).asset})) return false;
+                    known.insert(it.key(), known.take(it.value()));
+                    known[it.key()].path = it.key();
+                    ++report.filesMoved;
+                }
+                Statement removeFile(db, "DELETE FROM files WHERE path = ?");
+                Statement orphans(db, "DELETE FROM assets WHERE id = ? AND NOT EXISTS (SELECT 1 FROM files WHERE asset = ?)");
+                for (const FileRow& g : gone) {
+                    if (goneTaken.contains(g.path)) continue;
+                    if (!removeFile.exec({g.path}) || !orphans.exec({g.asset, g.asset}) || !bump.exec({g.asset})) return false;
+                    known.remove(g.path);
+                    ++report.filesRemoved;
+                }
+                for (const FileRow& r : std::as_const(known)) {
+                    byName.insert(nameKey(r.path), r.asset);
+                    if (!r.contentId.isEmpty()) byContent.insert(r.contentId, r.asset);
+                }
+            }
+            Statement contentPartner(db, "SELECT asset FROM files WHERE content_id = ? AND content_id <> ''");
+            Statement kinds(db, "SELECT kind FROM files WHERE asset = ?");
+            auto partnerByContent = [&](const QString& contentId) {
+                if (contentId.isEmpty()) return QString();
+                auto it = byContent.constFind(contentId);
+                if (it != byContent.cend()) return *it;
+                contentPartner.bind({contentId});
+                const QString asset = contentPartner.step() ? contentPartner.text(0) : QString();
+                contentPartner.reset();
+                return asset;
+            };
+            auto kindsOfAsset = [&](const QString& asset) -> const QSet<int>& {
+                auto it = kindsOf.find(asset);
+                if (it == kindsOf.end()) {
+                    QSet<int> found;
+                    kinds.bind({asset});
+                    while (kinds.step()) found.insert(int(kinds.integer(0)));
+                    kinds.reset();
+                    it = kindsOf.insert(asset, found);
+                }
+                return *it;
+            };
+            Statement insert(db, insertFile);
+            Statement newAsset(db, "INSERT INTO assets(id, added) VALUES(?, ?)");
+            for (qsizetype i = from; i < to; ++i) {
+                const Read& r = reads[i];
+                const OnDisk od = disk.value(r.path);
+                QString asset = known.contains(r.path) ? known.value(r.path).asset : QString();
+                if (asset.isEmpty()) asset = journals_->take(db, r.path, od.size, r.head, now).value_or(QString());
+                if (asset.isEmpty()) {
+                    auto fits = [&](const QString& candidate) {
+                        return !candidate.isEmpty() && !kindsOfAsset(candidate).contains(int(r.facts.kind));
+                    };
+                    QString partner = partnerByContent(r.facts.contentIdentifier);
+                    if (r.facts.contentIdentifier.isEmpty() || !fits(partner)) partner = byName.value(nameKey(r.path));
+                    if (fits(partner)) asset = partner;
+                }
+                if (asset.isEmpty()) {
+                    asset = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+                    if (!newAsset.exec({asset, now})) return false;
+                } else if (!bump.exec({asset})) {
+                    return false;
+                }
+                if (!insert.exec(fileValues(r.path, asset, od.size, od.mtime, r.head, r.facts))) return false;
+                byName.insert(nameKey(r.path), asset);
+                if (!r.facts.contentIdentifier.isEmpty()) byContent.insert(r.facts.contentIdentifier, asset);
+                if (auto k = kindsOf.find(asset); k != kindsOf.end()) k->insert(int(r.facts.kind));
+            }
+            journals_->write(db, touched, settled, index_->changesBefore());
+            index_->trimChanges();
+            return true;
+        });
+        if (ok) journals_->committed(settled);
+        else journals_->failed(touched);
+        if (!ok) {
+            // A folder whose changes didn't reach the index is read again by the next scan.
+            if (watcher_) watcher_->forget();
+            report.indexError = QStringLiteral("The library's index couldn't be updated: %1").arg(index_->lastError());
+            report.problems << report.indexError;
+            Log::error(QStringLiteral("🗂 %1").arg(report.indexError));
+            return lastScan_ = report;
+        }
+        report.filesRead += int(to - from);
+        // What is written needs no more room here.
+        for (qsizetype i = from; i < to; ++i) reads[i] = Read{};
+        // Each batch is news for the screens; the last one is told below.
+        if (to < reads.size()) {
+            toldVersion_ = dataVersion();
+            emit libraryDidChange();
+        }
     }
+    // A stopped scan left files unread in folders it listed: the next one lists them again.
+    if (watcher_ && report.cancelled) watcher_->forget();
+    else if (watcher_) watcher_->remember(listedNow);
     lastScan_ = report;
     toldVersion_ = dataVersion();
     emit libraryDidChange();
