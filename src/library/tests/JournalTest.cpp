@@ -390,3 +390,47 @@ TEST_F(LibraryFixture, AChangeAppendsTheLinesOfWhatItTouched) {
     EXPECT_EQ(assetOf(a).localIdentifier, id);
     EXPECT_FALSE(assetOf(a).favorite);
 }
+
+// Every field an item can carry survives the whole-file writer (used when recovered items are
+// written back) and the reader: a field either one drops comes back as its default.
+TEST(JournalFormatTest, EveryFieldOfAnItemComesBackFromTheWrittenFile) {
+    const QString root = "/photos";
+    const QString id = "0A1B2C3D-4E5F-4A6B-8C7D-9E0F1A2B3C4D";
+    JournalItem item;
+    item.id = id;
+    item.added = 1700000000000;
+    item.favorite = true;
+    item.hidden = true;
+    item.userDate = 1600000000000;
+    item.userOffset = -5 * 3600;
+    item.userLat = -33.8568;
+    item.userLon = 151.2153;
+    item.editOriginal = root + "/.tessorin/edits/" + id + "/IMG_1.jpg";
+    item.editAdjustment = root + "/.tessorin/edits/" + id + "/IMG_1.json";
+    item.files = {{root + "/Trip/IMG_1.jpg", 123456, "0123456789abcdef0123456789abcdef01234567"},
+                  {root + "/Trip/IMG_1.mov", 7, QString()}};
+    ASSERT_TRUE(isSound(item, {root}));
+
+    const journal::Reading reading = journal::parse(root, journal::serialize(root, {item}));
+    EXPECT_EQ(reading.version, journal::version);
+    EXPECT_EQ(reading.skipped, 0);
+    ASSERT_EQ(reading.items.size(), 1);
+    const JournalItem& back = reading.items.first();
+    EXPECT_EQ(back.id, id);
+    EXPECT_EQ(back.added, 1700000000000);
+    EXPECT_TRUE(back.favorite);
+    EXPECT_TRUE(back.hidden);
+    EXPECT_EQ(back.userDate, std::optional<qint64>(1600000000000));
+    EXPECT_EQ(back.userOffset, std::optional<int>(-18000));
+    EXPECT_EQ(back.userLat, std::optional<double>(-33.8568));
+    EXPECT_EQ(back.userLon, std::optional<double>(151.2153));
+    EXPECT_EQ(back.editOriginal, "/photos/.tessorin/edits/" + id + "/IMG_1.jpg");
+    EXPECT_EQ(back.editAdjustment, "/photos/.tessorin/edits/" + id + "/IMG_1.json");
+    ASSERT_EQ(back.files.size(), 2);
+    EXPECT_EQ(back.files[0].path, "/photos/Trip/IMG_1.jpg");
+    EXPECT_EQ(back.files[0].size, 123456);
+    EXPECT_EQ(back.files[0].head, "0123456789abcdef0123456789abcdef01234567");
+    EXPECT_EQ(back.files[1].path, "/photos/Trip/IMG_1.mov");
+    EXPECT_EQ(back.files[1].size, 7);
+    EXPECT_TRUE(back.files[1].head.isEmpty());
+}
