@@ -41,14 +41,8 @@ class BackgroundScanTest : public LibraryFixture {
 protected:
     void SetUp() override {
         LibraryFixture::SetUp();
-        // Our own copies: the corpus's files belong to another user, whom the kernel's
-        // protected hard links leave alone.
-        QDir().mkpath(path("sources"));
-        for (const QString& s : sources) {
-            const QString copy = path("sources/") + QFileInfo(s).fileName();
-            ASSERT_TRUE(QFile::copy(testsupport::corpusDir() + '/' + s, copy)) << s.toStdString();
-            own << copy;
-        }
+        own = ownCopies(sources);
+        ASSERT_FALSE(HasFailure());
         fill(root());
     }
     // f0.jpg ... in folders of 50, every third with f<i>.mp4 beside it, every fifth with f<i>.dng.

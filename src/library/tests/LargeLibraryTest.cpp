@@ -25,14 +25,8 @@ class LargeLibraryTest : public LibraryFixture {
 protected:
     void SetUp() override {
         LibraryFixture::SetUp();
-        // Our own copies: the corpus's files belong to another user, whom the kernel's
-        // protected hard links leave alone.
-        QDir().mkpath(path("sources"));
-        for (const QString& s : sources) {
-            const QString copy = path("sources/") + QFileInfo(s).fileName();
-            ASSERT_TRUE(QFile::copy(testsupport::corpusDir() + '/' + s, copy)) << s.toStdString();
-            own << copy;
-        }
+        own = ownCopies(sources);
+        ASSERT_FALSE(HasFailure());
         for (int i = 0; i < items; ++i) {
             const QString folder = folderOf(i);
             if (i % 100 == 0) ASSERT_TRUE(QDir().mkpath(folder));

@@ -40,6 +40,18 @@ protected:
         EXPECT_TRUE(QFile::copy(source, target)) << source.toStdString();
         return target;
     }
+    // Copies of corpus files outside the library, for hard links: the corpus's files belong to
+    // another user, whom the kernel's protected hard links leave alone.
+    QStringList ownCopies(const QStringList& corpusRelative) {
+        QDir().mkpath(path("sources"));
+        QStringList copies;
+        for (const QString& s : corpusRelative) {
+            const QString copy = path("sources/") + QFileInfo(s).fileName();
+            EXPECT_TRUE(QFile::copy(testsupport::corpusDir() + '/' + s, copy)) << s.toStdString();
+            copies << copy;
+        }
+        return copies;
+    }
     // The one asset holding this file.
     library::Asset assetOf(const QString& file) {
         auto a = lib->assetForPath(file);
